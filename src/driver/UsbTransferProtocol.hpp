@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+/// Splits a message into packets that each fit one HID report, and joins packets into a message.
+///
+/// A packet is a 16-bit little-endian header and its payload. Header bit 0 marks a message's first
+/// packet, bit 1 its last one, bits 2 to 11 hold the payload's length.
+class UsbTransferProtocol {
+public:
+    explicit UsbTransferProtocol(size_t endpointSize);
+
+    [[nodiscard]] size_t getEndpointSize() const { return endpointSize; }
+    [[nodiscard]] size_t getPacketPayloadLength() const { return packetPayloadLength; }
+
+    /// Appends the packets of @p message to @p packets; an empty message has none.
+    void createUsbOutTransferPackets(std::vector<std::vector<uint8_t>>& packets,
+                                     const std::vector<uint8_t>& message);
+
+    /// Adds one received packet to @p message. Returns whether the packet was the message's last.
+    ///
+    /// There is no sequence number: a continuation is appended to whatever @p message holds, and a
+    /// first packet drops it. A length beyond the packet's end is cut to what the packet carries; a
+    /// packet without a whole header is ignored. A message stops growing at `longestMessage`.
+    bool receiveUsbInTransferPackets(std::vector<uint8_t>& message,
+                                     const std::vector<uint8_t>& packet);
+
+    /// No frame comes near it (the longest carries 65,535 bytes of data); it keeps a device that
+    /// never ends its message from taking the host's memory.
+    static constexpr size_t longestMessage = size_t{1} << 20U;
+
+private:
+    size_t endpointSize;
+    size_t packetPayloadLength;
+};

@@ -1,0 +1,22 @@
+#include "model/Adapter.hpp"
+
+namespace virtual_adapter {
+
+Adapter::Adapter(const std::string& modelName, const std::string& serialNumber)
+    : system({"Veltra", modelName, serialNumber, "virtual", "1.0.0"}) {
+    system.registerCommands(dispatcher);
+}
+
+std::vector<Frame> Adapter::handle(const Frame& request) {
+    std::vector<Frame> frames;
+    Frame response = dispatcher.respond(request);
+    if (!response.empty()) {
+        frames.push_back(std::move(response));
+    }
+    for (Frame& notification : notifications.take()) {
+        frames.push_back(std::move(notification));
+    }
+    return frames;
+}
+
+} // namespace virtual_adapter

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+
+namespace virtual_adapter {
+
+/// The status of a response. docs/virtual-adapter.md lists them for users.
+enum class Status : uint16_t {
+    Success = 0x0000,
+    /// No command has this code.
+    UnknownCommand = 0x0001,
+    /// The request is shorter or longer than its command's layout.
+    MalformedRequest = 0x0002,
+    /// A field holds a value that the adapter does not know.
+    InvalidParameter = 0x0003,
+    /// The bus has no I/O voltage.
+    NoVoltage = 0x0004,
+    /// The controller, pin or bus has not been initialised.
+    NotInitialised = 0x0005,
+    /// No target acknowledged the address.
+    NotAcknowledged = 0x0006,
+};
+
+} // namespace virtual_adapter
