@@ -2,9 +2,10 @@
 
 namespace virtual_adapter {
 
-Adapter::Adapter(const std::string& modelName, const std::string& serialNumber)
-    : system({"Veltra", modelName, serialNumber, "virtual", "1.0.0"}) {
+Adapter::Adapter(const AdapterModel& model, const std::string& serialNumber)
+    : system({"Veltra", model.name, serialNumber, "virtual", "1.0.0"}) {
     system.registerCommands(dispatcher);
+    voltage.registerCommands(dispatcher);
 }
 
 std::vector<Frame> Adapter::handle(const Frame& request) {

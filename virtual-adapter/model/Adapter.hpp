@@ -1,8 +1,10 @@
 #pragma once
 
+#include "model/AdapterModel.hpp"
 #include "model/Dispatcher.hpp"
 #include "model/NotificationQueue.hpp"
 #include "model/system.hpp"
+#include "model/voltage.hpp"
 
 #include <string>
 #include <vector>
@@ -13,8 +15,8 @@ namespace virtual_adapter {
 /// thread: the frames it answers are a function of the requests it was given.
 class Adapter {
 public:
-    /// @p modelName and @p serialNumber appear among the adapter's identity strings.
-    Adapter(const std::string& modelName, const std::string& serialNumber);
+    /// The model's name and @p serialNumber appear among the adapter's identity strings.
+    Adapter(const AdapterModel& model, const std::string& serialNumber);
 
     Adapter(const Adapter&) = delete;
     Adapter& operator=(const Adapter&) = delete;
@@ -29,6 +31,7 @@ private:
     Dispatcher dispatcher;
     NotificationQueue notifications;
     System system;
+    IoVoltage voltage;
 };
 
 } // namespace virtual_adapter

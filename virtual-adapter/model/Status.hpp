@@ -19,6 +19,10 @@ enum class Status : uint16_t {
     NotInitialised = 0x0005,
     /// No target acknowledged the address.
     NotAcknowledged = 0x0006,
+    /// A target acknowledged its address and then refused a byte.
+    DataNotAcknowledged = 0x0007,
+    /// The I2C bus has no pull-up resistors: its lines never rise.
+    NoPullUp = 0x0008,
 };
 
 } // namespace virtual_adapter

@@ -1,0 +1,38 @@
+#include "model/voltage.hpp"
+
+#include <utility>
+
+namespace virtual_adapter {
+
+namespace {
+
+constexpr unsigned lowestMillivolts = 800;
+constexpr unsigned highestMillivolts = 3300;
+
+} // namespace
+
+void IoVoltage::registerCommands(Dispatcher& dispatcher) {
+    dispatcher.on(CommandCode::SetI2cSpiUartGpioVoltage,
+                  [this](PayloadReader& request) { return set(request); });
+}
+
+Dispatcher::Handler IoVoltage::required(Dispatcher::Handler handler) const {
+    return [this, handler = std::move(handler)](PayloadReader& request) {
+        return outputEnabled ? handler(request) : Answer(Status::NoVoltage);
+    };
+}
+
+Answer IoVoltage::set(PayloadReader& request) {
+    const unsigned millivolts = request.u16();
+    const unsigned enable = request.u8();
+    if (!request.consumedExactly()) {
+        return Status::MalformedRequest;
+    }
+    if (millivolts < lowestMillivolts || millivolts > highestMillivolts || enable > 1) {
+        return Status::InvalidParameter;
+    }
+    outputEnabled = enable == 1;
+    return Status::Success;
+}
+
+} // namespace virtual_adapter
