@@ -1,0 +1,27 @@
+#pragma once
+
+#include "model/AdapterModel.hpp"
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+namespace virtual_adapter {
+
+/// What a host reads of the adapter before it sends anything.
+struct UsbIdentity {
+    AdapterModel model;
+    uint16_t vendorId;
+    uint16_t productId;
+    /// Binary-coded decimal: 0x0100 is 1.0.
+    uint16_t deviceRelease;
+    const char* manufacturer;
+};
+
+/// The full-speed model's, then the high-speed model's.
+extern const std::array<UsbIdentity, 2> usbIdentities;
+
+/// Null when no model has that name.
+const UsbIdentity* findUsbIdentity(const std::string& modelName);
+
+} // namespace virtual_adapter
