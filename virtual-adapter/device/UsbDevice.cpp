@@ -1,0 +1,129 @@
+#include "device/UsbDevice.hpp"
+
+#include <algorithm>
+#include <utility>
+
+namespace virtual_adapter {
+
+namespace {
+
+constexpr uint8_t endpointNumberMask = 0x0F;
+
+bool erase(std::deque<UsbTransfer>& transfers, uint64_t id) {
+    const auto found = std::find_if(transfers.begin(), transfers.end(),
+                                    [=](const UsbTransfer& transfer) { return transfer.id == id; });
+    if (found == transfers.end()) {
+        return false;
+    }
+    transfers.erase(found);
+    return true;
+}
+
+} // namespace
+
+UsbDevice::UsbDevice(const UsbIdentity& identity, const std::string& serialNumber,
+                     const Fault& fault, std::function<void(UsbResult)> receiver)
+    : link(identity.model, serialNumber, fault),
+      control(identity, serialNumber),
+      completed(std::move(receiver)) {}
+
+void UsbDevice::submit(UsbTransfer transfer, Time now) {
+    if (!isOnBus()) {
+        end(transfer, UsbStatus::Unplugged);
+    } else if ((transfer.endpointAddress & endpointNumberMask) == 0) {
+        submitControl(transfer, now);
+    } else if (!isUsable(transfer.endpointAddress)) {
+        end(transfer, UsbStatus::Stalled);
+    } else if (transfer.endpointAddress == inEndpointAddress) {
+        pendingInput.push_back(std::move(transfer));
+    } else if (!acceptsOutput) {
+        pendingOutput.push_back(std::move(transfer));
+    } else {
+        output(transfer, now);
+    }
+    serve(now);
+}
+
+bool UsbDevice::cancel(uint64_t id) {
+    return erase(pendingInput, id) || erase(pendingOutput, id);
+}
+
+void UsbDevice::serve(Time now) {
+    if (!isOnBus()) {
+        unplug();
+        return;
+    }
+    while (!pendingInput.empty() && input(pendingInput.front(), now)) {
+        pendingInput.pop_front();
+    }
+}
+
+std::optional<UsbDevice::Time> UsbDevice::nextDue() const {
+    return pendingInput.empty() ? std::nullopt : link.nextInputDue();
+}
+
+void UsbDevice::acceptOutput(bool accept, Time now) {
+    acceptsOutput = accept;
+    while (acceptsOutput && isOnBus() && !pendingOutput.empty()) {
+        output(pendingOutput.front(), now);
+        pendingOutput.pop_front();
+    }
+    serve(now);
+}
+
+void UsbDevice::unplug() {
+    unplugged = true;
+    for (std::deque<UsbTransfer>* pending : {&pendingInput, &pendingOutput}) {
+        for (const UsbTransfer& transfer : *pending) {
+            end(transfer, UsbStatus::Unplugged);
+        }
+        pending->clear();
+    }
+}
+
+void UsbDevice::submitControl(const UsbTransfer& transfer, Time now) {
+    std::optional<Bytes> reply =
+        control.handle(transfer.setup, transfer.data,
+                       [&](const Bytes& report) { return link.writeReport(report, now); });
+    if (!reply) {
+        end(transfer, UsbStatus::Stalled);
+        return;
+    }
+    reply->resize(std::min(reply->size(), transfer.length));
+    const size_t length = transfer.setup.isDeviceToHost() ? reply->size() : transfer.data.size();
+    end(transfer, UsbStatus::Completed, length, std::move(*reply));
+}
+
+void UsbDevice::output(const UsbTransfer& transfer, Time now) {
+    if (link.writeReport(transfer.data, now)) {
+        end(transfer, UsbStatus::Completed, transfer.data.size());
+    } else {
+        end(transfer, link.isOnBus() ? UsbStatus::Stalled : UsbStatus::Unplugged);
+    }
+}
+
+bool UsbDevice::input(const UsbTransfer& transfer, Time now) {
+    std::optional<Bytes> report = link.takeInputReport(now);
+    if (!report) {
+        return false;
+    }
+    if (report->size() > transfer.length) {
+        end(transfer, UsbStatus::Overflowed);
+    } else {
+        const size_t length = report->size();
+        end(transfer, UsbStatus::Completed, length, std::move(*report));
+    }
+    return true;
+}
+
+bool UsbDevice::isUsable(uint8_t endpointAddress) const {
+    return control.isConfigured() && !control.isHalted(endpointAddress) &&
+           (endpointAddress == inEndpointAddress || endpointAddress == outEndpointAddress);
+}
+
+void UsbDevice::end(const UsbTransfer& transfer, UsbStatus status, size_t actualLength,
+                    Bytes data) {
+    completed({transfer.id, status, actualLength, std::move(data)});
+}
+
+} // namespace virtual_adapter
