@@ -6,6 +6,7 @@ Adapter::Adapter(const AdapterModel& model, const std::string& serialNumber)
     : system({"Veltra", model.name, serialNumber, "virtual", "1.0.0"}) {
     system.registerCommands(dispatcher);
     voltage.registerCommands(dispatcher);
+    i2c.registerCommands(dispatcher);
 }
 
 std::vector<Frame> Adapter::handle(const Frame& request) {

@@ -3,6 +3,7 @@
 #include "model/AdapterModel.hpp"
 #include "model/Dispatcher.hpp"
 #include "model/NotificationQueue.hpp"
+#include "model/i2c.hpp"
 #include "model/system.hpp"
 #include "model/voltage.hpp"
 
@@ -32,6 +33,7 @@ private:
     NotificationQueue notifications;
     System system;
     IoVoltage voltage;
+    I2c i2c{voltage};
 };
 
 } // namespace virtual_adapter

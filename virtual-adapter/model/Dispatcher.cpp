@@ -19,9 +19,7 @@ Frame Dispatcher::respond(const Frame& request) const {
         handler == handlers.end() ? Answer(Status::UnknownCommand) : handler->second(payload);
 
     Frame response(request.begin(), request.begin() + headerSize);
-    const auto status = static_cast<uint16_t>(answer.status);
-    response.push_back(static_cast<uint8_t>(status & 0xFFU));
-    response.push_back(static_cast<uint8_t>(status >> 8U));
+    appendU16(response, static_cast<uint16_t>(answer.status));
     response.insert(response.end(), answer.payload.begin(), answer.payload.end());
     return response;
 }

@@ -10,4 +10,10 @@ using Frame = std::vector<uint8_t>;
 
 using Bytes = std::vector<uint8_t>;
 
+/// Appends @p value, low byte first.
+inline void appendU16(Bytes& bytes, uint16_t value) {
+    bytes.push_back(static_cast<uint8_t>(value & 0xFFU));
+    bytes.push_back(static_cast<uint8_t>(value >> 8U));
+}
+
 } // namespace virtual_adapter
