@@ -1,0 +1,53 @@
+#include "driver/CommunicationManager.hpp"
+
+#include "driver/UsbTransferProtocol.hpp"
+#include "driver/VeltraDriver.hpp"
+
+CommunicationManager::CommunicationManager() : driver(std::make_unique<VeltraDriver>()) {
+    driver->onResponse(
+        [this](const std::vector<uint8_t>& report) { onDriverResponseCallback(report); });
+}
+
+CommunicationManager::~CommunicationManager() {
+    // The polling thread must not meet a callback that is being destroyed.
+    driver->close();
+}
+
+bool CommunicationManager::connect(const std::string& path, const std::string& serialNumber) {
+    // Held until the framing object is in place, so that a report which arrives in between waits.
+    const std::lock_guard<std::mutex> lock(protocolMutex);
+    if (!driver->open(path, serialNumber)) {
+        return false;
+    }
+    protocol = std::make_unique<UsbTransferProtocol>(driver->getEndpointSize());
+    return true;
+}
+
+void CommunicationManager::disconnect() {
+    driver->close();
+}
+
+void CommunicationManager::sendRequest(const std::vector<uint8_t>& request) {
+    outPackets.clear();
+    protocol->createUsbOutTransferPackets(outPackets, request);
+    for (const std::vector<uint8_t>& packet : outPackets) {
+        driver->sendCommand(packet);
+    }
+}
+
+void CommunicationManager::assignCallback(
+    std::function<void(const std::vector<uint8_t>&)> callback) {
+    responseCallback.swap(callback);
+}
+
+void CommunicationManager::onDriverResponseCallback(const std::vector<uint8_t>& report) {
+    bool complete = false;
+    {
+        const std::lock_guard<std::mutex> lock(protocolMutex);
+        complete =
+            protocol != nullptr && protocol->receiveUsbInTransferPackets(receivedMessage, report);
+    }
+    if (complete) {
+        responseCallback(receivedMessage);
+    }
+}

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+class UsbTransferProtocol;
+class VeltraDriver;
+
+/// A link for whole messages: splits requests into reports, joins reports into messages.
+class CommunicationManager {
+public:
+    CommunicationManager();
+    ~CommunicationManager();
+    CommunicationManager(const CommunicationManager&) = delete;
+    CommunicationManager& operator=(const CommunicationManager&) = delete;
+
+    /// Opens the adapter with this HID path and serial number; an empty string matches any.
+    bool connect(const std::string& path, const std::string& serialNumber);
+
+    void disconnect();
+
+    /// Writes @p request report by report; only after a successful connect. A failed write is not
+    /// reported: the request simply gets no response.
+    void sendRequest(const std::vector<uint8_t>& request);
+
+    /// Installs the receiver of whole messages. It runs on the polling thread, and its argument is
+    /// valid only during the call.
+    void assignCallback(std::function<void(const std::vector<uint8_t>&)> callback);
+
+    /// Takes one report; runs on the polling thread.
+    void onDriverResponseCallback(const std::vector<uint8_t>& report);
+
+private:
+    std::vector<uint8_t> receivedMessage;
+    std::vector<std::vector<uint8_t>> outPackets;
+    // Guards `protocol`: the polling thread runs before connect has made the framing object. The
+    // driver below, destroyed first, still uses it.
+    std::mutex protocolMutex;
+    std::unique_ptr<UsbTransferProtocol> protocol;
+    std::unique_ptr<VeltraDriver> driver;
+    std::function<void(const std::vector<uint8_t>&)> responseCallback;
+};

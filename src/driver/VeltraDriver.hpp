@@ -1,0 +1,77 @@
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <hidapi.h>
+
+/// Finds the adapter among the HID devices, opens it, writes one report per packet and reads
+/// reports on a thread of its own.
+///
+/// Every driver calls `hid_init` when it is made and `hid_exit` when it is destroyed, whatever
+/// other drivers exist.
+class VeltraDriver {
+public:
+    /// One adapter model.
+    struct MervoDeviceCharacteristics {
+        uint16_t vendorId;
+        uint16_t productId;
+        /// Payload bytes of one HID report.
+        size_t endpointSize;
+    };
+
+    VeltraDriver();
+    ~VeltraDriver();
+    VeltraDriver(const VeltraDriver&) = delete;
+    VeltraDriver& operator=(const VeltraDriver&) = delete;
+
+    /// The model with these identifiers, or null.
+    static const MervoDeviceCharacteristics* findMervoDeviceCharacteristics(uint16_t vendorId,
+                                                                            uint16_t productId);
+
+    /// Opens the first known adapter whose HID path and serial number equal the arguments; an
+    /// empty argument matches any. An open driver returns true at once.
+    bool open(const std::string& path, const std::string& serialNumber);
+
+    /// Stops the polling thread and closes the device. Must not be called from the callback.
+    void close();
+
+    /// Only while open.
+    [[nodiscard]] size_t getEndpointSize() const { return deviceCharacteristics->endpointSize; }
+
+    /// Writes @p packet as one report, padded with zeros or cut to the report's size. Returns
+    /// false when closed or when the write failed.
+    bool sendCommand(const std::vector<uint8_t>& packet);
+
+    /// Installs the receiver of reports, which runs on the polling thread; only while closed.
+    void onResponse(std::function<void(const std::vector<uint8_t>&)> callback);
+
+private:
+    void pollingLoop();
+    void pausePolling(std::chrono::milliseconds pause);
+
+    static const std::vector<MervoDeviceCharacteristics> mervoDeviceList;
+
+    const MervoDeviceCharacteristics* deviceCharacteristics = nullptr;
+    std::string devicePath;
+    hid_device* device = nullptr;
+    std::function<void(const std::vector<uint8_t>&)> responseCallback;
+    bool isOpen = false;
+    std::atomic<bool> isPolling{false};
+    std::thread pollingThread;
+
+    // Let `close` end the pause that follows a read error.
+    std::mutex pauseMutex;
+    std::condition_variable pauseEnded;
+};
+
+/// Whether hidapi's serial number equals @p serialNumber, given in UTF-8, byte for byte; false for
+/// a null @p deviceSerial. Throws std::range_error for a code point that UTF-8 cannot hold.
+bool compareSerial(const std::string& serialNumber, const wchar_t* deviceSerial);
