@@ -1,0 +1,23 @@
+#include "protocol/ResponseFrame.hpp"
+
+#include <algorithm>
+
+uint16_t ResponseFrame::u16(size_t offset) const {
+    return static_cast<uint16_t>(u8(offset) | u8(offset + 1) << 8);
+}
+
+uint16_t ResponseFrame::u16BigEndian(size_t offset) const {
+    return static_cast<uint16_t>(u8(offset) << 8 | u8(offset + 1));
+}
+
+void ResponseFrame::copyTo(std::vector<uint8_t>& destination, size_t offset, size_t count) const {
+    destination.resize(count);
+    copyTo(destination.data(), offset, count);
+}
+
+void ResponseFrame::copyTo(void* destination, size_t offset, size_t count) const {
+    const size_t present = offset < size ? std::min(count, size - offset) : 0;
+    auto* const bytes = static_cast<uint8_t*>(destination);
+    std::fill(std::copy_n(data + (present != 0 ? offset : 0), present, bytes), bytes + count,
+              uint8_t{0});
+}

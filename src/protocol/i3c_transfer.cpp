@@ -1,0 +1,105 @@
+#include <veltrasdk/VeltraAsyncSDK.hpp>
+
+#include "protocol/RequestFrame.hpp"
+
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+const Bytes none;
+
+/// One kind of private transfer: where its bits lie in the transfer-control byte.
+struct Kind {
+    I3cTransferDirection direction;
+    I3cTransferMode mode;
+};
+
+constexpr Kind sdrWrite{I3cTransferDirection_Write, I3cTransferMode_Sdr};
+constexpr Kind sdrRead{I3cTransferDirection_Read, I3cTransferMode_Sdr};
+constexpr Kind hdrDdrWrite{I3cTransferDirection_Write, I3cTransferMode_HdrDdr};
+constexpr Kind hdrDdrRead{I3cTransferDirection_Read, I3cTransferMode_HdrDdr};
+constexpr Kind legacyI2cWrite{I3cTransferDirection_Write, I3cTransferMode_LegacyI2c};
+constexpr Kind legacyI2cRead{I3cTransferDirection_Read, I3cTransferMode_LegacyI2c};
+
+constexpr uint8_t noHdrCommand = 0;
+constexpr uint8_t targetResetPattern = 0;
+constexpr uint8_t hdrExitPattern = 1;
+
+/// @p length is the number of bytes to write or to read, @p data what a write sends.
+RequestFrame transfer(uint16_t transactionId, Kind kind, uint8_t address, uint8_t hdrCommand,
+                      const Bytes& subAddress, I3cTransferFlags flags, size_t length,
+                      const Bytes& data) {
+    const uint32_t control = kind.direction | kind.mode << 1U | flags << 3U;
+    RequestFrame request(transactionId, CommandCode::I3cPrivateTransfer, data.size());
+    request.u8(address)
+        .u8(static_cast<uint8_t>(control & 0xFFU))
+        .u8(hdrCommand)
+        .u8(static_cast<uint8_t>(subAddress.size()))
+        .bytes(subAddress)
+        .zeros(RequestFrame::longestSubAddress - subAddress.size())
+        .count16(length)
+        .bytes(data);
+    return request;
+}
+
+} // namespace
+
+uint16_t VeltraAsyncSDK::i3cSdrWrite(uint16_t transactionId, uint8_t address,
+                                     const Bytes& subAddress, const Bytes& data,
+                                     I3cTransferFlags flags) {
+    if (subAddress.size() > RequestFrame::longestSubAddress) {
+        return refuseArgument();
+    }
+    return send(transfer(transactionId, sdrWrite, address, noHdrCommand, subAddress, flags,
+                         data.size(), data));
+}
+
+uint16_t VeltraAsyncSDK::i3cSdrRead(uint16_t transactionId, uint8_t address,
+                                    const Bytes& subAddress, uint16_t length,
+                                    I3cTransferFlags flags) {
+    if (subAddress.size() > RequestFrame::longestSubAddress) {
+        return refuseArgument();
+    }
+    return send(
+        transfer(transactionId, sdrRead, address, noHdrCommand, subAddress, flags, length, none));
+}
+
+uint16_t VeltraAsyncSDK::i3cHdrDdrWrite(uint16_t transactionId, uint8_t address, uint8_t hdrCommand,
+                                        const Bytes& data) {
+    return send(transfer(transactionId, hdrDdrWrite, address, hdrCommand, none,
+                         I3cTransferFlags_None, data.size(), data));
+}
+
+uint16_t VeltraAsyncSDK::i3cHdrDdrRead(uint16_t transactionId, uint8_t address, uint8_t hdrCommand,
+                                       uint16_t length) {
+    return send(transfer(transactionId, hdrDdrRead, address, hdrCommand, none,
+                         I3cTransferFlags_None, length, none));
+}
+
+uint16_t VeltraAsyncSDK::i3cLegacyI2cWrite(uint16_t transactionId, uint8_t address,
+                                           const Bytes& subAddress, const Bytes& data,
+                                           I3cTransferFlags flags) {
+    if (subAddress.size() > RequestFrame::longestSubAddress) {
+        return refuseArgument();
+    }
+    return send(transfer(transactionId, legacyI2cWrite, address, noHdrCommand, subAddress, flags,
+                         data.size(), data));
+}
+
+uint16_t VeltraAsyncSDK::i3cLegacyI2cRead(uint16_t transactionId, uint8_t address,
+                                          const Bytes& subAddress, uint16_t length,
+                                          I3cTransferFlags flags) {
+    if (subAddress.size() > RequestFrame::longestSubAddress) {
+        return refuseArgument();
+    }
+    return send(transfer(transactionId, legacyI2cRead, address, noHdrCommand, subAddress, flags,
+                         length, none));
+}
+
+uint16_t VeltraAsyncSDK::i3cTargetResetPattern(uint16_t transactionId) {
+    return send(RequestFrame(transactionId, CommandCode::I3cBusPattern).u8(targetResetPattern));
+}
+
+uint16_t VeltraAsyncSDK::i3cHdrExitPattern(uint16_t transactionId) {
+    return send(RequestFrame(transactionId, CommandCode::I3cBusPattern).u8(hdrExitPattern));
+}

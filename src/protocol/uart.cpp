@@ -1,0 +1,40 @@
+#include <veltrasdk/VeltraAsyncSDK.hpp>
+
+#include "protocol/RequestFrame.hpp"
+
+namespace {
+
+RequestFrame parameters(uint16_t transactionId, CommandCode command, UartBaudRate baudRate,
+                        UartHwHandshake handshake, UartParity parity, UartDataSize dataSize,
+                        UartStopBit stopBit) {
+    RequestFrame request(transactionId, command);
+    request.u8(baudRate).u8(handshake).u8(parity).u8(dataSize).u8(stopBit);
+    return request;
+}
+
+} // namespace
+
+uint16_t VeltraAsyncSDK::uartSetBusVoltage(uint16_t transactionId, uint16_t millivolts, bool flag) {
+    return setI2cSpiUartGpioVoltage(transactionId, millivolts, flag);
+}
+
+uint16_t VeltraAsyncSDK::uartInit(uint16_t transactionId, UartBaudRate baudRate,
+                                  UartHwHandshake handshake, UartParity parity,
+                                  UartDataSize dataSize, UartStopBit stopBit) {
+    return send(parameters(transactionId, CommandCode::UartInit, baudRate, handshake, parity,
+                           dataSize, stopBit));
+}
+
+uint16_t VeltraAsyncSDK::uartSetParameters(uint16_t transactionId, UartBaudRate baudRate,
+                                           UartHwHandshake handshake, UartParity parity,
+                                           UartDataSize dataSize, UartStopBit stopBit) {
+    return send(parameters(transactionId, CommandCode::UartSetParameters, baudRate, handshake,
+                           parity, dataSize, stopBit));
+}
+
+uint16_t VeltraAsyncSDK::uartSendMessage(uint16_t transactionId,
+                                         const std::vector<uint8_t>& message) {
+    return send(RequestFrame(transactionId, CommandCode::UartSendMessage, message.size())
+                    .count16(message.size())
+                    .bytes(message));
+}
