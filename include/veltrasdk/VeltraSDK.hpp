@@ -1,0 +1,551 @@
+/**
+ * @file
+ * @brief The blocking interface: each operation sends one request and waits for its response.
+ */
+#ifndef VELTRASDK_VELTRASDK_HPP
+#define VELTRASDK_VELTRASDK_HPP
+
+#include <veltrasdk/Notification.hpp>
+#include <veltrasdk/declarations.h>
+#include <veltrasdk/gpio.h>
+#include <veltrasdk/i3c.h>
+#include <veltrasdk/result.h>
+#include <veltrasdk/spi.h>
+#include <veltrasdk/uart.h>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+class BlockingApi;
+class CommunicationManager;
+class VeltraAsyncSDK;
+
+/**
+ * @brief Drives one adapter: each operation sends one request and waits for the response.
+ *
+ * @par Result codes
+ * Every operation returns the adapter's status, 0 for success, or one of #ResultCode:
+ * #ResultCode_NotConnected at once when the link is not connected; #ResultCode_NoResponse when no
+ * response came within the time-out; #ResultCode_InvalidArgument at once, with nothing sent, where
+ * its description says so.
+ *
+ * @par Outputs
+ * Outputs are written whenever a response arrived, whatever its status, and left as they were when
+ * none did. Bytes that a response announces but does not carry read as zero.
+ *
+ * @par Late responses
+ * The next response is taken as the answer of the operation that waits, whatever request it
+ * answers. A response that arrives after its operation has timed out completes the next operation
+ * at once. After #ResultCode_NoResponse, getDeviceInfo() tells whether the two sides are in step
+ * again: it alone checks that the response is its own, and returns #ResultCode_UnexpectedResponse
+ * until the late ones are used up.
+ *
+ * @par Threads
+ * Operations on one object must not overlap. The notification handler runs on the object's polling
+ * thread, one notification at a time, while an operation may be waiting in another thread; it must
+ * not call any operation of the same object. Constructing, connecting, disconnecting and
+ * destroying must not overlap between any two objects of the process, since hidapi's own calls are
+ * not safe against each other.
+ *
+ * @par Exceptions
+ * The library throws nothing of its own. What its standard facilities throw (std::bad_alloc, say)
+ * leaves the operation; leaving the notification handler, it ends the process.
+ */
+class VELTRASDK_API VeltraSDK {
+public:
+    /** @brief The adapter's five identity strings; bytes as the adapter returned them. */
+    struct DeviceInfo {
+        std::string usbString1; /**< String index 1. */
+        std::string usbString2; /**< String index 2. */
+        std::string usbString3; /**< String index 3. */
+        std::string usbString4; /**< String index 4. */
+        std::string usbString5; /**< String index 5. */
+    };
+
+    /**
+     * @brief Creates an object that is not connected, and initialises hidapi.
+     * @param timeoutMs how long an operation waits for its response, in ms. -1 waits without
+     *                  limit; 0 and every other negative value do not wait.
+     */
+    explicit VeltraSDK(int timeoutMs);
+
+    /**
+     * @brief Closes the link and shuts hidapi down, whatever other objects exist.
+     *
+     * No handler runs after the destructor has returned. Destroying one object while another one
+     * is connected makes hidapi's libusb back end abort the process: connect one at a time.
+     */
+    ~VeltraSDK();
+
+    VeltraSDK(const VeltraSDK&) = delete;
+    VeltraSDK& operator=(const VeltraSDK&) = delete;
+
+    /**
+     * @brief Opens the link.
+     * @param path the HID device path, matched exactly; empty selects the first known adapter.
+     * @return whether the link is open. On an open link nothing is searched and it stays as it is.
+     */
+    bool connect(const std::string& path);
+
+    /**
+     * @brief Opens the link.
+     * @param serialNumber the USB serial number in UTF-8, matched exactly; empty selects the first
+     *                     known adapter.
+     * @return whether the link is open. On an open link nothing is searched and it stays as it is.
+     * @throws std::range_error when a serial number met in the search cannot be converted.
+     */
+    bool connectWithSerialNumber(const std::string& serialNumber);
+
+    /** @brief Closes the link, within about 100 ms plus the notification handler's run time. */
+    void disconnect();
+
+    /**
+     * @brief Installs the notification handler, which replaces the one before; empty for none.
+     * @param handler receives each notification on the polling thread. The record is valid only
+     *                during the call. The USB stack beneath keeps about 30 unread reports, so a
+     *                handler has that many report times (30 ms at full speed, 4 ms at high speed)
+     *                before reports are lost.
+     *
+     * Install it while not connected: it is replaced without a lock.
+     */
+    void onNotification(std::function<void(const Notification&)> handler);
+
+    /** @name System */
+    /** @{ */
+
+    /**
+     * @brief Reads one of the adapter's strings; sends 0x0407.
+     * @param[out] text replaced by the string's bytes; left as it was on any nonzero result.
+     * @param index the string's index, 1 to 5.
+     * @return 0 whatever the status of the response; #ResultCode_UnexpectedResponse when the
+     *         response answers another request.
+     */
+    uint16_t getUsbString(std::vector<uint8_t>& text, uint8_t index);
+
+    /**
+     * @brief Reads the strings 1 to 5, one request each.
+     * @param[out] info on a nonzero result the strings read so far are set, the others unchanged.
+     * @return the first nonzero result of getUsbString(), else 0.
+     */
+    uint16_t getDeviceInfo(DeviceInfo& info);
+
+    /**
+     * @brief Sends the adapter into its boot mode (0x0402) and closes the link; waits for nothing.
+     * @return 0 when the command was handed to the link.
+     */
+    uint16_t enterBootMode();
+
+    /** @} */
+
+    /**
+     * @name I2C
+     * The I/O voltage of I2C, SPI, UART and GPIO is one setting: the four functions that set it
+     * send the same request.
+     */
+    /** @{ */
+
+    /**
+     * @brief Sets the I/O voltage; sends 0x0405.
+     * @param millivolts the voltage in mV.
+     * @param flag the adapter's flag byte.
+     */
+    uint16_t i2cSetBusVoltage(uint16_t millivolts, bool flag);
+
+    /**
+     * @brief Initialises a controller; sends 0x0901.
+     * @param busIndex the I2C bus.
+     * @param clockHz the bus clock in Hz.
+     * @param option the adapter's option byte.
+     */
+    uint16_t i2cControllerInit(uint8_t busIndex, uint32_t clockHz, uint8_t option);
+
+    /** @brief Changes a controller's parameters; sends 0x0902. Arguments as i2cControllerInit(). */
+    uint16_t i2cSetParameters(uint8_t busIndex, uint32_t clockHz, uint8_t option);
+
+    /**
+     * @brief Sets a bus's pull-up resistors; sends 0x0802.
+     * @param busIndex the I2C bus.
+     * @param setting the adapter's pull-up setting.
+     */
+    uint16_t i2cSetPullUpResistors(uint8_t busIndex, uint8_t setting);
+
+    /**
+     * @brief Finds the targets of a bus; sends 0x0906.
+     * @param[out] addresses replaced by the list: the 7-bit addresses of one byte each, then the
+     *                       10-bit ones of two bytes each, as the adapter sent them; left as it was
+     *                       on #ResultCode_ShortResponse.
+     * @param[out] sevenBitCount the number of 7-bit addresses.
+     * @param[out] tenBitCount the number of 10-bit addresses.
+     * @param busIndex the I2C bus, 0 or 1.
+     * @param flag the adapter's flag byte.
+     * @return #ResultCode_InvalidArgument for another bus index or a null count pointer;
+     *         #ResultCode_ShortResponse when the response does not carry the list it announces (the
+     *         two counts are written).
+     */
+    uint16_t i2cScanBus(std::vector<uint8_t>& addresses, uint8_t* sevenBitCount,
+                        uint8_t* tenBitCount, uint8_t busIndex, bool flag);
+
+    /**
+     * @brief Writes to a target; sends 0x0904.
+     * @param busIndex the I2C bus.
+     * @param targetAddress the 7-bit address, unshifted.
+     * @param registerAddress 0 to 4 bytes, most significant first.
+     * @param data at most 65535 bytes.
+     * @param flag the adapter's flag byte.
+     * @return #ResultCode_InvalidArgument for a longer register address.
+     */
+    uint16_t i2cWrite(uint8_t busIndex, uint8_t targetAddress,
+                      const std::vector<uint8_t>& registerAddress, const std::vector<uint8_t>& data,
+                      bool flag);
+
+    /**
+     * @brief Reads from a target; sends 0x0905.
+     * @param busIndex the I2C bus.
+     * @param targetAddress the 7-bit address, unshifted.
+     * @param registerAddress 0 to 4 bytes, most significant first.
+     * @param length the number of bytes to read.
+     * @param[out] data replaced by exactly @p length bytes.
+     * @param flag the adapter's flag byte.
+     * @return #ResultCode_InvalidArgument for a longer register address.
+     */
+    uint16_t i2cRead(uint8_t busIndex, uint8_t targetAddress,
+                     const std::vector<uint8_t>& registerAddress, uint16_t length,
+                     std::vector<uint8_t>& data, bool flag);
+
+    /** @} */
+
+    /** @name SPI */
+    /** @{ */
+
+    /** @brief Sets the I/O voltage; sends 0x0405. Arguments as i2cSetBusVoltage(). */
+    uint16_t spiSetBusVoltage(uint16_t millivolts, bool flag);
+
+    /**
+     * @brief Initialises the controller; sends 0x0D01.
+     * @param bitOrder the bit order.
+     * @param mode the clock polarity and phase.
+     * @param dataWidth the word width.
+     * @param chipSelect the chip-select line that transfers assert.
+     * @param polarity the level it is asserted with.
+     * @param clockHz the clock in Hz.
+     */
+    uint16_t spiControllerInit(SpiBitOrder bitOrder, SpiMode mode, SpiDataWidth dataWidth,
+                               SpiChipSelect chipSelect, SpiChipSelectPolarity polarity,
+                               uint32_t clockHz);
+
+    /** @brief Changes the controller's parameters; sends 0x0D02. As spiControllerInit(). */
+    uint16_t spiSetParameters(SpiBitOrder bitOrder, SpiMode mode, SpiDataWidth dataWidth,
+                              SpiChipSelect chipSelect, SpiChipSelectPolarity polarity,
+                              uint32_t clockHz);
+
+    /**
+     * @brief Runs a transfer; sends 0x0D04.
+     * @param send the bytes to send, at most 65535; not changed.
+     * @param[out] received replaced by as many bytes as the response counts, which may be more or
+     *                      fewer than @p length.
+     * @param length the requested length in bytes.
+     */
+    uint16_t spiTransfer(std::vector<uint8_t>& send, std::vector<uint8_t>& received,
+                         uint16_t length);
+
+    /** @} */
+
+    /**
+     * @name UART
+     * Received bytes arrive as notifications of kind #NotificationKind_UartRx.
+     */
+    /** @{ */
+
+    /** @brief Sets the I/O voltage; sends 0x0405. Arguments as i2cSetBusVoltage(). */
+    uint16_t uartSetBusVoltage(uint16_t millivolts, bool flag);
+
+    /**
+     * @brief Initialises the UART; sends 0x1002.
+     * @param baudRate the line rate.
+     * @param handshake the hardware flow control.
+     * @param parity the parity bit.
+     * @param dataSize the number of data bits.
+     * @param stopBit the number of stop bits.
+     */
+    uint16_t uartInit(UartBaudRate baudRate, UartHwHandshake handshake, UartParity parity,
+                      UartDataSize dataSize, UartStopBit stopBit);
+
+    /** @brief Changes the line parameters; sends 0x1003. Arguments as uartInit(). */
+    uint16_t uartSetParameters(UartBaudRate baudRate, UartHwHandshake handshake, UartParity parity,
+                               UartDataSize dataSize, UartStopBit stopBit);
+
+    /**
+     * @brief Sends bytes; sends 0x1005.
+     * @param message at most 65535 bytes, may be empty.
+     */
+    uint16_t uartSendMessage(const std::vector<uint8_t>& message);
+
+    /** @} */
+
+    /**
+     * @name GPIO
+     * Interrupts arrive as notifications of kind #NotificationKind_Gpio.
+     */
+    /** @{ */
+
+    /** @brief Sets the I/O voltage; sends 0x0405. Arguments as i2cSetBusVoltage(). */
+    uint16_t gpioSetVoltage(uint16_t millivolts, bool flag);
+
+    /**
+     * @brief Configures a pin; sends 0x1401.
+     * @param pin the pin.
+     * @param functionality what it is used for.
+     * @param level the initial level; sent for #GpioFunctionality_Output only.
+     */
+    uint16_t gpioConfigurePin(GpioPinNumber pin, GpioFunctionality functionality,
+                              GpioLogicLevel level);
+
+    /** @brief Drives a pin; sends 0x1402. */
+    uint16_t gpioDigitalWrite(GpioPinNumber pin, GpioLogicLevel level);
+
+    /**
+     * @brief Reads a pin; sends 0x1403.
+     * @param pin the pin.
+     * @param[out] level the pin's level.
+     */
+    uint16_t gpioDigitalRead(GpioPinNumber pin, GpioLogicLevel& level);
+
+    /** @brief Arms a pin's interrupt; sends 0x1404. */
+    uint16_t gpioConfigureInterrupt(GpioPinNumber pin, GpioTriggerType trigger);
+
+    /** @brief Disarms a pin's interrupt; sends 0x1405. */
+    uint16_t gpioDisableInterrupt(GpioPinNumber pin);
+
+    /** @} */
+
+    /** @name I3C bus */
+    /** @{ */
+
+    /**
+     * @brief Sets the I3C bus voltage; sends 0x0404.
+     * @param millivolts the voltage in mV.
+     */
+    uint16_t i3cSetBusVoltage(uint16_t millivolts);
+
+    /**
+     * @brief Initialises the controller; sends 0x1901.
+     * @param pushPullRate the SCL rate of push-pull phases.
+     * @param openDrainRate the SCL rate of open-drain phases.
+     * @param i2cRate the SCL rate of legacy I2C transfers.
+     * @param driveStrength the drive strength of the pins.
+     */
+    uint16_t i3cControllerInit(I3cPushPullRate pushPullRate, I3cOpenDrainTransferRate openDrainRate,
+                               I2cTransferRate i2cRate, I3cDriveStrength driveStrength);
+
+    /** @brief Changes the parameters; sends 0x1902. Arguments as i3cControllerInit(). */
+    uint16_t i3cSetParameters(I3cPushPullRate pushPullRate, I3cOpenDrainTransferRate openDrainRate,
+                              I2cTransferRate i2cRate, I3cDriveStrength driveStrength);
+
+    /** @brief Resets the bus; sends 0x1905. */
+    uint16_t i3cResetBus();
+
+    /**
+     * @brief Hands the controller the targets that the bus is to hold; sends 0x1904.
+     * @param targets at most 255 records, sent as they are.
+     */
+    uint16_t i3cInitBus(std::vector<I3cTargetInfo> targets);
+
+    /**
+     * @brief Reads the controller's device table; sends 0x1906.
+     * @param[out] table replaced by the records of the response.
+     */
+    uint16_t i3cGetDeviceTable(std::vector<I3cTargetInfo>& table);
+
+    /**
+     * @brief Changes how the controller treats one target; sends 0x1907.
+     * @param address the target's address, 7 bits.
+     * @param configuration the configuration.
+     */
+    uint16_t i3cSetTargetDeviceConfiguration(uint8_t address, I3cTargetConfiguration configuration);
+
+    /** @} */
+
+    /**
+     * @name I3C private transfers
+     * All six send 0x1908. Addresses are 7 bits, unshifted; a sub-address has 0 to 4 bytes, sent in
+     * the order given, and a longer one is refused with #ResultCode_InvalidArgument. A write takes
+     * at most 65535 bytes. A read replaces @p data by as many bytes as the response counts, which
+     * may be more or fewer than @p length.
+     */
+    /** @{ */
+
+    /** @brief Writes in SDR mode. */
+    uint16_t i3cSdrWrite(uint8_t address, const std::vector<uint8_t>& subAddress,
+                         const std::vector<uint8_t>& data, I3cTransferFlags flags);
+
+    /** @brief Reads in SDR mode. */
+    uint16_t i3cSdrRead(uint8_t address, const std::vector<uint8_t>& subAddress, uint16_t length,
+                        std::vector<uint8_t>& data, I3cTransferFlags flags);
+
+    /** @brief Writes in HDR-DDR mode, with the 8-bit HDR command code @p hdrCommand. */
+    uint16_t i3cHdrDdrWrite(uint8_t address, uint8_t hdrCommand, const std::vector<uint8_t>& data);
+
+    /** @brief Reads in HDR-DDR mode, with the 8-bit HDR command code @p hdrCommand. */
+    uint16_t i3cHdrDdrRead(uint8_t address, uint8_t hdrCommand, uint16_t length,
+                           std::vector<uint8_t>& data);
+
+    /** @brief Writes to a legacy I2C device on the I3C bus. */
+    uint16_t i3cLegacyI2cWrite(uint8_t address, const std::vector<uint8_t>& subAddress,
+                               const std::vector<uint8_t>& data, I3cTransferFlags flags);
+
+    /** @brief Reads from a legacy I2C device on the I3C bus. */
+    uint16_t i3cLegacyI2cRead(uint8_t address, const std::vector<uint8_t>& subAddress,
+                              uint16_t length, std::vector<uint8_t>& data, I3cTransferFlags flags);
+
+    /** @brief Drives the target reset pattern; sends 0x190A: 0. */
+    uint16_t i3cTargetResetPattern();
+
+    /** @brief Drives the HDR exit pattern; sends 0x190A: 1. */
+    uint16_t i3cHdrExitPattern();
+
+    /** @} */
+
+    /**
+     * @name I3C Common Command Codes: queries
+     * Each sends one direct read (0x1909) to a 7-bit dynamic address. Byte strings come in bus
+     * order, as many bytes as the response counts; 16-bit values are read most significant byte
+     * first at their fixed place, without regard to the count.
+     */
+    /** @{ */
+
+    /** @brief GETPID: replaces @p pid, 6 bytes from a conforming target. */
+    uint16_t i3cCccGETPID(uint8_t address, std::vector<uint8_t>& pid);
+
+    /** @brief GETBCR. */
+    uint16_t i3cCccGETBCR(uint8_t address, uint8_t& bcr);
+
+    /** @brief GETDCR. */
+    uint16_t i3cCccGETDCR(uint8_t address, uint8_t& dcr);
+
+    /** @brief GETMWL: the maximum write length in bytes. */
+    uint16_t i3cCccGETMWL(uint8_t address, uint16_t& mwl);
+
+    /**
+     * @brief GETMRL: the maximum read length in bytes.
+     * @param address the target.
+     * @param[out] mrl the maximum read length.
+     * @param[out] ibiPayloadSize the maximum in-band interrupt payload size; present only when the
+     *                            response counts exactly 3 bytes.
+     */
+    uint16_t i3cCccGETMRL(uint8_t address, uint16_t& mrl, std::optional<uint8_t>& ibiPayloadSize);
+
+    /** @brief GETCAPS, with a defining byte when one is given: replaces @p capabilities. */
+    uint16_t i3cCccGETCAPS(uint8_t address, std::vector<uint8_t>& capabilities,
+                           std::optional<uint8_t> definingByte);
+
+    /** @brief GETSTATUS, with a defining byte when one is given: replaces @p status. */
+    uint16_t i3cCccGETSTATUS(uint8_t address, std::vector<uint8_t>& status,
+                             std::optional<uint8_t> definingByte);
+
+    /** @} */
+
+    /**
+     * @name I3C Common Command Codes: settings and broadcasts
+     * Each sends one write (0x1909), direct to a 7-bit address or broadcast to all targets.
+     */
+    /** @{ */
+
+    /** @brief SETMWL, direct: the maximum write length in bytes. */
+    uint16_t i3cCccSETMWLDirect(uint8_t address, uint16_t mwl);
+
+    /** @brief SETMWL, broadcast. */
+    uint16_t i3cCccSETMWLBroadcast(uint16_t mwl);
+
+    /** @brief SETMRL, direct: the maximum read length and, when given, the IBI payload size. */
+    uint16_t i3cCccSETMRLDirect(uint8_t address, uint16_t mrl,
+                                std::optional<uint8_t> ibiPayloadSize);
+
+    /** @brief SETMRL, broadcast. */
+    uint16_t i3cCccSETMRLBroadcast(uint16_t mrl, std::optional<uint8_t> ibiPayloadSize);
+
+    /** @brief SETNEWDA: gives the target another dynamic address. */
+    uint16_t i3cCccSETNEWDA(uint8_t currentAddress, uint8_t newAddress);
+
+    /** @brief SETDASA: gives the target with this static address a dynamic address. */
+    uint16_t i3cCccSETDASA(uint8_t staticAddress, uint8_t dynamicAddress);
+
+    /** @brief SETAASA: every target takes its static address; the list is sent as it is. */
+    uint16_t i3cCccSETAASA(const std::vector<uint8_t>& staticAddresses);
+
+    /** @brief ENEC, direct: enables the events whose bits are set. */
+    uint16_t i3cCccENECDirect(uint8_t address, uint8_t events);
+
+    /** @brief ENEC, broadcast. */
+    uint16_t i3cCccENECBroadcast(uint8_t events);
+
+    /** @brief DISEC, direct: disables the events whose bits are set. */
+    uint16_t i3cCccDISECDirect(uint8_t address, uint8_t events);
+
+    /** @brief DISEC, broadcast. */
+    uint16_t i3cCccDISECBroadcast(uint8_t events);
+
+    /**
+     * @brief RSTACT, direct: a write arms a reset action, a read asks for the byte that the
+     * defining byte selects.
+     * @param address the target.
+     * @param definingByte the reset action; its low byte is sent.
+     * @param direction write or read.
+     * @param[out] reply the byte of a read; may be null.
+     */
+    uint16_t i3cCccRSTACTDirect(uint8_t address, I3cTargetResetDefByte definingByte,
+                                I3cTransferDirection direction, uint8_t* reply);
+
+    /** @brief RSTACT, broadcast. */
+    uint16_t i3cCccRSTACTBroadcast(I3cTargetResetDefByte definingByte);
+
+    /** @brief RSTDAA: every target forgets its dynamic address. */
+    uint16_t i3cCccRSTDAA();
+
+    /** @brief ENTDAA: the controller assigns dynamic addresses. */
+    uint16_t i3cCccENTDAA();
+
+    /** @} */
+
+    /** @name Engine */
+    /** @{ */
+
+    /** @return the next transaction identifier, 1 to 65535 and round to 1. */
+    uint16_t generateTransactionId();
+
+    /**
+     * @brief Routes a frame from the adapter: a notification to its handler, a response to the
+     * operation that waits. Runs on the polling thread.
+     */
+    void handleResponse(const std::vector<uint8_t>& frame);
+
+    /** @} */
+
+private:
+    struct CommonCommandCode;
+
+    template <typename Encode, typename Decode>
+    uint16_t exchange(const Encode& encode, const Decode& decode);
+    template <typename Encode, typename Decode>
+    uint16_t transact(const Encode& encode, const Decode& decode);
+    template <typename Encode>
+    uint16_t transact(const Encode& encode);
+    template <typename Decode>
+    uint16_t transactCcc(const CommonCommandCode& ccc, const Decode& decode);
+    uint16_t transactCcc(const CommonCommandCode& ccc);
+
+    std::unique_ptr<BlockingApi> blockingApi;
+    std::unique_ptr<VeltraAsyncSDK> asyncSdk;
+    std::unique_ptr<CommunicationManager> communicationManager;
+    uint16_t lastTransactionId = 0;
+    std::vector<uint8_t> lastResponse;
+    std::function<void(const Notification&)> notificationHandler;
+    // Decoding sees one whole frame, even when a late response comes in.
+    std::mutex responseMutex;
+};
+
+#endif

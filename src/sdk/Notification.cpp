@@ -1,0 +1,57 @@
+#include <veltrasdk/Notification.hpp>
+
+#include "protocol/ResponseFrame.hpp"
+
+#include <type_traits>
+
+static_assert(std::is_standard_layout_v<Notification>, "C reads the same record");
+static_assert(std::is_trivially_copyable_v<Notification>, "C reads the same record");
+
+namespace {
+
+constexpr size_t payloadOffset = 6;
+constexpr size_t bytesOffset = 8;
+
+constexpr size_t shortestHotJoin = 15;
+constexpr size_t shortestIbi = bytesOffset;
+constexpr size_t shortestGpio = 7;
+constexpr size_t shortestUartRx = bytesOffset;
+
+bool is(const Notification& notification, NotificationKind kind, size_t shortest) {
+    return notification.kind == kind && notification.size >= shortest;
+}
+
+} // namespace
+
+const I3cHotJoinData* Notification::i3cHotJoin() const {
+    if (!is(*this, NotificationKind_I3cHotJoin, shortestHotJoin)) {
+        return nullptr;
+    }
+    ResponseFrame(data, size).copyTo(&i3cHotJoinView, payloadOffset, sizeof(i3cHotJoinView));
+    return &i3cHotJoinView;
+}
+
+const I3cIbiData* Notification::i3cIbi() const {
+    if (!is(*this, NotificationKind_I3cIbi, shortestIbi)) {
+        return nullptr;
+    }
+    const ResponseFrame frame(data, size);
+    i3cIbiView = {frame.u8(payloadOffset), data + bytesOffset, frame.u8(payloadOffset + 1)};
+    return &i3cIbiView;
+}
+
+const GpioData* Notification::gpio() const {
+    if (!is(*this, NotificationKind_Gpio, shortestGpio)) {
+        return nullptr;
+    }
+    gpioView = {ResponseFrame(data, size).u8(payloadOffset)};
+    return &gpioView;
+}
+
+const UartRxData* Notification::uartRx() const {
+    if (!is(*this, NotificationKind_UartRx, shortestUartRx)) {
+        return nullptr;
+    }
+    uartRxView = {data + bytesOffset, ResponseFrame(data, size).u16(payloadOffset)};
+    return &uartRxView;
+}

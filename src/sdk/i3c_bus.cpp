@@ -1,0 +1,63 @@
+#include "sdk/Transaction.hpp"
+
+#include <utility>
+
+static_assert(sizeof(I3cTargetInfo) == 16, "the record's memory is its wire layout");
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "the record's memory is its wire layout");
+
+namespace {
+
+constexpr size_t recordCountOffset = 6;
+constexpr size_t recordsOffset = 7;
+
+uint8_t lowByte(uint32_t value) {
+    return static_cast<uint8_t>(value & 0xFFU);
+}
+
+} // namespace
+
+uint16_t VeltraSDK::i3cSetBusVoltage(uint16_t millivolts) {
+    return transact([&](uint16_t id) { return asyncSdk->i3cSetBusVoltage(id, millivolts); });
+}
+
+uint16_t VeltraSDK::i3cControllerInit(I3cPushPullRate pushPullRate,
+                                      I3cOpenDrainTransferRate openDrainRate,
+                                      I2cTransferRate i2cRate, I3cDriveStrength driveStrength) {
+    return transact([&](uint16_t id) {
+        return asyncSdk->i3cControllerInit(id, lowByte(pushPullRate), lowByte(openDrainRate),
+                                           lowByte(i2cRate), lowByte(driveStrength));
+    });
+}
+
+uint16_t VeltraSDK::i3cSetParameters(I3cPushPullRate pushPullRate,
+                                     I3cOpenDrainTransferRate openDrainRate,
+                                     I2cTransferRate i2cRate, I3cDriveStrength driveStrength) {
+    return transact([&](uint16_t id) {
+        return asyncSdk->i3cSetParameters(id, lowByte(pushPullRate), lowByte(openDrainRate),
+                                          lowByte(i2cRate), lowByte(driveStrength));
+    });
+}
+
+uint16_t VeltraSDK::i3cResetBus() {
+    return transact([&](uint16_t id) { return asyncSdk->i3cResetBus(id); });
+}
+
+uint16_t VeltraSDK::i3cInitBus(std::vector<I3cTargetInfo> targets) {
+    return transact([&](uint16_t id) { return asyncSdk->i3cInitBus(id, std::move(targets)); });
+}
+
+uint16_t VeltraSDK::i3cGetDeviceTable(std::vector<I3cTargetInfo>& table) {
+    return transact([&](uint16_t id) { return asyncSdk->i3cGetDeviceTable(id); },
+                    [&](const ResponseFrame& response) {
+                        table.resize(response.u8(recordCountOffset));
+                        response.copyTo(table.data(), recordsOffset,
+                                        table.size() * sizeof(I3cTargetInfo));
+                    });
+}
+
+uint16_t VeltraSDK::i3cSetTargetDeviceConfiguration(uint8_t address,
+                                                    I3cTargetConfiguration configuration) {
+    return transact([&](uint16_t id) {
+        return asyncSdk->i3cSetTargetDeviceConfiguration(id, address, configuration);
+    });
+}

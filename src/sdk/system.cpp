@@ -1,0 +1,48 @@
+#include "sdk/Transaction.hpp"
+
+namespace {
+
+constexpr size_t stringLengthOffset = 6;
+constexpr size_t stringOffset = 7;
+
+} // namespace
+
+uint16_t VeltraSDK::getUsbString(std::vector<uint8_t>& text, uint8_t index) {
+    uint16_t transactionId = 0;
+    return exchange(
+        [&](uint16_t id) {
+            transactionId = id;
+            return asyncSdk->getUsbString(id, index);
+        },
+        [&](const ResponseFrame& response) -> uint16_t {
+            if (response.transactionId() != transactionId ||
+                response.commandCode() != CommandCode::GetUsbString) {
+                return ResultCode_UnexpectedResponse;
+            }
+            // The length byte counts itself; 0 stands for the empty string too.
+            const size_t length = response.u8(stringLengthOffset);
+            response.copyTo(text, stringOffset, length == 0 ? 0 : length - 1);
+            return ResultCode_Success;
+        });
+}
+
+uint16_t VeltraSDK::getDeviceInfo(DeviceInfo& info) {
+    if (!asyncSdk->isConnected()) {
+        return ResultCode_NotConnected;
+    }
+    uint8_t index = 0;
+    for (std::string* const field : {&info.usbString1, &info.usbString2, &info.usbString3,
+                                     &info.usbString4, &info.usbString5}) {
+        std::vector<uint8_t> text;
+        const uint16_t result = getUsbString(text, ++index);
+        if (result != ResultCode_Success) {
+            return result;
+        }
+        field->assign(text.begin(), text.end());
+    }
+    return ResultCode_Success;
+}
+
+uint16_t VeltraSDK::enterBootMode() {
+    return asyncSdk->enterBootMode(generateTransactionId());
+}
