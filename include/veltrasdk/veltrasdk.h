@@ -1,0 +1,719 @@
+/**
+ * @file
+ * @brief The C interface.
+ *
+ * @par Handle
+ * A handle owns one adapter's link. It is created by VeltraSDK_Create() and released by
+ * VeltraSDK_Destroy(). Every function that takes a handle accepts null, except
+ * VeltraSDK_onNotification().
+ *
+ * @par Result codes
+ * A function that returns `int16_t` sends one request and waits for the response. It returns the
+ * adapter's status, 0 for success, or one of
+ * - 0x2000, #ResultCode_NoResponse: no response came within the time-out;
+ * - 0x4000, #ResultCode_NotConnected: the handle is null or not connected; nothing was sent;
+ * - -32768 (0x8000), #ResultCode_InvalidArgument: an argument was refused; nothing was sent;
+ * - those that its description adds.
+ *
+ * @par Arguments
+ * Addresses are 7 bits, unshifted. Voltages are in mV, clock rates in Hz, lengths in bytes.
+ * Enumerations are passed on unchanged. Input buffers are copied during the call. "Refused" means
+ * #ResultCode_InvalidArgument.
+ *
+ * @par Outputs
+ * Output buffers belong to the caller. Unless a function says otherwise, its outputs are written
+ * only when the result is 0. A buffer without a capacity argument must hold what the function says;
+ * the library does not know its size.
+ *
+ * @par Late responses
+ * The next response is taken as the answer of the call that waits, whatever request it answers. A
+ * response that arrives after its call has timed out completes the next call at once.
+ * VeltraSDK_GetDeviceInfo() alone checks that a response is its own.
+ *
+ * @par Threads
+ * Calls on one handle must not overlap. Notification callbacks run on the handle's polling thread,
+ * one at a time, while a call may be waiting in another thread; a callback must not call any
+ * function of the same handle except the notification accessors. VeltraSDK_Create(),
+ * VeltraSDK_Connect(), VeltraSDK_ConnectWithSerialNumber(), VeltraSDK_Disconnect(),
+ * VeltraSDK_EnterBootMode() and VeltraSDK_Destroy() must not overlap between any two handles of the
+ * process, since hidapi's own calls are not safe against each other.
+ *
+ * @par Exceptions
+ * The functions catch nothing: what is thrown beneath them (an allocation failure, say) reaches
+ * the caller, and ends a C program.
+ */
+#ifndef VELTRASDK_VELTRASDK_H
+#define VELTRASDK_VELTRASDK_H
+
+#include <stdbool.h>
+#include <stddef.h>
+#include <stdint.h>
+
+#include <veltrasdk/declarations.h>
+#include <veltrasdk/gpio.h>
+#include <veltrasdk/i3c.h>
+#include <veltrasdk/notification.h>
+#include <veltrasdk/result.h>
+#include <veltrasdk/spi.h>
+#include <veltrasdk/uart.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/** An adapter's link; opaque. */
+typedef struct VeltraSDK_Handle VeltraSDK_Handle;
+
+/**
+ * The adapter's five identity strings.
+ *
+ * Each string is a copy with a terminating NUL behind its bytes, allocated by the library with
+ * `new char[]`. All five belong to the caller after each successful VeltraSDK_GetDeviceInfo(); the
+ * library exports no function that releases them.
+ * - C++: `delete[] info.usbString1;`
+ * - C: the array form of operator delete, which the C++ runtime that the library brings along
+ *   exports as `_ZdaPv`: declare `void _ZdaPv(void*);`, call `_ZdaPv(info.usbString1);` and link
+ *   with `-lstdc++`.
+ * - Python: `ctypes.CDLL("libstdc++.so.6")._ZdaPv(pointer)`, with `argtypes` set to
+ *   `[ctypes.c_void_p]`.
+ *
+ * Do not release them with free().
+ */
+typedef struct VeltraSDK_DeviceInfo {
+    char* usbString1;        /**< String index 1. */
+    size_t usbString1Length; /**< Bytes of it, without the NUL. */
+    char* usbString2;        /**< String index 2. */
+    size_t usbString2Length; /**< Bytes of it, without the NUL. */
+    char* usbString3;        /**< String index 3. */
+    size_t usbString3Length; /**< Bytes of it, without the NUL. */
+    char* usbString4;        /**< String index 4. */
+    size_t usbString4Length; /**< Bytes of it, without the NUL. */
+    char* usbString5;        /**< String index 5. */
+    size_t usbString5Length; /**< Bytes of it, without the NUL. */
+} VeltraSDK_DeviceInfo;
+
+/**
+ * Receives a notification on the handle's polling thread. The record and its data are valid only
+ * during the call.
+ */
+typedef void (*VeltraSDK_NotificationCallback)(const Notification* notification);
+
+/** @name Lifecycle and system */
+/** @{ */
+
+/**
+ * @brief Creates a handle that is not connected, and initialises hidapi.
+ * @param timeoutMs how long a call waits for its response, in ms. -1 waits without limit; 0 and
+ *                  every other negative value do not wait.
+ * @return the handle, never null; the caller releases it with VeltraSDK_Destroy().
+ */
+VELTRASDK_API VeltraSDK_Handle* VeltraSDK_Create(int32_t timeoutMs);
+
+/**
+ * @brief Closes the link, releases the handle and shuts hidapi down, whatever other handles exist.
+ * Sends nothing. No callback runs after the return.
+ * @param handle the handle; null does nothing.
+ *
+ * @warning hidapi is shut down for the whole process. Destroying one handle while another one is
+ * connected makes hidapi's libusb back end abort the process: connect one handle at a time.
+ */
+VELTRASDK_API void VeltraSDK_Destroy(VeltraSDK_Handle* handle);
+
+/** @return the library's version, "1.2.3"; a constant that must not be released. */
+VELTRASDK_API const char* VeltraSDK_GetVersion(void);
+
+/**
+ * @brief Opens the link.
+ * @param handle the handle.
+ * @param path the HID device path, matched exactly; null or empty selects the first known adapter.
+ * @return whether the link is open; false for a null handle. On an open link nothing is searched
+ *         and it stays as it is.
+ */
+VELTRASDK_API bool VeltraSDK_Connect(VeltraSDK_Handle* handle, const char* path);
+
+/**
+ * @brief Opens the link.
+ * @param handle the handle.
+ * @param serialNumber the USB serial number in UTF-8, matched exactly; empty selects the first
+ *                     known adapter. Null throws std::logic_error, which a C program cannot catch.
+ * @return whether the link is open; false for a null handle. On an open link nothing is searched
+ *         and it stays as it is.
+ *
+ * Without write permission on the adapter's device node its serial number cannot be read, and the
+ * adapter is not found.
+ */
+VELTRASDK_API bool VeltraSDK_ConnectWithSerialNumber(VeltraSDK_Handle* handle,
+                                                     const char* serialNumber);
+
+/**
+ * @brief Closes the link, within about 100 ms plus a running callback's time.
+ * @param handle the handle; null does nothing.
+ */
+VELTRASDK_API void VeltraSDK_Disconnect(VeltraSDK_Handle* handle);
+
+/**
+ * @brief Reads the adapter's five strings; sends 0x0407 five times.
+ * @param handle the handle.
+ * @param[out] info the record to fill, not null; left as it was on any nonzero result. See
+ *                  VeltraSDK_DeviceInfo for how to release the strings.
+ * @return also 0x6000, #ResultCode_UnexpectedResponse, when a response answers another request.
+ */
+VELTRASDK_API int16_t VeltraSDK_GetDeviceInfo(VeltraSDK_Handle* handle, VeltraSDK_DeviceInfo* info);
+
+/**
+ * @brief Sends the adapter into its boot mode (0x0402) and closes the link; waits for nothing.
+ * @param handle the handle.
+ * @return 0 when the command was handed to the link.
+ */
+VELTRASDK_API int16_t VeltraSDK_EnterBootMode(VeltraSDK_Handle* handle);
+
+/** @} */
+
+/** @name Notifications */
+/** @{ */
+
+/**
+ * @brief Installs the handle's notification callback; null silences notifications.
+ * @param handle the handle, not null.
+ * @param callback the callback.
+ *
+ * Install it before connecting, or while no notification can arrive. The callback sees the first
+ * 256 bytes of a frame. The frame's size is kept in 8 bits: a frame of 256 bytes or more arrives
+ * with size 0, and every accessor refuses it.
+ *
+ * The USB stack beneath keeps about 30 unread reports, so a callback has that many report times
+ * (30 ms at full speed, 4 ms at high speed) before reports are lost.
+ */
+VELTRASDK_API void VeltraSDK_onNotification(VeltraSDK_Handle* handle,
+                                            VeltraSDK_NotificationCallback callback);
+
+/**
+ * @brief Decodes a notification of kind #NotificationKind_I3cHotJoin.
+ * @param notification the notification.
+ * @param[out] out the joined target.
+ * @return false, with nothing written, for a null pointer, another kind or a frame below 15 bytes.
+ */
+VELTRASDK_API bool VeltraSDK_notificationAsI3cHotJoin(const Notification* notification,
+                                                      I3cHotJoinData* out);
+
+/**
+ * @brief Decodes a notification of kind #NotificationKind_I3cIbi.
+ * @param notification the notification.
+ * @param[out] out the in-band interrupt; its payload points into the notification's data, and its
+ *                 length is the adapter's word: read at most `notification->size - 8` bytes.
+ * @return false, with nothing written, for a null pointer, another kind or a frame below 8 bytes.
+ */
+VELTRASDK_API bool VeltraSDK_notificationAsI3cIbi(const Notification* notification,
+                                                  I3cIbiData* out);
+
+/**
+ * @brief Decodes a notification of kind #NotificationKind_Gpio.
+ * @param notification the notification.
+ * @param[out] out the adapter's event byte.
+ * @return false, with nothing written, for a null pointer, another kind or a frame below 7 bytes.
+ */
+VELTRASDK_API bool VeltraSDK_notificationAsGpio(const Notification* notification,
+                                                unsigned char* out);
+
+/**
+ * @brief Decodes a notification of kind #NotificationKind_UartRx.
+ * @param notification the notification.
+ * @param[out] out the received bytes; they lie in the notification's data, and their number is the
+ *                 adapter's word: read at most `notification->size - 8` bytes.
+ * @return false, with nothing written, for a null pointer, another kind or a frame below 8 bytes.
+ */
+VELTRASDK_API bool VeltraSDK_notificationAsUartRx(const Notification* notification,
+                                                  UartRxData* out);
+
+/** @} */
+
+/**
+ * @name I2C
+ * The I/O voltage of I2C, SPI, UART and GPIO is one setting: the four functions that set it send
+ * the same request.
+ */
+/** @{ */
+
+/**
+ * @brief Sets the I/O voltage; sends 0x0405.
+ * @param handle the handle.
+ * @param millivolts the voltage in mV.
+ * @param flag the adapter's flag byte.
+ */
+VELTRASDK_API int16_t VeltraSDK_I2cSetBusVoltage(VeltraSDK_Handle* handle, uint16_t millivolts,
+                                                 bool flag);
+
+/**
+ * @brief Initialises a controller; sends 0x0901.
+ * @param handle the handle.
+ * @param busIndex the I2C bus.
+ * @param clockHz the bus clock in Hz.
+ * @param option the adapter's option byte.
+ */
+VELTRASDK_API int16_t VeltraSDK_I2cControllerInit(VeltraSDK_Handle* handle, uint8_t busIndex,
+                                                  uint32_t clockHz, uint8_t option);
+
+/** @brief Changes a controller's parameters; sends 0x0902. As VeltraSDK_I2cControllerInit(). */
+VELTRASDK_API int16_t VeltraSDK_I2cSetParameters(VeltraSDK_Handle* handle, uint8_t busIndex,
+                                                 uint32_t clockHz, uint8_t option);
+
+/**
+ * @brief Sets a bus's pull-up resistors; sends 0x0802.
+ * @param handle the handle.
+ * @param busIndex the I2C bus.
+ * @param setting the adapter's pull-up setting.
+ */
+VELTRASDK_API int16_t VeltraSDK_I2cSetPullUpResistors(VeltraSDK_Handle* handle, uint8_t busIndex,
+                                                      uint8_t setting);
+
+/**
+ * @brief Finds the targets of a bus; sends 0x0906.
+ * @param handle the handle.
+ * @param[out] addresses the list: the 7-bit addresses of one byte each, then the 10-bit ones of two
+ *                       bytes each, as the adapter sent them. Null is refused.
+ * @param size the bytes that @p addresses holds; a longer list is refused after the scan, with
+ *             nothing copied.
+ * @param[out] sevenBitCount the number of 7-bit addresses. Null is refused.
+ * @param[out] tenBitCount the number of 10-bit addresses. Null is refused.
+ * @param busIndex the I2C bus, 0 or 1; another is refused.
+ * @param flag the adapter's flag byte.
+ * @return also 0xA000, #ResultCode_ShortResponse, when the response does not carry the list that
+ *         it announces. The two counts are written whenever a response arrived.
+ */
+VELTRASDK_API int16_t VeltraSDK_I2cScanBus(VeltraSDK_Handle* handle, uint8_t* addresses,
+                                           uint8_t size, uint8_t* sevenBitCount,
+                                           uint8_t* tenBitCount, uint8_t busIndex, bool flag);
+
+/**
+ * @brief Writes to a target; sends 0x0904.
+ * @param handle the handle.
+ * @param busIndex the I2C bus.
+ * @param targetAddress the target's address.
+ * @param registerAddress the register address, most significant byte first; null with a nonzero
+ *                        length is refused.
+ * @param registerAddressLength 0 to 4; more is refused.
+ * @param data the data; null with a nonzero length is refused.
+ * @param dataLength at most 65535; the request's length field holds it modulo 65536.
+ * @param flag the adapter's flag byte.
+ */
+VELTRASDK_API int16_t VeltraSDK_I2cWrite(VeltraSDK_Handle* handle, uint8_t busIndex,
+                                         uint8_t targetAddress, const uint8_t* registerAddress,
+                                         uint8_t registerAddressLength, const uint8_t* data,
+                                         uint32_t dataLength, bool flag);
+
+/**
+ * @brief Reads from a target; sends 0x0905.
+ * @param handle the handle.
+ * @param busIndex the I2C bus.
+ * @param targetAddress the target's address.
+ * @param registerAddress the register address, most significant byte first; null with a nonzero
+ *                        length is refused.
+ * @param registerAddressLength 0 to 4; more is refused.
+ * @param length the number of bytes to read.
+ * @param[out] data receives exactly @p length bytes. Null is refused, also for length 0.
+ * @param flag the adapter's flag byte.
+ */
+VELTRASDK_API int16_t VeltraSDK_I2cRead(VeltraSDK_Handle* handle, uint8_t busIndex,
+                                        uint8_t targetAddress, const uint8_t* registerAddress,
+                                        uint8_t registerAddressLength, uint16_t length,
+                                        uint8_t* data, bool flag);
+
+/** @} */
+
+/** @name SPI */
+/** @{ */
+
+/** @brief Sets the I/O voltage; sends 0x0405. As VeltraSDK_I2cSetBusVoltage(). */
+VELTRASDK_API int16_t VeltraSDK_SpiSetBusVoltage(VeltraSDK_Handle* handle, uint16_t millivolts,
+                                                 bool flag);
+
+/**
+ * @brief Initialises the controller; sends 0x0D01.
+ * @param handle the handle.
+ * @param bitOrder the bit order.
+ * @param mode the clock polarity and phase.
+ * @param dataWidth the word width.
+ * @param chipSelect the chip-select line that transfers assert.
+ * @param polarity the level it is asserted with.
+ * @param clockHz the clock in Hz.
+ */
+VELTRASDK_API int16_t VeltraSDK_SpiControllerInit(VeltraSDK_Handle* handle, SpiBitOrder bitOrder,
+                                                  SpiMode mode, SpiDataWidth dataWidth,
+                                                  SpiChipSelect chipSelect,
+                                                  SpiChipSelectPolarity polarity, uint32_t clockHz);
+
+/** @brief Changes the parameters; sends 0x0D02. As VeltraSDK_SpiControllerInit(). */
+VELTRASDK_API int16_t VeltraSDK_SpiSetParameters(VeltraSDK_Handle* handle, SpiBitOrder bitOrder,
+                                                 SpiMode mode, SpiDataWidth dataWidth,
+                                                 SpiChipSelect chipSelect,
+                                                 SpiChipSelectPolarity polarity, uint32_t clockHz);
+
+/**
+ * @brief Runs a transfer; sends 0x0D04.
+ * @param handle the handle.
+ * @param send the bytes to send; null sends none.
+ * @param sendLength the number of bytes to send.
+ * @param[out] receive receives as many bytes as the response counts: give it room for what the
+ *                     adapter can return, at most 65535 bytes. Null discards them.
+ * @param length the requested length.
+ */
+VELTRASDK_API int16_t VeltraSDK_SpiTransfer(VeltraSDK_Handle* handle, const uint8_t* send,
+                                            uint16_t sendLength, uint8_t* receive, uint16_t length);
+
+/** @} */
+
+/**
+ * @name UART
+ * Received bytes arrive as notifications of kind #NotificationKind_UartRx.
+ */
+/** @{ */
+
+/** @brief Sets the I/O voltage; sends 0x0405. As VeltraSDK_I2cSetBusVoltage(). */
+VELTRASDK_API int16_t VeltraSDK_UartSetBusVoltage(VeltraSDK_Handle* handle, uint16_t millivolts,
+                                                  bool flag);
+
+/**
+ * @brief Initialises the UART; sends 0x1002.
+ * @param handle the handle.
+ * @param baudRate the line rate.
+ * @param handshake the hardware flow control.
+ * @param parity the parity bit.
+ * @param dataSize the number of data bits.
+ * @param stopBit the number of stop bits.
+ */
+VELTRASDK_API int16_t VeltraSDK_UartInit(VeltraSDK_Handle* handle, UartBaudRate baudRate,
+                                         UartHwHandshake handshake, UartParity parity,
+                                         UartDataSize dataSize, UartStopBit stopBit);
+
+/** @brief Changes the line parameters; sends 0x1003. As VeltraSDK_UartInit(). */
+VELTRASDK_API int16_t VeltraSDK_UartSetParameters(VeltraSDK_Handle* handle, UartBaudRate baudRate,
+                                                  UartHwHandshake handshake, UartParity parity,
+                                                  UartDataSize dataSize, UartStopBit stopBit);
+
+/**
+ * @brief Sends bytes; sends 0x1005.
+ * @param handle the handle.
+ * @param message the bytes; must not be null unless @p length is 0.
+ * @param length the number of bytes.
+ */
+VELTRASDK_API int16_t VeltraSDK_UartSendMessage(VeltraSDK_Handle* handle, const uint8_t* message,
+                                                uint16_t length);
+
+/** @} */
+
+/**
+ * @name GPIO
+ * Interrupts arrive as notifications of kind #NotificationKind_Gpio.
+ */
+/** @{ */
+
+/** @brief Sets the I/O voltage; sends 0x0405. As VeltraSDK_I2cSetBusVoltage(). */
+VELTRASDK_API int16_t VeltraSDK_GpioSetVoltage(VeltraSDK_Handle* handle, uint16_t millivolts,
+                                               bool flag);
+
+/**
+ * @brief Configures a pin; sends 0x1401.
+ * @param handle the handle.
+ * @param pin the pin.
+ * @param functionality what it is used for.
+ * @param hasLevel whether @p level is given; without it the level is low.
+ * @param level the initial level; sent for #GpioFunctionality_Output only.
+ */
+VELTRASDK_API int16_t VeltraSDK_GpioConfigurePin(VeltraSDK_Handle* handle, GpioPinNumber pin,
+                                                 GpioFunctionality functionality, bool hasLevel,
+                                                 GpioLogicLevel level);
+
+/** @brief Drives a pin; sends 0x1402. */
+VELTRASDK_API int16_t VeltraSDK_GpioDigitalWrite(VeltraSDK_Handle* handle, GpioPinNumber pin,
+                                                 GpioLogicLevel level);
+
+/**
+ * @brief Reads a pin; sends 0x1403.
+ * @param handle the handle.
+ * @param pin the pin.
+ * @param[out] level the pin's level, not null; written whenever a response arrived.
+ */
+VELTRASDK_API int16_t VeltraSDK_GpioDigitalRead(VeltraSDK_Handle* handle, GpioPinNumber pin,
+                                                GpioLogicLevel* level);
+
+/** @brief Arms a pin's interrupt; sends 0x1404. */
+VELTRASDK_API int16_t VeltraSDK_GpioConfigureInterrupt(VeltraSDK_Handle* handle, GpioPinNumber pin,
+                                                       GpioTriggerType trigger);
+
+/** @brief Disarms a pin's interrupt; sends 0x1405. */
+VELTRASDK_API int16_t VeltraSDK_GpioDisableInterrupt(VeltraSDK_Handle* handle, GpioPinNumber pin);
+
+/** @} */
+
+/** @name I3C bus */
+/** @{ */
+
+/**
+ * @brief Sets the I3C bus voltage; sends 0x0404.
+ * @param handle the handle.
+ * @param millivolts the voltage in mV.
+ */
+VELTRASDK_API int16_t VeltraSDK_I3cSetBusVoltage(VeltraSDK_Handle* handle, uint16_t millivolts);
+
+/**
+ * @brief Initialises the controller; sends 0x1901.
+ * @param handle the handle.
+ * @param pushPullRate the SCL rate of push-pull phases.
+ * @param openDrainRate the SCL rate of open-drain phases.
+ * @param i2cRate the SCL rate of legacy I2C transfers.
+ * @param driveStrength the drive strength of the pins.
+ */
+VELTRASDK_API int16_t VeltraSDK_I3cControllerInit(VeltraSDK_Handle* handle,
+                                                  I3cPushPullRate pushPullRate,
+                                                  I3cOpenDrainTransferRate openDrainRate,
+                                                  I2cTransferRate i2cRate,
+                                                  I3cDriveStrength driveStrength);
+
+/** @brief Changes the parameters; sends 0x1902. As VeltraSDK_I3cControllerInit(). */
+VELTRASDK_API int16_t VeltraSDK_I3cSetParameters(VeltraSDK_Handle* handle,
+                                                 I3cPushPullRate pushPullRate,
+                                                 I3cOpenDrainTransferRate openDrainRate,
+                                                 I2cTransferRate i2cRate,
+                                                 I3cDriveStrength driveStrength);
+
+/** @brief Resets the bus; sends 0x1905. */
+VELTRASDK_API int16_t VeltraSDK_I3cResetBus(VeltraSDK_Handle* handle);
+
+/**
+ * @brief Hands the controller the targets that the bus is to hold; sends 0x1904.
+ * @param handle the handle.
+ * @param targets the records, sent as they are; must not be null unless @p count is 0.
+ * @param count the number of records.
+ */
+VELTRASDK_API int16_t VeltraSDK_I3cInitBus(VeltraSDK_Handle* handle, const I3cTargetInfo* targets,
+                                           uint8_t count);
+
+/**
+ * @brief Reads the controller's device table; sends 0x1906.
+ * @param handle the handle.
+ * @param[out] table receives the records. Null is refused.
+ * @param capacity the records that @p table holds; further ones are dropped without notice.
+ * @param[out] count the number of records stored. Null is refused.
+ */
+VELTRASDK_API int16_t VeltraSDK_I3cGetDeviceTable(VeltraSDK_Handle* handle, I3cTargetInfo* table,
+                                                  uint8_t capacity, uint8_t* count);
+
+/**
+ * @brief Changes how the controller treats one target; sends 0x1907.
+ * @param handle the handle.
+ * @param address the target's address.
+ * @param configuration the configuration.
+ */
+VELTRASDK_API int16_t VeltraSDK_I3cSetTargetDeviceConfiguration(
+    VeltraSDK_Handle* handle, uint8_t address, I3cTargetConfiguration configuration);
+
+/** @} */
+
+/**
+ * @name I3C private transfers
+ * All six send 0x1908. A sub-address has 0 to 4 bytes, sent in the order given: a longer one is
+ * refused, and so is a null pointer with a nonzero length. A null data pointer of a write is
+ * refused with a nonzero length. A read stores as many bytes as the response counts; the buffer
+ * must hold the length asked for, and the adapter is trusted to return no more. A null buffer or
+ * count pointer of a read is refused.
+ */
+/** @{ */
+
+/** @brief Writes in SDR mode. */
+VELTRASDK_API int16_t VeltraSDK_I3cSdrWrite(VeltraSDK_Handle* handle, uint8_t address,
+                                            const uint8_t* subAddress, uint8_t subAddressLength,
+                                            const uint8_t* data, uint16_t dataLength,
+                                            I3cTransferFlags flags);
+
+/** @brief Reads in SDR mode; @p count receives the number of bytes stored in @p data. */
+VELTRASDK_API int16_t VeltraSDK_I3cSdrRead(VeltraSDK_Handle* handle, uint8_t address,
+                                           const uint8_t* subAddress, uint8_t subAddressLength,
+                                           uint16_t length, uint8_t* data, uint16_t* count,
+                                           I3cTransferFlags flags);
+
+/** @brief Writes in HDR-DDR mode, with the 8-bit HDR command code @p hdrCommand. */
+VELTRASDK_API int16_t VeltraSDK_I3cHdrDdrWrite(VeltraSDK_Handle* handle, uint8_t address,
+                                               uint8_t hdrCommand, const uint8_t* data,
+                                               uint16_t dataLength);
+
+/**
+ * @brief Reads in HDR-DDR mode, with the 8-bit HDR command code @p hdrCommand.
+ *
+ * @warning The count pointer stands before the buffer, the reverse of the other reads.
+ */
+VELTRASDK_API int16_t VeltraSDK_I3cHdrDdrRead(VeltraSDK_Handle* handle, uint8_t address,
+                                              uint8_t hdrCommand, uint16_t length, uint16_t* count,
+                                              uint8_t* data);
+
+/** @brief Writes to a legacy I2C device on the I3C bus. */
+VELTRASDK_API int16_t VeltraSDK_I3cLegacyI2CWrite(VeltraSDK_Handle* handle, uint8_t address,
+                                                  const uint8_t* subAddress,
+                                                  uint8_t subAddressLength, const uint8_t* data,
+                                                  uint16_t dataLength, I3cTransferFlags flags);
+
+/** @brief Reads from a legacy I2C device; @p count receives the number of bytes stored. */
+VELTRASDK_API int16_t VeltraSDK_I3cLegacyI2CRead(VeltraSDK_Handle* handle, uint8_t address,
+                                                 const uint8_t* subAddress,
+                                                 uint8_t subAddressLength, uint16_t length,
+                                                 uint8_t* data, uint16_t* count,
+                                                 I3cTransferFlags flags);
+
+/** @brief Drives the target reset pattern; sends 0x190A: 0. */
+VELTRASDK_API int16_t VeltraSDK_I3cTargetResetPattern(VeltraSDK_Handle* handle);
+
+/** @brief Drives the HDR exit pattern; sends 0x190A: 1. */
+VELTRASDK_API int16_t VeltraSDK_I3cHdrExitPattern(VeltraSDK_Handle* handle);
+
+/** @} */
+
+/**
+ * @name I3C Common Command Codes: queries
+ * Each sends one direct read (0x1909) to a dynamic address. A null output pointer is refused,
+ * except where it may be null. Single values are written whenever a response arrived, whatever its
+ * status; buffers only when the result is 0, with as many bytes as the response counts.
+ */
+/** @{ */
+
+/** @brief GETPID: up to 255 bytes are stored in @p pid, 6 from a conforming target. */
+VELTRASDK_API int16_t VeltraSDK_I3cCccGETPID(VeltraSDK_Handle* handle, uint8_t address,
+                                             uint8_t* pid);
+
+/** @brief GETBCR. */
+VELTRASDK_API int16_t VeltraSDK_I3cCccGETBCR(VeltraSDK_Handle* handle, uint8_t address,
+                                             uint8_t* bcr);
+
+/** @brief GETDCR. */
+VELTRASDK_API int16_t VeltraSDK_I3cCccGETDCR(VeltraSDK_Handle* handle, uint8_t address,
+                                             uint8_t* dcr);
+
+/** @brief GETMWL: the maximum write length in bytes. */
+VELTRASDK_API int16_t VeltraSDK_I3cCccGETMWL(VeltraSDK_Handle* handle, uint8_t address,
+                                             uint16_t* mwl);
+
+/**
+ * @brief GETMRL: the maximum read length in bytes.
+ * @param handle the handle.
+ * @param address the target.
+ * @param[out] mrl the maximum read length.
+ * @param[out] ibiPayloadSize the maximum in-band interrupt payload size, written only when the
+ *                            target returned one; may be null.
+ * @param[out] hasIbiPayloadSize set to 0 before the request and to 1 when the target returned a
+ *                               payload size; may be null.
+ */
+VELTRASDK_API int16_t VeltraSDK_I3cCccGETMRL(VeltraSDK_Handle* handle, uint8_t address,
+                                             uint16_t* mrl, uint8_t* ibiPayloadSize,
+                                             uint8_t* hasIbiPayloadSize);
+
+/**
+ * @brief GETCAPS.
+ * @param handle the handle.
+ * @param address the target.
+ * @param[out] capabilities up to 255 bytes, 4 or fewer from a conforming target.
+ * @param[out] count the number of bytes stored.
+ * @param hasDefiningByte whether @p definingByte is sent.
+ * @param definingByte the defining byte.
+ */
+VELTRASDK_API int16_t VeltraSDK_I3cCccGETCAPS(VeltraSDK_Handle* handle, uint8_t address,
+                                              uint8_t* capabilities, uint8_t* count,
+                                              bool hasDefiningByte, uint8_t definingByte);
+
+/**
+ * @brief GETSTATUS.
+ * @param handle the handle.
+ * @param address the target.
+ * @param[out] status up to 255 bytes, 2 from a conforming target.
+ * @param[out] count the number of bytes stored.
+ * @param hasDefiningByte whether @p definingByte is sent.
+ * @param definingByte the defining byte.
+ */
+VELTRASDK_API int16_t VeltraSDK_I3cCccGETSTATUS(VeltraSDK_Handle* handle, uint8_t address,
+                                                uint8_t* status, uint8_t* count,
+                                                bool hasDefiningByte, uint8_t definingByte);
+
+/** @} */
+
+/**
+ * @name I3C Common Command Codes: settings and broadcasts
+ * Each sends one write (0x1909), direct to an address or broadcast to all targets.
+ */
+/** @{ */
+
+/** @brief SETMWL, direct: the maximum write length in bytes. */
+VELTRASDK_API int16_t VeltraSDK_I3cCccSETMWLDirect(VeltraSDK_Handle* handle, uint8_t address,
+                                                   uint16_t mwl);
+
+/** @brief SETMWL, broadcast. */
+VELTRASDK_API int16_t VeltraSDK_I3cCccSETMWLBroadcast(VeltraSDK_Handle* handle, uint16_t mwl);
+
+/** @brief SETMRL, direct: the maximum read length and, when given, the IBI payload size. */
+VELTRASDK_API int16_t VeltraSDK_I3cCccSETMRLDirect(VeltraSDK_Handle* handle, uint8_t address,
+                                                   uint16_t mrl, bool hasIbiPayloadSize,
+                                                   uint8_t ibiPayloadSize);
+
+/** @brief SETMRL, broadcast. */
+VELTRASDK_API int16_t VeltraSDK_I3cCccSETMRLBroadcast(VeltraSDK_Handle* handle, uint16_t mrl,
+                                                      bool hasIbiPayloadSize,
+                                                      uint8_t ibiPayloadSize);
+
+/** @brief SETNEWDA: gives the target another dynamic address. */
+VELTRASDK_API int16_t VeltraSDK_I3cCccSETNEWDA(VeltraSDK_Handle* handle, uint8_t currentAddress,
+                                               uint8_t newAddress);
+
+/** @brief SETDASA: gives the target with this static address a dynamic address. */
+VELTRASDK_API int16_t VeltraSDK_I3cCccSETDASA(VeltraSDK_Handle* handle, uint8_t staticAddress,
+                                              uint8_t dynamicAddress);
+
+/**
+ * @brief SETAASA: every target takes its static address.
+ * @param handle the handle.
+ * @param staticAddresses the addresses, sent as they are; must not be null unless @p count is 0.
+ * @param count the number of addresses; the request's length field holds it modulo 256.
+ */
+VELTRASDK_API int16_t VeltraSDK_I3cCccSETAASA(VeltraSDK_Handle* handle,
+                                              const uint8_t* staticAddresses, size_t count);
+
+/** @brief ENEC, direct: enables the events whose bits are set. */
+VELTRASDK_API int16_t VeltraSDK_I3cCccENECDirect(VeltraSDK_Handle* handle, uint8_t address,
+                                                 uint8_t events);
+
+/** @brief ENEC, broadcast. */
+VELTRASDK_API int16_t VeltraSDK_I3cCccENECBroadcast(VeltraSDK_Handle* handle, uint8_t events);
+
+/** @brief DISEC, direct: disables the events whose bits are set. */
+VELTRASDK_API int16_t VeltraSDK_I3cCccDISECDirect(VeltraSDK_Handle* handle, uint8_t address,
+                                                  uint8_t events);
+
+/** @brief DISEC, broadcast. */
+VELTRASDK_API int16_t VeltraSDK_I3cCccDISECBroadcast(VeltraSDK_Handle* handle, uint8_t events);
+
+/**
+ * @brief RSTACT, direct: a write arms a reset action, a read asks for the byte that the defining
+ * byte selects.
+ * @param handle the handle.
+ * @param address the target.
+ * @param definingByte the reset action; its low byte is sent.
+ * @param direction write or read.
+ * @param[out] reply the byte of a read, written whenever a response arrived. Null is refused for a
+ *                   read; a write does not use it.
+ */
+VELTRASDK_API int16_t VeltraSDK_I3cCccRSTACTDirect(VeltraSDK_Handle* handle, uint8_t address,
+                                                   I3cTargetResetDefByte definingByte,
+                                                   I3cTransferDirection direction, uint8_t* reply);
+
+/** @brief RSTACT, broadcast. */
+VELTRASDK_API int16_t VeltraSDK_I3cCccRSTACTBroadcast(VeltraSDK_Handle* handle,
+                                                      I3cTargetResetDefByte definingByte);
+
+/** @brief RSTDAA: every target forgets its dynamic address. */
+VELTRASDK_API int16_t VeltraSDK_I3cCccRSTDAA(VeltraSDK_Handle* handle);
+
+/** @brief ENTDAA: the controller assigns dynamic addresses. */
+VELTRASDK_API int16_t VeltraSDK_I3cCccENTDAA(VeltraSDK_Handle* handle);
+
+/** @} */
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

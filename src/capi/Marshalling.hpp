@@ -1,0 +1,34 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+/// The most bytes that a C caller may give as a register or sub-address.
+constexpr uint8_t longestSubAddress = 4;
+
+/// Whether an input buffer is announced but not given.
+inline bool isMissing(const void* buffer, size_t count) {
+    return buffer == nullptr && count != 0;
+}
+
+inline bool isSubAddress(const uint8_t* bytes, uint8_t count) {
+    return count <= longestSubAddress && !isMissing(bytes, count);
+}
+
+/// Copies an input buffer; the pointer of an empty one is not used.
+template <typename Value>
+std::vector<Value> copyIn(const Value* values, size_t count) {
+    return count == 0 ? std::vector<Value>() : std::vector<Value>(values, values + count);
+}
+
+/// Copies a result into the caller's buffer, whose capacity is the caller's business.
+inline void copyOut(const std::vector<uint8_t>& bytes, uint8_t* buffer) {
+    std::copy(bytes.begin(), bytes.end(), buffer);
+}
+
+inline std::optional<uint8_t> optionalByte(bool present, uint8_t value) {
+    return present ? std::optional<uint8_t>(value) : std::nullopt;
+}

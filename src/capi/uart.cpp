@@ -1,0 +1,28 @@
+#include "capi/Handle.hpp"
+#include "capi/Marshalling.hpp"
+
+int16_t VeltraSDK_UartSetBusVoltage(VeltraSDK_Handle* handle, uint16_t millivolts, bool flag) {
+    return withSdk(handle, [&](VeltraSDK& sdk) { return sdk.uartSetBusVoltage(millivolts, flag); });
+}
+
+int16_t VeltraSDK_UartInit(VeltraSDK_Handle* handle, UartBaudRate baudRate,
+                           UartHwHandshake handshake, UartParity parity, UartDataSize dataSize,
+                           UartStopBit stopBit) {
+    return withSdk(handle, [&](VeltraSDK& sdk) {
+        return sdk.uartInit(baudRate, handshake, parity, dataSize, stopBit);
+    });
+}
+
+int16_t VeltraSDK_UartSetParameters(VeltraSDK_Handle* handle, UartBaudRate baudRate,
+                                    UartHwHandshake handshake, UartParity parity,
+                                    UartDataSize dataSize, UartStopBit stopBit) {
+    return withSdk(handle, [&](VeltraSDK& sdk) {
+        return sdk.uartSetParameters(baudRate, handshake, parity, dataSize, stopBit);
+    });
+}
+
+int16_t VeltraSDK_UartSendMessage(VeltraSDK_Handle* handle, const uint8_t* message,
+                                  uint16_t length) {
+    const std::vector<uint8_t> messageBytes = copyIn(message, length);
+    return withSdk(handle, [&](VeltraSDK& sdk) { return sdk.uartSendMessage(messageBytes); });
+}
