@@ -1,0 +1,46 @@
+#include "support/Model.hpp"
+
+#include <algorithm>
+
+namespace test_support {
+
+const Model fullSpeed{"FullSpeed", 0x0001, 64};
+const Model highSpeed{"HighSpeed", 0x0002, 1024};
+
+Bytes Model::input(const Bytes& packet) const {
+    Bytes report = packet;
+    report.resize(reportSize);
+    return report;
+}
+
+Bytes Model::output(const Bytes& packet) const {
+    Bytes report = input(packet);
+    report.insert(report.begin(), 0);
+    return report;
+}
+
+std::vector<Bytes> Model::inputs(const Bytes& message) const {
+    const size_t capacity = reportSize - 2;
+    std::vector<Bytes> reports;
+    for (size_t offset = 0; offset < message.size(); offset += capacity) {
+        const size_t length = std::min(capacity, message.size() - offset);
+        const unsigned first = offset == 0 ? 1 : 0;
+        const unsigned last = offset + length == message.size() ? 2 : 0;
+        const unsigned header = first | last | static_cast<unsigned>(length) << 2U;
+        Bytes packet{static_cast<uint8_t>(header & 0xFFU), static_cast<uint8_t>(header >> 8U)};
+        const auto payload = message.begin() + static_cast<std::ptrdiff_t>(offset);
+        packet.insert(packet.end(), payload, payload + static_cast<std::ptrdiff_t>(length));
+        reports.push_back(input(packet));
+    }
+    return reports;
+}
+
+std::vector<Bytes> Model::outputs(const Bytes& message) const {
+    std::vector<Bytes> reports = inputs(message);
+    for (Bytes& report : reports) {
+        report.insert(report.begin(), 0);
+    }
+    return reports;
+}
+
+} // namespace test_support

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "support/ScriptedHid.hpp"
+
+#include <ostream>
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace test_support {
+
+/// An adapter model as the wire sees it.
+struct Model {
+    std::string name;
+    uint16_t productId;
+    size_t reportSize;
+
+    /// An output report: report identifier 0, the packet's bytes, zeros up to the report's size.
+    [[nodiscard]] Bytes output(const Bytes& packet) const;
+    /// An input report: the packet's bytes, zeros up to the report's size.
+    [[nodiscard]] Bytes input(const Bytes& packet) const;
+    /// The packets of a message too long to be written out, padded to output reports.
+    [[nodiscard]] std::vector<Bytes> outputs(const Bytes& message) const;
+    [[nodiscard]] std::vector<Bytes> inputs(const Bytes& message) const;
+};
+
+constexpr uint16_t vendorId = 0x1209;
+
+extern const Model fullSpeed;
+extern const Model highSpeed;
+
+inline std::ostream& operator<<(std::ostream& out, const Model& model) {
+    return out << model.name;
+}
+
+/// Runs every test of a fixture on both models.
+#define INSTANTIATE_ON_BOTH_MODELS(Fixture)                                                        \
+    INSTANTIATE_TEST_SUITE_P(BothModels, Fixture,                                                  \
+                             testing::Values(test_support::fullSpeed, test_support::highSpeed),    \
+                             [](const auto& model) { return model.param.name; })
+
+} // namespace test_support

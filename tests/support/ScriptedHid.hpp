@@ -1,0 +1,127 @@
+#pragma once
+
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace test_support {
+
+using Bytes = std::vector<uint8_t>;
+
+/// How long a test waits for something that must happen, whatever the machine's load.
+constexpr int generousLimitMs = 60'000;
+
+/// One HID device that the stand-in enumerates.
+struct ScriptedDevice {
+    std::string path;
+    uint16_t vendorId;
+    uint16_t productId;
+    /// Null stands for a device whose strings cannot be read.
+    std::optional<std::wstring> serialNumber;
+};
+
+/// A stand-in for hidapi: defines the eight functions that the library calls, serves devices and
+/// reports, records what it is told, and fails on demand. One exists at a time; its destructor
+/// reports whatever was opened and not closed.
+///
+/// A conversation is a list of expected writes, each with the input reports that answer it. A write
+/// that differs from the expected one fails the test and shows the bytes of both.
+class ScriptedHid {
+public:
+    ScriptedHid();
+    ~ScriptedHid();
+    ScriptedHid(const ScriptedHid&) = delete;
+    ScriptedHid& operator=(const ScriptedHid&) = delete;
+
+    static ScriptedHid& instance();
+
+    /// Devices appear in the order in which they were attached.
+    void attach(ScriptedDevice device);
+    void detachAll();
+
+    /// Expects a write of exactly these bytes (report identifier included) and answers it.
+    void expectWrite(Bytes report, std::vector<Bytes> answers = {});
+    /// Expects the writes of a long message and answers the last of them.
+    void expectWrites(std::vector<Bytes> reports, std::vector<Bytes> answers);
+
+    /// Makes an input report readable now.
+    void deliver(Bytes report);
+
+    void failOpening(bool fail);
+    /// What hid_write returns instead of the number of bytes; nothing for success.
+    void failWriting(std::optional<int> result);
+    /// Whether hid_read_timeout returns -1 at once, as it does after an unplug.
+    void failReading(bool fail);
+
+    /// The writes so far, report identifiers included.
+    [[nodiscard]] std::vector<Bytes> writes() const;
+    [[nodiscard]] size_t readCalls() const;
+    [[nodiscard]] size_t enumerateCalls() const;
+    /// The path of the last device opened.
+    [[nodiscard]] std::string openedPath() const;
+    [[nodiscard]] size_t openDevices() const;
+    /// How often hid_init and hid_exit were called.
+    [[nodiscard]] size_t initCalls() const;
+    [[nodiscard]] size_t exitCalls() const;
+    /// The arguments of the last read.
+    [[nodiscard]] size_t lastReadLength() const;
+    [[nodiscard]] int lastReadTimeout() const;
+
+    /// Waits until so many writes were made. Returns false at the generous limit.
+    [[nodiscard]] bool waitForWrites(size_t count) const;
+    /// Waits until so many reads were begun.
+    [[nodiscard]] bool waitForReads(size_t count) const;
+    /// Waits until every delivered report was read and the reader has come back for more, that is
+    /// until everything delivered so far was handled.
+    [[nodiscard]] bool waitUntilDrained() const;
+
+    // The eight functions end here.
+    int init();
+    int exit();
+    void* enumerate(uint16_t vendorId, uint16_t productId);
+    void freeEnumeration(void* list);
+    void* openPath(const char* path);
+    void close(void* device);
+    int write(const uint8_t* data, size_t length);
+    int readTimeout(uint8_t* data, size_t length, int milliseconds);
+
+private:
+    struct ExpectedWrite {
+        Bytes report;
+        std::vector<Bytes> answers;
+    };
+
+    template <typename Condition>
+    bool waitUntil(Condition condition) const;
+
+    mutable std::mutex mutex;
+    mutable std::condition_variable changed;
+    std::vector<ScriptedDevice> devices;
+    std::deque<ExpectedWrite> script;
+    bool scripted = false;
+    std::deque<Bytes> input;
+    std::vector<Bytes> written;
+    bool openingFails = false;
+    std::optional<int> writingResult;
+    bool readingFails = false;
+    bool readerIsWaiting = false;
+    size_t reads = 0;
+    size_t enumerations = 0;
+    size_t listsOut = 0;
+    size_t opened = 0;
+    size_t initialised = 0;
+    size_t exited = 0;
+    size_t readLength = 0;
+    int readTimeoutMs = 0;
+    std::string lastOpenedPath;
+};
+
+/// Bytes as hexadecimal text, sixteen to a line, trailing zeros folded.
+std::string hexDump(const Bytes& bytes);
+
+} // namespace test_support

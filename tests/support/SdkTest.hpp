@@ -1,0 +1,47 @@
+#pragma once
+
+#include "capi/Handle.hpp"
+#include "support/Model.hpp"
+
+#include <veltrasdk/VeltraSDK.hpp>
+#include <veltrasdk/veltrasdk.h>
+
+namespace test_support {
+
+/// A blocking object and a C handle over one scripted adapter, both connected, each with its own
+/// transaction identifiers: the first request of either carries identifier 1. The fixture runs on
+/// both models.
+///
+///     onWire({0x17, 0x00, 0x01, 0x00, 0x03, 0x14, 0x05}, {0x1F, 0x00, 0x01, 0x00, 0x03, 0x14,
+///     ...}); EXPECT_EQ(sdk().gpioDigitalRead(GpioPinNumber_5, level), 0);
+class SdkTest : public testing::TestWithParam<Model> {
+protected:
+    SdkTest();
+    ~SdkTest() override;
+
+    /// The class's object, connected at its first use. Use only one of the two in a test.
+    VeltraSDK& sdk();
+    /// The C handle, connected at its first use.
+    VeltraSDK_Handle* handle();
+
+    /// Expects a request of one packet, given by its literal bytes, and answers it with one packet.
+    void onWire(const Bytes& requestPacket, const Bytes& responsePacket);
+    /// Expects a request that gets no answer.
+    void onWire(const Bytes& requestPacket);
+    /// Expects a request and answers it with a message that may take several packets.
+    void onWireLong(const Bytes& request, const Bytes& response);
+
+    /// Checks that no request has left the host.
+    void expectNothingSent() const;
+
+    ScriptedHid hid;
+
+private:
+    std::unique_ptr<VeltraSDK> blocking;
+    VeltraSDK_Handle* flat = nullptr;
+};
+
+/// The time-out of tests in which the response is sure to come.
+constexpr int patientMs = generousLimitMs;
+
+} // namespace test_support
