@@ -39,7 +39,7 @@ struct Fault {
     std::chrono::milliseconds delay = defaultFaultDelay;
 };
 
-/// The name users give a fault; FaultKind::None has none.
+/// The name users give a fault.
 struct FaultName {
     const char* name;
     FaultKind kind;
