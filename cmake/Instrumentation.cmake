@@ -5,6 +5,20 @@ if(VELTRASDK_SANITIZE)
     add_link_options(-fsanitize=${VELTRASDK_SANITIZE})
 endif()
 
+# A sanitizer's runtime must be loaded before anything it watches: it comes first in every
+# LD_PRELOAD.
+set(VELTRASDK_SANITIZER_RUNTIME "")
+foreach(sanitizer IN ITEMS address=libasan.so thread=libtsan.so)
+    string(REPLACE "=" ";" sanitizer ${sanitizer})
+    list(GET sanitizer 0 name)
+    list(GET sanitizer 1 runtime)
+    if(VELTRASDK_SANITIZE MATCHES ${name})
+        execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${runtime}
+            OUTPUT_VARIABLE runtime OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+        file(REAL_PATH ${runtime} VELTRASDK_SANITIZER_RUNTIME)
+    endif()
+endforeach()
+
 if(VELTRASDK_COVERAGE)
     add_compile_options(--coverage -fprofile-update=atomic)
     add_link_options(--coverage)

@@ -1,0 +1,99 @@
+/* Plays hidapi calls, one per argument, and prints what each returned. */
+
+#include <hidapi.h>
+
+#include <locale.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
+static hid_device* device;
+
+static const wchar_t* shown(const wchar_t* text) {
+    return text == NULL ? L"(null)" : text;
+}
+
+static void list(void) {
+    struct hid_device_info* const first = hid_enumerate(0, 0);
+    if (first == NULL) {
+        printf("list: nothing\n");
+    }
+    for (const struct hid_device_info* info = first; info != NULL; info = info->next) {
+        printf("list: %s %04x:%04x %x %ls | %ls | %ls interface %d bus %d\n", info->path,
+               info->vendor_id, info->product_id, info->release_number,
+               shown(info->manufacturer_string), shown(info->product_string),
+               shown(info->serial_number), info->interface_number, (int)info->bus_type);
+    }
+    hid_free_enumeration(first);
+}
+
+static void open_path(const char* path) {
+    hid_device* const opened = hid_open_path(path);
+    printf("open: %s\n", opened == NULL ? "null" : "ok");
+    if (opened != NULL) {
+        device = opened;
+    }
+}
+
+static void write_bytes(const char* text) {
+    unsigned char bytes[2048];
+    size_t size = 0;
+    char* end = NULL;
+    for (unsigned long byte = strtoul(text, &end, 16); end != text && size < sizeof bytes;
+         byte = strtoul(text, &end, 16)) {
+        bytes[size++] = (unsigned char)byte;
+        text = end;
+    }
+    printf("write: %d\n", hid_write(device, bytes, size));
+}
+
+/* Trailing zeros are padding: they are not printed. */
+static void read_report(const char* milliseconds) {
+    unsigned char report[2048];
+    const int count = hid_read_timeout(device, report, sizeof report, atoi(milliseconds));
+    int shown_count = count;
+    while (shown_count > 0 && report[shown_count - 1] == 0) {
+        --shown_count;
+    }
+    printf("read: %d", count);
+    for (int i = 0; i < shown_count; ++i) {
+        printf(" %02x", report[i]);
+    }
+    printf("\n");
+}
+
+static int play(const char* call) {
+    if (strcmp(call, "init") == 0) {
+        printf("init: %d\n", hid_init());
+    } else if (strcmp(call, "exit") == 0) {
+        printf("exit: %d\n", hid_exit());
+    } else if (strcmp(call, "list") == 0) {
+        list();
+    } else if (strncmp(call, "open ", 5) == 0) {
+        open_path(call + 5);
+    } else if (strncmp(call, "write ", 6) == 0) {
+        write_bytes(call + 6);
+    } else if (strncmp(call, "read ", 5) == 0) {
+        read_report(call + 5);
+    } else if (strcmp(call, "close") == 0) {
+        hid_close(device);
+    } else {
+        return 0;
+    }
+    fflush(stdout);
+    return 1;
+}
+
+int main(int argc, char** argv) {
+    setlocale(LC_ALL, "C.UTF-8");
+    for (int i = 1; i < argc; ++i) {
+        if (strncmp(argv[i], "status ", 7) == 0) {
+            return atoi(argv[i] + 7);
+        }
+        if (!play(argv[i])) {
+            fprintf(stderr, "unknown call: %s\n", argv[i]);
+            return 2;
+        }
+    }
+    return 0;
+}

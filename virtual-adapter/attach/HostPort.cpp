@@ -1,0 +1,97 @@
+#include "attach/HostPort.hpp"
+
+#include <algorithm>
+
+namespace virtual_adapter {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// What hidapi's libusb back end keeps: it drops the oldest report when one more arrives.
+constexpr size_t hidapiQueueLength = 32;
+
+} // namespace
+
+HostPort::HostPort(const AdapterSettings& chosen)
+    : settings(chosen), link(chosen.identity.model, chosen.serialNumber, chosen.fault) {}
+
+bool HostPort::isOnBus() {
+    const std::lock_guard lock(mutex);
+    return link.isOnBus();
+}
+
+bool HostPort::isOpen() {
+    const std::lock_guard lock(mutex);
+    return opened;
+}
+
+bool HostPort::open() {
+    const std::lock_guard lock(mutex);
+    if (opened || !isAccessible() || !link.isOnBus()) {
+        return false;
+    }
+    opened = true;
+    return true;
+}
+
+void HostPort::close() {
+    const std::lock_guard lock(mutex);
+    receive();
+    unread.clear();
+    opened = false;
+    changed.notify_all();
+}
+
+bool HostPort::write(const Bytes& report) {
+    const std::lock_guard lock(mutex);
+    const bool written = opened && link.writeReport(report, Clock::now());
+    receive();
+    changed.notify_all();
+    return written;
+}
+
+int HostPort::read(uint8_t* data, size_t size, int milliseconds) {
+    std::unique_lock lock(mutex);
+    const bool endless = milliseconds < 0;
+    const auto deadline = Clock::now() + std::chrono::milliseconds(milliseconds);
+    while (opened) {
+        receive();
+        if (!unread.empty()) {
+            return takeUnread(data, size);
+        }
+        if (!link.isOnBus()) {
+            return -1;
+        }
+        if (!endless && Clock::now() >= deadline) {
+            return 0;
+        }
+        const auto due = link.nextInputDue();
+        if (endless && !due) {
+            changed.wait(lock);
+        } else {
+            changed.wait_until(lock, endless ? *due : std::min(deadline, due.value_or(deadline)));
+        }
+    }
+    return -1;
+}
+
+void HostPort::receive() {
+    const auto now = Clock::now();
+    while (auto report = link.takeInputReport(now)) {
+        unread.push_back(std::move(*report));
+        if (settings.fault.kind == FaultKind::LostReports && unread.size() > hidapiQueueLength) {
+            unread.pop_front();
+        }
+    }
+}
+
+int HostPort::takeUnread(uint8_t* data, size_t size) {
+    const Bytes report = std::move(unread.front());
+    unread.pop_front();
+    const size_t count = std::min(size, report.size());
+    std::copy_n(report.begin(), count, data);
+    return static_cast<int>(count);
+}
+
+} // namespace virtual_adapter

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "device/AdapterSettings.hpp"
+
+#include <CLI/App.hpp>
+
+namespace virtual_adapter {
+
+/// Gives @p command the options that choose an adapter; parsing fills @p settings.
+void addAdapterOptions(CLI::App& command, AdapterSettings& settings);
+
+} // namespace virtual_adapter

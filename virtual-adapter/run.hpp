@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+}
+
+namespace virtual_adapter {
+
+/// Adds `run`, which replaces this process by @p program with the adapter in front of its hidapi.
+void addRunCommand(CLI::App& app, const std::vector<std::string>& program);
+
+} // namespace virtual_adapter
