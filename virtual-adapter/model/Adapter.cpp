@@ -3,10 +3,14 @@
 namespace virtual_adapter {
 
 Adapter::Adapter(const AdapterModel& model, const std::string& serialNumber)
-    : system({"Veltra", model.name, serialNumber, "virtual", "1.0.0"}) {
+    : system({"Veltra", model.name, serialNumber, "virtual", "1.0.0"}),
+      uart(voltage, notifications, model) {
     system.registerCommands(dispatcher);
     voltage.registerCommands(dispatcher);
     i2c.registerCommands(dispatcher);
+    spi.registerCommands(dispatcher);
+    uart.registerCommands(dispatcher);
+    gpio.registerCommands(dispatcher);
 }
 
 std::vector<Frame> Adapter::handle(const Frame& request) {

@@ -3,8 +3,11 @@
 #include "model/AdapterModel.hpp"
 #include "model/Dispatcher.hpp"
 #include "model/NotificationQueue.hpp"
+#include "model/gpio.hpp"
 #include "model/i2c.hpp"
+#include "model/spi.hpp"
 #include "model/system.hpp"
+#include "model/uart.hpp"
 #include "model/voltage.hpp"
 
 #include <string>
@@ -34,6 +37,9 @@ private:
     System system;
     IoVoltage voltage;
     I2c i2c{voltage};
+    Spi spi{voltage};
+    Uart uart;
+    Gpio gpio{voltage, notifications};
 };
 
 } // namespace virtual_adapter

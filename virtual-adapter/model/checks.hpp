@@ -3,14 +3,12 @@
 #include "model/PayloadReader.hpp"
 #include "model/Status.hpp"
 
-#include <algorithm>
-#include <initializer_list>
-
 namespace virtual_adapter {
 
-/// Whether @p value is one of the values that the adapter knows.
-inline bool oneOf(uint8_t value, std::initializer_list<uint8_t> known) {
-    return std::find(known.begin(), known.end(), value) != known.end();
+/// Whether @p value lies in the range, both ends included.
+template <typename Value, typename Bound>
+constexpr bool within(Value value, Bound lowest, Bound highest) {
+    return value >= lowest && value <= highest;
 }
 
 /// The status of a request whose fields have all been read: the layout counts before the values.

@@ -22,8 +22,8 @@ struct Settings {
         : busIndex(request.u8()),
           clock(request.u32()),
           option(request.u8()),
-          status(check(request, busIndex < busCount && clock >= lowestClock &&
-                                    clock <= highestClock && option <= 1)) {}
+          status(check(request, busIndex < busCount && within(clock, lowestClock, highestClock) &&
+                                    option <= 1)) {}
 
     size_t busIndex;
     uint32_t clock;

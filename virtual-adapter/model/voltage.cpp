@@ -1,5 +1,7 @@
 #include "model/voltage.hpp"
 
+#include "model/checks.hpp"
+
 #include <utility>
 
 namespace virtual_adapter {
@@ -25,14 +27,12 @@ Dispatcher::Handler IoVoltage::required(Dispatcher::Handler handler) const {
 Answer IoVoltage::set(PayloadReader& request) {
     const unsigned millivolts = request.u16();
     const unsigned enable = request.u8();
-    if (!request.consumedExactly()) {
-        return Status::MalformedRequest;
+    const Status status =
+        check(request, within(millivolts, lowestMillivolts, highestMillivolts) && enable <= 1);
+    if (status == Status::Success) {
+        outputEnabled = enable == 1;
     }
-    if (millivolts < lowestMillivolts || millivolts > highestMillivolts || enable > 1) {
-        return Status::InvalidParameter;
-    }
-    outputEnabled = enable == 1;
-    return Status::Success;
+    return status;
 }
 
 } // namespace virtual_adapter

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "model/GpioBank.hpp"
+#include "model/NotificationQueue.hpp"
+#include "model/voltage.hpp"
+
+#include <array>
+#include <optional>
+
+namespace virtual_adapter {
+
+/// The commands of the GPIO pins, and their interrupts.
+class Gpio {
+public:
+    Gpio(const IoVoltage& ioVoltage, NotificationQueue& notificationQueue)
+        : voltage(ioVoltage), notifications(notificationQueue) {}
+
+    void registerCommands(Dispatcher& dispatcher);
+
+private:
+    Answer configurePin(PayloadReader& request);
+    Answer digitalWrite(PayloadReader& request);
+    Answer digitalRead(PayloadReader& request);
+    Answer configureInterrupt(PayloadReader& request);
+    Answer disableInterrupt(PayloadReader& request);
+
+    /// Sends the interrupts of the armed pins whose levels have changed since @p before.
+    void sendInterrupts(const GpioBank::Levels& before);
+    void sendInterrupt(size_t pin);
+
+    const IoVoltage& voltage;
+    NotificationQueue& notifications;
+    GpioBank bank;
+    /// Empty for a pin that is not armed.
+    std::array<std::optional<GpioTriggerType>, GpioBank::pinCount> triggers;
+};
+
+} // namespace virtual_adapter

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "model/targets/SpiTarget.hpp"
+
+namespace virtual_adapter {
+
+/// A wire from the controller's output to its input.
+class SpiLoopback : public SpiTarget {
+public:
+    [[nodiscard]] bool understands(SpiMode, SpiChipSelectPolarity) const override { return true; }
+    Bytes transfer(const Bytes& sent) override { return sent; }
+};
+
+} // namespace virtual_adapter

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "model/AdapterModel.hpp"
+#include "model/NotificationQueue.hpp"
+#include "model/voltage.hpp"
+
+#include <veltrasdk/uart.h>
+
+#include <cstddef>
+#include <optional>
+
+namespace virtual_adapter {
+
+/// The UART, whose transmit line is wired to its receive line.
+class Uart {
+public:
+    Uart(const IoVoltage& ioVoltage, NotificationQueue& notificationQueue,
+         const AdapterModel& model);
+
+    void registerCommands(Dispatcher& dispatcher);
+
+private:
+    Answer init(PayloadReader& request);
+    Answer setParameters(PayloadReader& request);
+    Answer sendMessage(PayloadReader& request);
+    void receive(const Bytes& message);
+
+    const IoVoltage& voltage;
+    NotificationQueue& notifications;
+    /// How many received bytes one notification carries at most.
+    size_t longestChunk;
+    /// Empty until the UART has been initialised.
+    std::optional<UartDataSize> dataSize;
+};
+
+} // namespace virtual_adapter
