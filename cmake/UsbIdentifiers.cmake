@@ -12,14 +12,14 @@ foreach(identifier VENDOR_ID PRODUCT_ID_FULL_SPEED PRODUCT_ID_HIGH_SPEED)
         message(FATAL_ERROR "VELTRASDK_USB_${identifier} must be hexadecimal, such as 0x1209; "
                             "it is '${value}'")
     endif()
-    math(EXPR usb_${identifier} "${value}")
-    if(usb_${identifier} LESS 1 OR usb_${identifier} GREATER 65535)
+    if(NOT value MATCHES "^0[xX]0*[1-9a-fA-F][0-9a-fA-F]?[0-9a-fA-F]?[0-9a-fA-F]?$")
         message(FATAL_ERROR "VELTRASDK_USB_${identifier} must fit 16 bits and not be 0; "
                             "it is ${value}")
     endif()
 endforeach()
 
-math(EXPR usb_product_step "${usb_PRODUCT_ID_HIGH_SPEED} - ${usb_PRODUCT_ID_FULL_SPEED}")
+math(EXPR usb_product_step
+     "${VELTRASDK_USB_PRODUCT_ID_HIGH_SPEED} - ${VELTRASDK_USB_PRODUCT_ID_FULL_SPEED}")
 if(NOT usb_product_step EQUAL 1)
     message(FATAL_ERROR "VELTRASDK_USB_PRODUCT_ID_HIGH_SPEED must be "
                         "VELTRASDK_USB_PRODUCT_ID_FULL_SPEED + 1")

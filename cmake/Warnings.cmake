@@ -1,9 +1,10 @@
 # The warning set of the project; CMAKE_COMPILE_WARNING_AS_ERROR (set by the development presets)
 # makes errors of them.
+set(veltrasdk_warnings_c -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow)
+set(veltrasdk_warnings_cxx ${veltrasdk_warnings_c}
+    -Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual -Wextra-semi)
+
 add_library(veltrasdk_warnings INTERFACE)
 target_compile_options(veltrasdk_warnings INTERFACE
-    -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow
-    $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast>
-    $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor>
-    $<$<COMPILE_LANGUAGE:CXX>:-Woverloaded-virtual>
-    $<$<COMPILE_LANGUAGE:CXX>:-Wextra-semi>)
+    "$<$<COMPILE_LANGUAGE:C>:${veltrasdk_warnings_c}>"
+    "$<$<COMPILE_LANGUAGE:CXX>:${veltrasdk_warnings_cxx}>")
