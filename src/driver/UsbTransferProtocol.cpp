@@ -17,7 +17,7 @@ UsbTransferProtocol::UsbTransferProtocol(size_t reportSize)
     : endpointSize(reportSize), packetPayloadLength(reportSize - headerSize) {}
 
 void UsbTransferProtocol::createUsbOutTransferPackets(std::vector<std::vector<uint8_t>>& packets,
-                                                      const std::vector<uint8_t>& message) {
+                                                      const std::vector<uint8_t>& message) const {
     const size_t count = (message.size() + packetPayloadLength - 1) / packetPayloadLength;
     packets.reserve(packets.size() + count);
     auto payload = message.begin();

@@ -10,14 +10,14 @@
 /// packet, bit 1 its last one, bits 2 to 11 hold the payload's length.
 class UsbTransferProtocol {
 public:
-    explicit UsbTransferProtocol(size_t endpointSize);
+    explicit UsbTransferProtocol(size_t reportSize);
 
     [[nodiscard]] size_t getEndpointSize() const { return endpointSize; }
     [[nodiscard]] size_t getPacketPayloadLength() const { return packetPayloadLength; }
 
     /// Appends the packets of @p message to @p packets; an empty message has none.
     void createUsbOutTransferPackets(std::vector<std::vector<uint8_t>>& packets,
-                                     const std::vector<uint8_t>& message);
+                                     const std::vector<uint8_t>& message) const;
 
     /// Adds one received packet to @p message. Returns whether the packet was the message's last.
     ///

@@ -22,7 +22,7 @@ class UsbDeviceTest : public testing::Test {
 protected:
     explicit UsbDeviceTest(const Fault& fault = {})
         : device(fullSpeed, "VA-01", fault,
-                 [this](UsbResult result) { results.push_back(result); }) {
+                 [this](UsbResult result) { results.push_back(std::move(result)); }) {
         control(0, {0x00, 0x09, 1, 0, 0, 0, 0, 0});
         results.clear();
     }
@@ -43,7 +43,7 @@ protected:
     }
 
     /// Identifiers and outcomes, in order.
-    std::vector<std::pair<uint64_t, UsbStatus>> outcomes() const {
+    [[nodiscard]] std::vector<std::pair<uint64_t, UsbStatus>> outcomes() const {
         std::vector<std::pair<uint64_t, UsbStatus>> pairs;
         for (const UsbResult& result : results) {
             pairs.emplace_back(result.id, result.status);

@@ -86,6 +86,7 @@ void appendStorm(std::vector<OutgoingFrame>& frames) {
 std::vector<OutgoingFrame> FaultInjector::apply(const std::vector<Frame>& answer) {
     ++requests;
     std::vector<OutgoingFrame> frames;
+    frames.reserve(answer.size());
     for (const Frame& frame : answer) {
         frames.push_back({frame});
     }

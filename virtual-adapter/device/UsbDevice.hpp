@@ -55,7 +55,7 @@ public:
     using Time = AdapterLink::Time;
 
     UsbDevice(const UsbIdentity& identity, const std::string& serialNumber, const Fault& fault,
-              std::function<void(UsbResult)> completed);
+              std::function<void(UsbResult)> receiver);
 
     /// Starts a transfer. It ends at once or stays pending until the device can serve it.
     void submit(UsbTransfer transfer, Time now);

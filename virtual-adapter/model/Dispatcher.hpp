@@ -13,8 +13,8 @@ namespace virtual_adapter {
 
 /// What a command answers: the status, and the payload from response byte 6 on.
 struct Answer {
-    Answer(Status answered)
-        : status(answered) {} // NOLINT(google-explicit-constructor): `return Status::X;`
+    // NOLINTNEXTLINE(google-explicit-constructor): `return Status::X;`
+    Answer(Status answered) : status(answered) {}
     Answer(Status answered, Bytes data) : status(answered), payload(std::move(data)) {}
 
     Status status;
