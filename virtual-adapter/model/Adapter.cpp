@@ -11,6 +11,9 @@ Adapter::Adapter(const AdapterModel& model, const std::string& serialNumber)
     spi.registerCommands(dispatcher);
     uart.registerCommands(dispatcher);
     gpio.registerCommands(dispatcher);
+    i3cBusSetup.registerCommands(dispatcher);
+    i3cTransfer.registerCommands(dispatcher);
+    i3cCcc.registerCommands(dispatcher);
 }
 
 std::vector<Frame> Adapter::handle(const Frame& request) {

@@ -5,6 +5,9 @@
 #include "model/NotificationQueue.hpp"
 #include "model/gpio.hpp"
 #include "model/i2c.hpp"
+#include "model/i3c_bus.hpp"
+#include "model/i3c_ccc.hpp"
+#include "model/i3c_transfer.hpp"
 #include "model/spi.hpp"
 #include "model/system.hpp"
 #include "model/uart.hpp"
@@ -40,6 +43,10 @@ private:
     Spi spi{voltage};
     Uart uart;
     Gpio gpio{voltage, notifications};
+    I3cController i3cController{notifications};
+    I3cBusSetup i3cBusSetup{i3cController};
+    I3cTransfer i3cTransfer{i3cController};
+    I3cCcc i3cCcc{i3cController};
 };
 
 } // namespace virtual_adapter

@@ -23,6 +23,12 @@ enum class Status : uint16_t {
     DataNotAcknowledged = 0x0007,
     /// The I2C bus has no pull-up resistors: its lines never rise.
     NoPullUp = 0x0008,
+    /// I3C reserves the address: no target may have it.
+    AddressReserved = 0x0030,
+    /// The address belongs to another device of the I3C bus.
+    AddressInUse = 0x0031,
+    /// A write is longer than the target's maximum write length.
+    LengthAboveLimit = 0x0032,
 };
 
 } // namespace virtual_adapter

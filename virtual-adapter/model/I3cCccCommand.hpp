@@ -1,0 +1,48 @@
+#pragma once
+
+#include "model/PayloadReader.hpp"
+#include "model/Status.hpp"
+
+#include <veltrasdk/i3c.h>
+
+#include <cstddef>
+#include <optional>
+
+namespace virtual_adapter {
+
+/// A Common Command Code as the host asks for it: the payload of 0x1909.
+class I3cCccCommand {
+public:
+    enum class Kind { Broadcast, Write, Read };
+
+    explicit I3cCccCommand(PayloadReader& request);
+
+    /// Whether the controller can send the command: the code is one that it knows, and the rest
+    /// is what the code calls for.
+    [[nodiscard]] Status status() const { return checked; }
+
+    [[nodiscard]] Kind kind() const;
+    [[nodiscard]] uint8_t address() const { return targetAddress; }
+    [[nodiscard]] CCC code() const { return static_cast<CCC>(commandCode); }
+    [[nodiscard]] std::optional<uint8_t> definingByte() const;
+    /// The number of bytes that a read asks for.
+    [[nodiscard]] size_t length() const { return lengthField; }
+    /// The bytes behind a broadcast code, one in the defining byte's place among them, or the
+    /// bytes written to a target.
+    [[nodiscard]] Bytes operands() const;
+    /// Which command this was, for the head of the response.
+    [[nodiscard]] Bytes echo() const { return {targetAddress, commandCode, definingByteField}; }
+
+private:
+    [[nodiscard]] Status check() const;
+
+    uint8_t targetAddress;
+    unsigned control;
+    size_t lengthField;
+    uint8_t commandCode;
+    uint8_t definingByteField;
+    Bytes data;
+    Status checked;
+};
+
+} // namespace virtual_adapter

@@ -1,0 +1,131 @@
+#include "model/I3cController.hpp"
+
+#include <algorithm>
+#include <utility>
+
+namespace virtual_adapter {
+
+void I3cController::setSupply(bool supplied) {
+    if (!supplied) {
+        targets.cyclePower();
+        table.clear();
+        controllerInitialised = false;
+        busInitialised = false;
+        held = false;
+    }
+    hasSupply = supplied;
+}
+
+void I3cController::init(const Settings& initial) {
+    settings = initial;
+    controllerInitialised = true;
+    resetBus();
+}
+
+Status I3cController::setParameters(const Settings& changed) {
+    if (!controllerInitialised) {
+        return Status::NotInitialised;
+    }
+    settings = changed;
+    return Status::Success;
+}
+
+Status I3cController::initialiseBus(const std::vector<I3cTargetInfo>& records) {
+    if (!controllerInitialised) {
+        return Status::NotInitialised;
+    }
+    const Status refused = table.check(records);
+    if (refused != Status::Success) {
+        return refused;
+    }
+    resetBus();
+    busInitialised = true;
+    return table.initialise(records);
+}
+
+Status I3cController::resetBus() {
+    if (!controllerInitialised) {
+        return Status::NotInitialised;
+    }
+    targets.legacy().getBus().stop();
+    for (I3cTarget* target : targets.powered()) {
+        target->disableEvents(I3cEvent::all);
+    }
+    table.clear();
+    hotJoinAdmitted = false;
+    busInitialised = false;
+    held = false;
+    return Status::Success;
+}
+
+Dispatcher::Handler I3cController::whenSupplied(Dispatcher::Handler handler) const {
+    return [this, handler = std::move(handler)](PayloadReader& request) {
+        return hasSupply ? handler(request) : Answer(Status::NoVoltage);
+    };
+}
+
+Dispatcher::Handler I3cController::whenInitialised(Dispatcher::Handler handler) const {
+    return whenSupplied([this, handler = std::move(handler)](PayloadReader& request) {
+        return busInitialised ? handler(request) : Answer(Status::NotInitialised);
+    });
+}
+
+bool I3cController::isHeardBy(const I3cTarget& target) const {
+    // The enumerators count from the fastest rate down.
+    return settings.pushPullRate >= target.characteristics().fastestRate;
+}
+
+bool I3cController::isHeardByLegacy(uint8_t address) const {
+    return I3cTargets::follows(address, static_cast<I2cTransferRate>(settings.i2cRate));
+}
+
+void I3cController::stop() {
+    held = false;
+    targets.legacy().getBus().stop();
+    serveRequests();
+}
+
+void I3cController::serveRequests() {
+    if (!held) {
+        serveHotJoin();
+        serveInterrupts();
+    }
+}
+
+void I3cController::serveHotJoin() {
+    if (!hotJoinAdmitted) {
+        return;
+    }
+    for (I3cTarget* target : targets.powered()) {
+        if (!target->requestsHotJoin()) {
+            continue;
+        }
+        table.assignAll();
+        if (target->dynamicAddress() == 0) {
+            continue;
+        }
+        const I3cCharacteristics& kind = target->characteristics();
+        Bytes payload(kind.pid.begin(), kind.pid.end());
+        payload.insert(payload.end(), {kind.bcr, kind.dcr, target->dynamicAddress()});
+        notifications.push(CommandCode::I3cHotJoinNotification, payload);
+    }
+}
+
+void I3cController::serveInterrupts() {
+    std::vector<I3cTarget*> contenders = targets.powered();
+    std::sort(contenders.begin(), contenders.end(),
+              [](const I3cTarget* left, const I3cTarget* right) {
+                  return left->dynamicAddress() < right->dynamicAddress();
+              });
+    for (I3cTarget* target : contenders) {
+        if (!target->requestsInterrupt() || !table.acceptsInterruptsOf(*target)) {
+            continue;
+        }
+        const Bytes raised = target->raiseInterrupt();
+        Bytes payload{target->dynamicAddress(), static_cast<uint8_t>(raised.size())};
+        payload.insert(payload.end(), raised.begin(), raised.end());
+        notifications.push(CommandCode::I3cIbiNotification, payload);
+    }
+}
+
+} // namespace virtual_adapter

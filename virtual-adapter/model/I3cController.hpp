@@ -1,0 +1,72 @@
+#pragma once
+
+#include "model/Dispatcher.hpp"
+#include "model/I3cDeviceTable.hpp"
+#include "model/NotificationQueue.hpp"
+
+#include <veltrasdk/i3c.h>
+
+namespace virtual_adapter {
+
+/// The I3C controller: its supply, its settings, its device table and the bus that it works on.
+class I3cController {
+public:
+    struct Settings {
+        uint8_t pushPullRate;
+        uint8_t openDrainRate;
+        uint8_t i2cRate;
+        uint8_t driveStrength;
+    };
+
+    explicit I3cController(NotificationQueue& notificationQueue)
+        : notifications(notificationQueue) {}
+
+    /// Switches the supply of the bus; without it nothing on the bus keeps its state.
+    void setSupply(bool supplied);
+    /// Switches the controller on; the bus waits for `initialiseBus`.
+    void init(const Settings& initial);
+    Status setParameters(const Settings& changed);
+    Status initialiseBus(const std::vector<I3cTargetInfo>& records);
+    /// Takes every dynamic address away; the bus waits for `initialiseBus`.
+    Status resetBus();
+
+    /// @p handler, refused with `NoVoltage` without the supply. The controller must outlive it.
+    [[nodiscard]] Dispatcher::Handler whenSupplied(Dispatcher::Handler handler) const;
+    /// @p handler, refused as well with `NotInitialised` before the bus is initialised.
+    [[nodiscard]] Dispatcher::Handler whenInitialised(Dispatcher::Handler handler) const;
+
+    I3cTargets& getTargets() { return targets; }
+    I3cDeviceTable& getTable() { return table; }
+
+    /// Whether the push-pull rate is one that the target follows.
+    [[nodiscard]] bool isHeardBy(const I3cTarget& target) const;
+    /// Whether a legacy device answers to the address at the rate of legacy transfers.
+    [[nodiscard]] bool isHeardByLegacy(uint8_t address) const;
+
+    /// Whether targets may join the running bus.
+    void admitHotJoin(bool admitted) { hotJoinAdmitted = admitted; }
+
+    /// Leaves the bus held: the next transfer begins with a repeated START.
+    void hold() { held = true; }
+    /// Sends a STOP. On the free bus the targets raise what they have pending.
+    void stop();
+
+    /// Lets targets join and raise their interrupts, unless the bus is held.
+    void serveRequests();
+
+private:
+    void serveHotJoin();
+    void serveInterrupts();
+
+    NotificationQueue& notifications;
+    I3cTargets targets;
+    I3cDeviceTable table{targets};
+    Settings settings{};
+    bool hasSupply = false;
+    bool controllerInitialised = false;
+    bool busInitialised = false;
+    bool hotJoinAdmitted = false;
+    bool held = false;
+};
+
+} // namespace virtual_adapter

@@ -1,0 +1,115 @@
+#include "model/i3c_bus.hpp"
+
+#include "model/checks.hpp"
+#include "model/i3c_records.hpp"
+
+namespace virtual_adapter {
+
+namespace {
+
+constexpr unsigned lowestMillivolts = 1000;
+constexpr unsigned highestMillivolts = 3300;
+
+/// The payload of 0x1901 and 0x1902.
+struct SettingsRequest {
+    explicit SettingsRequest(PayloadReader& request)
+        : settings{request.u8(), request.u8(), request.u8(), request.u8()},
+          status(check(request, settings.pushPullRate <= I3cPushPullRate_1_MHz &&
+                                    settings.openDrainRate <= I3cOpenDrainTransferRate_0_4_MHz &&
+                                    settings.i2cRate <= I2cTransferRate_0_1_MHz &&
+                                    settings.driveStrength <= I3cDriveStrength_12_mA)) {}
+
+    I3cController::Settings settings;
+    Status status;
+};
+
+} // namespace
+
+void I3cBusSetup::registerCommands(Dispatcher& dispatcher) {
+    dispatcher.on(CommandCode::I3cSetBusVoltage,
+                  [this](auto& request) { return setVoltage(request); });
+    const auto onSupplied = [&](CommandCode command,
+                                Answer (I3cBusSetup::*handler)(PayloadReader&)) {
+        dispatcher.on(command, controller.whenSupplied([this, handler](PayloadReader& request) {
+            return (this->*handler)(request);
+        }));
+    };
+    onSupplied(CommandCode::I3cControllerInit, &I3cBusSetup::controllerInit);
+    onSupplied(CommandCode::I3cSetParameters, &I3cBusSetup::setParameters);
+    onSupplied(CommandCode::I3cInitBus, &I3cBusSetup::initBus);
+    onSupplied(CommandCode::I3cResetBus, &I3cBusSetup::resetBus);
+
+    dispatcher.on(
+        CommandCode::I3cSetTargetDeviceConfiguration,
+        controller.whenInitialised([this](auto& request) { return configureTarget(request); }));
+    const auto table =
+        controller.whenInitialised([this](auto& request) { return getDeviceTable(request); });
+    dispatcher.on(CommandCode::I3cGetDeviceTable, [table](auto& request) {
+        const Answer answer = table(request);
+        // A refusal counts no records for readers that ignore the status.
+        return answer.status == Status::Success ? answer : Answer(answer.status, Bytes{0});
+    });
+}
+
+Answer I3cBusSetup::setVoltage(PayloadReader& request) {
+    const unsigned millivolts = request.u16();
+    const bool off = millivolts == 0;
+    const Status status =
+        check(request, off || (millivolts >= lowestMillivolts && millivolts <= highestMillivolts));
+    if (status == Status::Success) {
+        controller.setSupply(!off);
+    }
+    return status;
+}
+
+Answer I3cBusSetup::controllerInit(PayloadReader& request) {
+    const SettingsRequest wanted(request);
+    if (wanted.status == Status::Success) {
+        controller.init(wanted.settings);
+    }
+    return wanted.status;
+}
+
+Answer I3cBusSetup::setParameters(PayloadReader& request) {
+    const SettingsRequest wanted(request);
+    return wanted.status == Status::Success ? controller.setParameters(wanted.settings)
+                                            : wanted.status;
+}
+
+Answer I3cBusSetup::initBus(PayloadReader& request) {
+    std::vector<I3cTargetInfo> records(request.u8());
+    for (I3cTargetInfo& record : records) {
+        record = readI3cRecord(request);
+    }
+    return request.consumedExactly() ? controller.initialiseBus(records) : Status::MalformedRequest;
+}
+
+Answer I3cBusSetup::resetBus(PayloadReader& request) {
+    return request.consumedExactly() ? controller.resetBus() : Status::MalformedRequest;
+}
+
+Answer I3cBusSetup::getDeviceTable(PayloadReader& request) {
+    if (!request.consumedExactly()) {
+        return Status::MalformedRequest;
+    }
+    const std::vector<I3cTargetInfo> records = controller.getTable().records();
+    Bytes payload{static_cast<uint8_t>(records.size())};
+    for (const I3cTargetInfo& record : records) {
+        appendI3cRecord(payload, record);
+    }
+    return {Status::Success, payload};
+}
+
+Answer I3cBusSetup::configureTarget(PayloadReader& request) {
+    const uint8_t address = request.u8();
+    const uint8_t configuration = request.u8();
+    if (!request.consumedExactly()) {
+        return Status::MalformedRequest;
+    }
+    const Status status = controller.getTable().configure(address, configuration);
+    // An interrupt that was refused may be acceptable now.
+    controller.serveRequests();
+    return status;
+}
+
+} // namespace virtual_adapter
