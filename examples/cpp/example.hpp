@@ -1,0 +1,28 @@
+// What the C++ examples share: connecting, and saying what to do when that fails.
+#pragma once
+
+#include <veltrasdk/VeltraSDK.hpp>
+
+#include <iomanip>
+#include <iostream>
+
+/// Connects to the first adapter, or explains and returns false.
+inline bool connectOrExplain(VeltraSDK& sdk) {
+    if (sdk.connect("")) {
+        return true;
+    }
+    std::cerr << "No adapter found, or it cannot be opened.\n"
+                 "  - Is it plugged in? `lsusb` should list it.\n"
+                 "  - May you open it? Install the udev rule (see the README), then replug.\n"
+                 "  - No hardware at hand? Run this under `veltra-virtual-adapter run -- ...`.\n";
+    return false;
+}
+
+/// Prints what failed and with which result code; returns whether the result is success.
+inline bool succeeded(const char* operation, uint16_t result) {
+    if (result != ResultCode_Success) {
+        std::cerr << operation << " failed with 0x" << std::hex << std::uppercase
+                  << std::setfill('0') << std::setw(4) << result << std::dec << '\n';
+    }
+    return result == ResultCode_Success;
+}

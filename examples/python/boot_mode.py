@@ -1,0 +1,8 @@
+#!/usr/bin/env python3
+"""Sends the adapter into its boot mode, where it waits for new firmware."""
+
+from veltrasdk import Adapter
+
+with Adapter() as adapter:
+    adapter.call("EnterBootMode")
+    print("The adapter has left its application firmware; the link is closed.")

@@ -1,0 +1,94 @@
+"""What the Python examples share: the library loaded with ctypes, and one class over it.
+
+Only the standard library is used. Every function of <veltrasdk/veltrasdk.h> can be called as
+`library.VeltraSDK_...`; the ones that the examples need are declared here.
+"""
+
+import ctypes
+import sys
+
+library = ctypes.CDLL("libveltrasdk.so.1")
+_cxx_runtime = ctypes.CDLL("libstdc++.so.6")
+
+Handle = ctypes.c_void_p
+
+
+class DeviceInfoRecord(ctypes.Structure):
+    """VeltraSDK_DeviceInfo: five strings, each with its length."""
+
+    _fields_ = [
+        field
+        for index in range(1, 6)
+        for field in (
+            (f"usbString{index}", ctypes.c_void_p),
+            (f"usbString{index}Length", ctypes.c_size_t),
+        )
+    ]
+
+
+library.VeltraSDK_Create.restype = Handle
+library.VeltraSDK_Create.argtypes = [ctypes.c_int32]
+library.VeltraSDK_Destroy.restype = None
+library.VeltraSDK_Destroy.argtypes = [Handle]
+library.VeltraSDK_GetVersion.restype = ctypes.c_char_p
+library.VeltraSDK_Connect.restype = ctypes.c_bool
+library.VeltraSDK_Connect.argtypes = [Handle, ctypes.c_char_p]
+library.VeltraSDK_GetDeviceInfo.restype = ctypes.c_int16
+library.VeltraSDK_GetDeviceInfo.argtypes = [Handle, ctypes.POINTER(DeviceInfoRecord)]
+library.VeltraSDK_EnterBootMode.restype = ctypes.c_int16
+library.VeltraSDK_EnterBootMode.argtypes = [Handle]
+
+# The array form of operator delete, which releases the strings of a DeviceInfoRecord.
+_cxx_runtime._ZdaPv.restype = None
+_cxx_runtime._ZdaPv.argtypes = [ctypes.c_void_p]
+
+
+class AdapterError(Exception):
+    """An operation that returned a nonzero result code."""
+
+    def __init__(self, operation, result):
+        super().__init__(f"{operation} failed with 0x{result & 0xFFFF:04X}")
+        self.result = result & 0xFFFF
+
+
+class Adapter:
+    """A connected handle; use it in a `with` statement."""
+
+    def __init__(self, timeout_ms=1000):
+        self.handle = library.VeltraSDK_Create(timeout_ms)
+        if not library.VeltraSDK_Connect(self.handle, None):
+            self.close()
+            sys.exit(
+                "No adapter found, or it cannot be opened.\n"
+                "  - Is it plugged in? `lsusb` should list it.\n"
+                "  - May you open it? Install the udev rule (see the README), then replug.\n"
+                "  - No hardware at hand? Run this under `veltra-virtual-adapter run -- ...`."
+            )
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.close()
+
+    def close(self):
+        library.VeltraSDK_Destroy(self.handle)
+        self.handle = None
+
+    def call(self, operation, *arguments):
+        """Calls VeltraSDK_<operation> and raises AdapterError on a nonzero result."""
+        result = getattr(library, "VeltraSDK_" + operation)(self.handle, *arguments)
+        if result != 0:
+            raise AdapterError(operation, result)
+
+    def device_info(self):
+        """The five identity strings, as bytes."""
+        record = DeviceInfoRecord()
+        self.call("GetDeviceInfo", ctypes.byref(record))
+        strings = []
+        for index in range(1, 6):
+            pointer = getattr(record, f"usbString{index}")
+            length = getattr(record, f"usbString{index}Length")
+            strings.append(ctypes.string_at(pointer, length))
+            _cxx_runtime._ZdaPv(pointer)
+        return strings
