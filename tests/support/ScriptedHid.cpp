@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <iterator>
 #include <memory>
 #include <utility>
 
@@ -24,6 +25,10 @@ struct Node {
     std::string path;
     std::wstring serialNumber;
 };
+
+void moveTo(std::deque<Bytes>& input, std::vector<Bytes> reports) {
+    std::move(reports.begin(), reports.end(), std::back_inserter(input));
+}
 
 } // namespace
 
@@ -46,7 +51,7 @@ ScriptedHid::ScriptedHid() {
 }
 
 ScriptedHid::~ScriptedHid() {
-    EXPECT_EQ(opened, 0U) << "a device was opened and not closed";
+    EXPECT_EQ(opened.size(), 0U) << "a device was opened and not closed";
     EXPECT_EQ(listsOut, 0U) << "an enumeration was not freed";
     EXPECT_EQ(initialised, exited) << "hid_init and hid_exit were not called in pairs";
     EXPECT_TRUE(script.empty()) << script.size() << " expected writes were not made; the next is"
@@ -81,10 +86,20 @@ void ScriptedHid::expectWrites(std::vector<Bytes> reports, std::vector<Bytes> an
     }
 }
 
+void ScriptedHid::respond(std::function<std::vector<Bytes>(const Bytes&)> newResponder) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    responder = std::move(newResponder);
+}
+
 void ScriptedHid::deliver(Bytes report) {
     const std::lock_guard<std::mutex> lock(mutex);
     input.push_back(std::move(report));
-    readerIsWaiting = false;
+    changed.notify_all();
+}
+
+void ScriptedHid::deliverEndlessly(std::optional<Bytes> report) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    endlessInput = std::move(report);
     changed.notify_all();
 }
 
@@ -126,7 +141,7 @@ std::string ScriptedHid::openedPath() const {
 
 size_t ScriptedHid::openDevices() const {
     const std::lock_guard<std::mutex> lock(mutex);
-    return opened;
+    return opened.size();
 }
 
 size_t ScriptedHid::initCalls() const {
@@ -150,21 +165,40 @@ int ScriptedHid::lastReadTimeout() const {
 }
 
 template <typename Condition>
-bool ScriptedHid::waitUntil(Condition condition) const {
+bool ScriptedHid::waitUntil(Condition condition, int limitMs) const {
     std::unique_lock<std::mutex> lock(mutex);
-    return changed.wait_for(lock, std::chrono::milliseconds(generousLimitMs), condition);
+    return changed.wait_for(lock, std::chrono::milliseconds(limitMs), condition);
 }
 
 bool ScriptedHid::waitForWrites(size_t count) const {
     return waitUntil([&] { return written.size() >= count; });
 }
 
-bool ScriptedHid::waitForReads(size_t count) const {
-    return waitUntil([&] { return reads >= count; });
+bool ScriptedHid::waitForReads(size_t count, int limitMs) const {
+    return waitUntil([&] { return reads >= count; }, limitMs);
 }
 
 bool ScriptedHid::waitUntilDrained() const {
-    return waitUntil([&] { return input.empty() && readerIsWaiting; });
+    return waitUntil([&] {
+        return input.empty() && std::all_of(opened.begin(), opened.end(), [](const auto& device) {
+                   return device.input.empty() && device.readerIsWaiting;
+               });
+    });
+}
+
+ScriptedHid::OpenDevice* ScriptedHid::find(const void* device) {
+    const auto found = std::find_if(opened.begin(), opened.end(), [&](const OpenDevice& candidate) {
+        return &candidate == device;
+    });
+    if (found == opened.end()) {
+        ADD_FAILURE() << "a device that is not open was used";
+        return nullptr;
+    }
+    return &*found;
+}
+
+bool ScriptedHid::isReadable(const OpenDevice& device) const {
+    return !device.input.empty() || !input.empty() || endlessInput.has_value();
 }
 
 int ScriptedHid::init() {
@@ -216,55 +250,63 @@ void* ScriptedHid::openPath(const char* path) {
     if (openingFails) {
         return nullptr;
     }
-    ++opened;
     lastOpenedPath = path;
-    return this;
+    return &opened.emplace_back();
 }
 
 void ScriptedHid::close(void* device) {
     const std::lock_guard<std::mutex> lock(mutex);
-    EXPECT_EQ(device, this);
-    --opened;
+    const OpenDevice* const closed = find(device);
+    opened.remove_if([&](const OpenDevice& candidate) { return &candidate == closed; });
 }
 
-int ScriptedHid::write(const uint8_t* data, size_t length) {
+int ScriptedHid::write(void* device, const uint8_t* data, size_t length) {
     const std::lock_guard<std::mutex> lock(mutex);
+    OpenDevice* const target = find(device);
+    if (target == nullptr) {
+        return -1;
+    }
     Bytes report(data, data + length);
-    if (scripted) {
-        if (script.empty()) {
-            ADD_FAILURE() << "a write that nothing expects:" << hexDump(report);
-        } else {
-            EXPECT_TRUE(report == script.front().report)
-                << "expected:" << hexDump(script.front().report) << "\nseen:" << hexDump(report);
-            for (Bytes& answer : script.front().answers) {
-                input.push_back(std::move(answer));
-                readerIsWaiting = false;
-            }
-            script.pop_front();
-        }
+    if (!script.empty()) {
+        EXPECT_TRUE(report == script.front().report)
+            << "expected:" << hexDump(script.front().report) << "\nseen:" << hexDump(report);
+        moveTo(target->input, std::move(script.front().answers));
+        script.pop_front();
+    } else if (responder) {
+        moveTo(target->input, responder(report));
+    } else if (scripted) {
+        ADD_FAILURE() << "a write that nothing expects:" << hexDump(report);
     }
     written.push_back(std::move(report));
     changed.notify_all();
     return writingResult.value_or(static_cast<int>(length));
 }
 
-int ScriptedHid::readTimeout(uint8_t* data, size_t length, int milliseconds) {
+int ScriptedHid::readTimeout(void* device, uint8_t* data, size_t length, int milliseconds) {
     std::unique_lock<std::mutex> lock(mutex);
+    OpenDevice* const source = find(device);
+    if (source == nullptr) {
+        return -1;
+    }
     ++reads;
     readLength = length;
     readTimeoutMs = milliseconds;
-    readerIsWaiting = input.empty();
+    source->readerIsWaiting = !isReadable(*source);
     changed.notify_all();
     changed.wait_for(lock, std::chrono::milliseconds(std::min(milliseconds, longestReadMs)),
-                     [&] { return readingFails || !input.empty(); });
+                     [&] { return readingFails || isReadable(*source); });
     if (readingFails) {
         return -1;
     }
-    if (input.empty()) {
+    if (!isReadable(*source)) {
         return 0;
     }
-    const Bytes report = std::move(input.front());
-    input.pop_front();
+    source->readerIsWaiting = false;
+    std::deque<Bytes>& queue = source->input.empty() ? input : source->input;
+    const Bytes report = queue.empty() ? *endlessInput : queue.front();
+    if (!queue.empty()) {
+        queue.pop_front();
+    }
     const size_t count = std::min(report.size(), length);
     std::copy_n(report.begin(), count, data);
     return static_cast<int>(count);
@@ -302,12 +344,12 @@ void hid_close(hid_device* device) {
     ScriptedHid::instance().close(device);
 }
 
-int hid_write(hid_device* /*device*/, const unsigned char* data, size_t length) {
-    return ScriptedHid::instance().write(data, length);
+int hid_write(hid_device* device, const unsigned char* data, size_t length) {
+    return ScriptedHid::instance().write(device, data, length);
 }
 
-int hid_read_timeout(hid_device* /*device*/, unsigned char* data, size_t length, int milliseconds) {
-    return ScriptedHid::instance().readTimeout(data, length, milliseconds);
+int hid_read_timeout(hid_device* device, unsigned char* data, size_t length, int milliseconds) {
+    return ScriptedHid::instance().readTimeout(device, data, length, milliseconds);
 }
 
 } // extern "C"

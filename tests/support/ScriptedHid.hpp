@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <functional>
+#include <list>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -49,8 +51,14 @@ public:
     /// Expects the writes of a long message and answers the last of them.
     void expectWrites(std::vector<Bytes> reports, std::vector<Bytes> answers);
 
-    /// Makes an input report readable now.
+    /// Answers every write that no script expects with what @p responder makes of it.
+    void respond(std::function<std::vector<Bytes>(const Bytes& report)> responder);
+
+    /// Makes an input report readable now, also before a device is open. Where several are open,
+    /// one of them reads it; an answer is read by the device that was written to.
     void deliver(Bytes report);
+    /// Makes every read that finds nothing else return @p report at once; nothing ends that.
+    void deliverEndlessly(std::optional<Bytes> report);
 
     void failOpening(bool fail);
     /// What hid_write returns instead of the number of bytes; nothing for success.
@@ -75,7 +83,7 @@ public:
     /// Waits until so many writes were made. Returns false at the generous limit.
     [[nodiscard]] bool waitForWrites(size_t count) const;
     /// Waits until so many reads were begun.
-    [[nodiscard]] bool waitForReads(size_t count) const;
+    [[nodiscard]] bool waitForReads(size_t count, int limitMs = generousLimitMs) const;
     /// Waits until every delivered report was read and the reader has come back for more, that is
     /// until everything delivered so far was handled.
     [[nodiscard]] bool waitUntilDrained() const;
@@ -87,8 +95,8 @@ public:
     void freeEnumeration(void* list);
     void* openPath(const char* path);
     void close(void* device);
-    int write(const uint8_t* data, size_t length);
-    int readTimeout(uint8_t* data, size_t length, int milliseconds);
+    int write(void* device, const uint8_t* data, size_t length);
+    int readTimeout(void* device, uint8_t* data, size_t length, int milliseconds);
 
 private:
     struct ExpectedWrite {
@@ -96,24 +104,35 @@ private:
         std::vector<Bytes> answers;
     };
 
+    /// What a hid_device pointer points to.
+    struct OpenDevice {
+        std::deque<Bytes> input;
+        bool readerIsWaiting = false;
+    };
+
+    /// The open device behind a pointer that the library hands back, or null and a failed test.
+    OpenDevice* find(const void* device);
+    [[nodiscard]] bool isReadable(const OpenDevice& device) const;
+
     template <typename Condition>
-    bool waitUntil(Condition condition) const;
+    bool waitUntil(Condition condition, int limitMs = generousLimitMs) const;
 
     mutable std::mutex mutex;
     mutable std::condition_variable changed;
     std::vector<ScriptedDevice> devices;
     std::deque<ExpectedWrite> script;
     bool scripted = false;
+    std::function<std::vector<Bytes>(const Bytes&)> responder;
     std::deque<Bytes> input;
+    std::optional<Bytes> endlessInput;
     std::vector<Bytes> written;
     bool openingFails = false;
     std::optional<int> writingResult;
     bool readingFails = false;
-    bool readerIsWaiting = false;
+    std::list<OpenDevice> opened;
     size_t reads = 0;
     size_t enumerations = 0;
     size_t listsOut = 0;
-    size_t opened = 0;
     size_t initialised = 0;
     size_t exited = 0;
     size_t readLength = 0;
