@@ -22,7 +22,8 @@ Bytes Model::output(const Bytes& packet) const {
 std::vector<Bytes> Model::inputs(const Bytes& message) const {
     const size_t capacity = reportSize - 2;
     std::vector<Bytes> reports;
-    for (size_t offset = 0; offset < message.size(); offset += capacity) {
+    size_t offset = 0;
+    do {
         const size_t length = std::min(capacity, message.size() - offset);
         const unsigned first = offset == 0 ? 1 : 0;
         const unsigned last = offset + length == message.size() ? 2 : 0;
@@ -31,7 +32,8 @@ std::vector<Bytes> Model::inputs(const Bytes& message) const {
         const auto payload = message.begin() + static_cast<std::ptrdiff_t>(offset);
         packet.insert(packet.end(), payload, payload + static_cast<std::ptrdiff_t>(length));
         reports.push_back(input(packet));
-    }
+        offset += length;
+    } while (offset < message.size());
     return reports;
 }
 

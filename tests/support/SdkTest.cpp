@@ -1,5 +1,7 @@
 #include "support/SdkTest.hpp"
 
+#include <utility>
+
 namespace test_support {
 
 SdkTest::SdkTest() {
@@ -36,6 +38,28 @@ void SdkTest::onWire(const Bytes& requestPacket) {
 
 void SdkTest::onWireLong(const Bytes& request, const Bytes& response) {
     hid.expectWrites(GetParam().outputs(request), GetParam().inputs(response));
+}
+
+void SdkTest::withEveryTruncation(Bytes request, Bytes response,
+                                  const std::function<void(const Bytes& received)>& operation) {
+    constexpr size_t shortestFrame = 6;
+    for (size_t length = response.size() + 1; length-- > 0;) {
+        SCOPED_TRACE("the first " + std::to_string(length) + " bytes of the response");
+        const bool dropped = length < shortestFrame;
+        Bytes truncation = response;
+        truncation.resize(length);
+        std::vector<Bytes> answers = GetParam().inputs(truncation);
+        if (dropped) {
+            const std::vector<Bytes> whole = GetParam().inputs(response);
+            answers.insert(answers.end(), whole.begin(), whole.end());
+            truncation = response;
+        }
+        hid.expectWrites(GetParam().outputs(request), std::move(answers));
+        truncation.resize(response.size());
+        operation(truncation);
+        ++request[0];
+        ++response[0];
+    }
 }
 
 void SdkTest::expectNothingSent() const {

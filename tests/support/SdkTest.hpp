@@ -6,14 +6,18 @@
 #include <veltrasdk/VeltraSDK.hpp>
 #include <veltrasdk/veltrasdk.h>
 
+#include <functional>
+#include <memory>
+
 namespace test_support {
 
 /// A blocking object and a C handle over one scripted adapter, both connected, each with its own
 /// transaction identifiers: the first request of either carries identifier 1. The fixture runs on
 /// both models.
 ///
-///     onWire({0x17, 0x00, 0x01, 0x00, 0x03, 0x14, 0x05}, {0x1F, 0x00, 0x01, 0x00, 0x03, 0x14,
-///     ...}); EXPECT_EQ(sdk().gpioDigitalRead(GpioPinNumber_5, level), 0);
+///     onWire({0x17, 0x00, 0x01, 0x00, 0x03, 0x14, 0x05},
+///            {0x1F, 0x00, 0x01, 0x00, 0x03, 0x14, 0x00, 0x00, 0x01});
+///     EXPECT_EQ(sdk().gpioDigitalRead(GpioPinNumber_5, level), 0);
 class SdkTest : public testing::TestWithParam<Model> {
 protected:
     SdkTest();
@@ -30,6 +34,15 @@ protected:
     void onWire(const Bytes& requestPacket);
     /// Expects a request and answers it with a message that may take several packets.
     void onWireLong(const Bytes& request, const Bytes& response);
+
+    /// Runs an operation once for every truncation of its response, from the whole frame down to
+    /// none of its bytes, and hands it the frame that it has to behave as if it had received: the
+    /// truncation with zeros in place of what is missing. A truncation without a whole header and
+    /// status is dropped, so the whole response follows it.
+    ///
+    /// @p request and @p response are frames with identifier 1; the later ones count on from it.
+    void withEveryTruncation(Bytes request, Bytes response,
+                             const std::function<void(const Bytes& received)>& operation);
 
     /// Checks that no request has left the host.
     void expectNothingSent() const;
