@@ -8,7 +8,6 @@ import ctypes
 import sys
 
 library = ctypes.CDLL("libveltrasdk.so.1")
-_cxx_runtime = ctypes.CDLL("libstdc++.so.6")
 
 Handle = ctypes.c_void_p
 
@@ -38,9 +37,10 @@ library.VeltraSDK_GetDeviceInfo.argtypes = [Handle, ctypes.POINTER(DeviceInfoRec
 library.VeltraSDK_EnterBootMode.restype = ctypes.c_int16
 library.VeltraSDK_EnterBootMode.argtypes = [Handle]
 
-# The array form of operator delete, which releases the strings of a DeviceInfoRecord.
-_cxx_runtime._ZdaPv.restype = None
-_cxx_runtime._ZdaPv.argtypes = [ctypes.c_void_p]
+# The array form of operator delete, which releases the strings of a DeviceInfoRecord; it comes from
+# the C++ runtime that the library depends on.
+library._ZdaPv.restype = None
+library._ZdaPv.argtypes = [ctypes.c_void_p]
 
 
 class AdapterError(Exception):
@@ -90,5 +90,5 @@ class Adapter:
             pointer = getattr(record, f"usbString{index}")
             length = getattr(record, f"usbString{index}Length")
             strings.append(ctypes.string_at(pointer, length))
-            _cxx_runtime._ZdaPv(pointer)
+            library._ZdaPv(pointer)
         return strings

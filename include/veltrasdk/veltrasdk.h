@@ -74,8 +74,8 @@ typedef struct VeltraSDK_Handle VeltraSDK_Handle;
  * - C: the array form of operator delete, which the C++ runtime that the library brings along
  *   exports as `_ZdaPv`: declare `void _ZdaPv(void*);`, call `_ZdaPv(info.usbString1);` and link
  *   with `-lstdc++`.
- * - Python: `ctypes.CDLL("libstdc++.so.6")._ZdaPv(pointer)`, with `argtypes` set to
- *   `[ctypes.c_void_p]`.
+ * - Python: `library._ZdaPv(pointer)`, where `library` is the ctypes.CDLL of this library, whose
+ *   dependencies are searched too, and `library._ZdaPv.argtypes` is `[ctypes.c_void_p]`.
  *
  * Do not release them with free().
  */
