@@ -1,8 +1,12 @@
+#include "attach.hpp"
 #include "run.hpp"
+#include "serve.hpp"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <iostream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -17,7 +21,14 @@ int main(int argc, char** argv) {
     app.set_version_flag("--version", VELTRASDK_VERSION);
     app.require_subcommand(1);
     virtual_adapter::addRunCommand(app, program);
+    virtual_adapter::addServeCommand(app);
+    virtual_adapter::addAttachCommand(app);
 
-    CLI11_PARSE(app, static_cast<int>(separator - argv), argv);
+    try {
+        CLI11_PARSE(app, static_cast<int>(separator - argv), argv);
+    } catch (const std::runtime_error& error) {
+        std::cerr << "veltra-virtual-adapter: " << error.what() << std::endl;
+        return 1;
+    }
     return 0;
 }

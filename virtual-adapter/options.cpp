@@ -21,4 +21,10 @@ void addAdapterOptions(CLI::App& command, AdapterSettings& settings) {
     }
 }
 
+void requireFaultOfAdapter(const AdapterSettings& settings) {
+    if (isHostFault(settings.fault.kind)) {
+        throw CLI::ValidationError("--fault", "this one is the host's; only 'run' has it");
+    }
+}
+
 } // namespace virtual_adapter

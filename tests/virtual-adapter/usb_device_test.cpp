@@ -21,7 +21,7 @@ Bytes string3Report() {
 class UsbDeviceTest : public testing::Test {
 protected:
     explicit UsbDeviceTest(const Fault& fault = {})
-        : device(fullSpeed, "VA-01", fault,
+        : device({fullSpeed, "VA-01", fault},
                  [this](UsbResult result) { results.push_back(std::move(result)); }) {
         control(0, {0x00, 0x09, 1, 0, 0, 0, 0, 0});
         results.clear();
@@ -151,6 +151,18 @@ TEST_F(UsbDeviceTest, OutputWaitsWhileItIsNotAccepted) {
     EXPECT_TRUE(device.cancel(2));
     device.acceptOutput(true, start);
     EXPECT_EQ(outcomes(), (Outcomes{{1, UsbStatus::Completed}}));
+}
+
+TEST_F(UsbDeviceTest, OutputWaitsWhileTheHostReadsNoAnswers) {
+    // A host that only writes must not fill the adapter's memory.
+    constexpr uint64_t writes = 5000;
+    for (uint64_t id = 1; id <= writes; ++id) {
+        write(id, askForString3);
+    }
+    const size_t taken = results.size();
+    EXPECT_LT(taken, writes);
+    read(writes + 1);
+    EXPECT_EQ(results.size(), taken + 2) << "the answer and the next write";
 }
 
 TEST_F(UsbDeviceTest, UnpluggingEndsEveryTransfer) {

@@ -35,6 +35,9 @@ public:
     /// When the oldest input report's time comes; nothing while there is none.
     [[nodiscard]] std::optional<Time> nextInputDue() const;
 
+    /// How many input reports are waiting to be taken.
+    [[nodiscard]] size_t inputReportCount() const { return inputReports.size(); }
+
     /// Whether the adapter can be found. Unplugging and boot mode make it leave for good.
     [[nodiscard]] bool isOnBus() const { return !unplugged && !adapter.inBootMode(); }
 

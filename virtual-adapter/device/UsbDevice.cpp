@@ -9,6 +9,10 @@ namespace {
 
 constexpr uint8_t endpointNumberMask = 0x0F;
 
+/// With more answers than these unread, the adapter takes no request. The longest answer has 1057
+/// reports.
+constexpr size_t mostUnreadReports = 4096;
+
 bool erase(std::deque<UsbTransfer>& transfers, uint64_t id) {
     const auto found = std::find_if(transfers.begin(), transfers.end(),
                                     [=](const UsbTransfer& transfer) { return transfer.id == id; });
@@ -21,10 +25,9 @@ bool erase(std::deque<UsbTransfer>& transfers, uint64_t id) {
 
 } // namespace
 
-UsbDevice::UsbDevice(const UsbIdentity& identity, const std::string& serialNumber,
-                     const Fault& fault, std::function<void(UsbResult)> receiver)
-    : link(identity.model, serialNumber, fault),
-      control(identity, serialNumber),
+UsbDevice::UsbDevice(const AdapterSettings& settings, std::function<void(UsbResult)> receiver)
+    : link(settings.identity.model, settings.serialNumber, settings.fault),
+      control(settings.identity, settings.serialNumber),
       completed(std::move(receiver)) {}
 
 void UsbDevice::submit(UsbTransfer transfer, Time now) {
@@ -36,10 +39,8 @@ void UsbDevice::submit(UsbTransfer transfer, Time now) {
         end(transfer, UsbStatus::Stalled);
     } else if (transfer.endpointAddress == inEndpointAddress) {
         pendingInput.push_back(std::move(transfer));
-    } else if (!acceptsOutput) {
-        pendingOutput.push_back(std::move(transfer));
     } else {
-        output(transfer, now);
+        pendingOutput.push_back(std::move(transfer));
     }
     serve(now);
 }
@@ -49,12 +50,12 @@ bool UsbDevice::cancel(uint64_t id) {
 }
 
 void UsbDevice::serve(Time now) {
+    do {
+        while (isOnBus() && serveOneInput(now)) {
+        }
+    } while (isOnBus() && serveOneOutput(now));
     if (!isOnBus()) {
         unplug();
-        return;
-    }
-    while (!pendingInput.empty() && input(pendingInput.front(), now)) {
-        pendingInput.pop_front();
     }
 }
 
@@ -64,10 +65,6 @@ std::optional<UsbDevice::Time> UsbDevice::nextDue() const {
 
 void UsbDevice::acceptOutput(bool accept, Time now) {
     acceptsOutput = accept;
-    while (acceptsOutput && isOnBus() && !pendingOutput.empty()) {
-        output(pendingOutput.front(), now);
-        pendingOutput.pop_front();
-    }
     serve(now);
 }
 
@@ -94,19 +91,27 @@ void UsbDevice::submitControl(const UsbTransfer& transfer, Time now) {
     end(transfer, UsbStatus::Completed, length, std::move(*reply));
 }
 
-void UsbDevice::output(const UsbTransfer& transfer, Time now) {
+bool UsbDevice::serveOneOutput(Time now) {
+    if (pendingOutput.empty() || !acceptsOutput || link.inputReportCount() > mostUnreadReports) {
+        return false;
+    }
+    const UsbTransfer transfer = std::move(pendingOutput.front());
+    pendingOutput.pop_front();
     if (link.writeReport(transfer.data, now)) {
         end(transfer, UsbStatus::Completed, transfer.data.size());
     } else {
         end(transfer, link.isOnBus() ? UsbStatus::Stalled : UsbStatus::Unplugged);
     }
+    return true;
 }
 
-bool UsbDevice::input(const UsbTransfer& transfer, Time now) {
-    std::optional<Bytes> report = link.takeInputReport(now);
+bool UsbDevice::serveOneInput(Time now) {
+    std::optional<Bytes> report = pendingInput.empty() ? std::nullopt : link.takeInputReport(now);
     if (!report) {
         return false;
     }
+    const UsbTransfer transfer = std::move(pendingInput.front());
+    pendingInput.pop_front();
     if (report->size() > transfer.length) {
         end(transfer, UsbStatus::Overflowed);
     } else {

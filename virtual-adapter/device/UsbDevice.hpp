@@ -1,6 +1,7 @@
 #pragma once
 
 #include "device/AdapterLink.hpp"
+#include "device/AdapterSettings.hpp"
 #include "device/UsbControl.hpp"
 
 #include <cstdint>
@@ -54,8 +55,7 @@ class UsbDevice {
 public:
     using Time = AdapterLink::Time;
 
-    UsbDevice(const UsbIdentity& identity, const std::string& serialNumber, const Fault& fault,
-              std::function<void(UsbResult)> receiver);
+    UsbDevice(const AdapterSettings& settings, std::function<void(UsbResult)> receiver);
 
     /// Starts a transfer. It ends at once or stays pending until the device can serve it.
     void submit(UsbTransfer transfer, Time now);
@@ -63,7 +63,7 @@ public:
     /// Takes a pending transfer back, which then has no result. Returns whether it was pending.
     bool cancel(uint64_t id);
 
-    /// Ends the transfers that were waiting for input reports whose time has come.
+    /// Ends the transfers whose time has come.
     void serve(Time now);
 
     /// When to call `serve` although nothing was submitted; nothing while there is no need.
@@ -79,8 +79,8 @@ public:
 
 private:
     void submitControl(const UsbTransfer& transfer, Time now);
-    void output(const UsbTransfer& transfer, Time now);
-    bool input(const UsbTransfer& transfer, Time now);
+    bool serveOneInput(Time now);
+    bool serveOneOutput(Time now);
     [[nodiscard]] bool isUsable(uint8_t endpointAddress) const;
     void end(const UsbTransfer& transfer, UsbStatus status, size_t actualLength = 0,
              Bytes data = {});

@@ -1,0 +1,54 @@
+#include "attach.hpp"
+
+#include "attach/TerminationSignals.hpp"
+#include "attach/UsbIpServer.hpp"
+#include "attach/Vhci.hpp"
+#include "options.hpp"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+
+#include <array>
+#include <cerrno>
+#include <iostream>
+#include <memory>
+#include <sys/socket.h>
+#include <system_error>
+
+namespace virtual_adapter {
+
+namespace {
+
+void attach(const AdapterSettings& settings) {
+    requireFaultOfAdapter(settings);
+    const FileDescriptor stop = terminationSignals();
+    std::array<int, 2> ends{};
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) {
+        throw std::system_error(errno, std::generic_category(), "cannot make a pair of sockets");
+    }
+    UsbIpServer server(settings);
+    server.plugInto(FileDescriptor(ends[0]));
+    FileDescriptor kernelsEnd(ends[1]);
+
+    const Vhci controller;
+    const unsigned port = controller.plugIn(kernelsEnd, settings.identity);
+    kernelsEnd.reset();
+    // Flushed, because whoever plugs in waits for this line.
+    std::cout << "Plugged the " << settings.identity.model.name << " adapter "
+              << settings.serialNumber << " into vhci port " << port << std::endl;
+    server.run(stop);
+    controller.pullOut(port);
+}
+
+} // namespace
+
+void addAttachCommand(CLI::App& app) {
+    CLI::App& command = *app.add_subcommand(
+        "attach", "Plug the adapter into this machine's kernel (needs root and vhci-hcd)");
+    const auto settings = std::make_shared<AdapterSettings>();
+    addAdapterOptions(command, *settings);
+    command.callback([settings] { attach(*settings); });
+}
+
+} // namespace virtual_adapter

@@ -1,0 +1,13 @@
+#pragma once
+
+namespace CLI {
+class App;
+}
+
+namespace virtual_adapter {
+
+/// Adds `attach`, which plugs the adapter into this machine's kernel until the process is told to
+/// end.
+void addAttachCommand(CLI::App& app);
+
+} // namespace virtual_adapter

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "attach/FileDescriptor.hpp"
+#include "device/UsbIdentity.hpp"
+
+#include <filesystem>
+#include <string>
+
+namespace virtual_adapter {
+
+/// The kernel's virtual USB host controller (module vhci-hcd).
+///
+/// Failures are std::runtime_error, whose text says what to do about them.
+class Vhci {
+public:
+    explicit Vhci(std::filesystem::path controllerDirectory = "/sys/devices/platform/vhci_hcd.0");
+
+    /// Plugs the device whose USB/IP server is at the other end of @p socket into a free port, and
+    /// returns the port's number. The kernel keeps its own reference to the socket.
+    unsigned plugIn(const FileDescriptor& socket, const UsbIdentity& identity) const;
+
+    /// Pulls out what is plugged into @p port. Nothing happens when that has gone already.
+    void pullOut(unsigned port) const;
+
+private:
+    [[nodiscard]] unsigned freePort() const;
+
+    std::filesystem::path directory;
+};
+
+} // namespace virtual_adapter
