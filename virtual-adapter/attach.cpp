@@ -5,7 +5,6 @@
 #include "attach/Vhci.hpp"
 #include "options.hpp"
 
-#include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 

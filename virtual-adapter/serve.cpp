@@ -5,7 +5,6 @@
 #include "attach/UsbIpServer.hpp"
 #include "options.hpp"
 
-#include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 

@@ -1,8 +1,6 @@
 #pragma once
 
-namespace CLI {
-class App;
-}
+#include <CLI/App.hpp>
 
 namespace virtual_adapter {
 

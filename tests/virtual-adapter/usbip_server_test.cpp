@@ -154,7 +154,7 @@ protected:
 
     std::string failureOfPlugIn() const {
         try {
-            Vhci(directory).plugIn(FileDescriptor(), usbIdentities[0]);
+            static_cast<void>(Vhci(directory).plugIn(FileDescriptor(), usbIdentities[0]));
         } catch (const std::runtime_error& error) {
             return error.what();
         }

@@ -65,7 +65,7 @@ private:
     Bytes bytes;
 };
 
-Message& device(Message& message, const UsbIpDevice& device) {
+Message& describe(Message& message, const UsbIpDevice& device) {
     constexpr uint8_t classOfInterface = 0;
     constexpr uint8_t configurations = 1;
     constexpr uint8_t interfaces = 1;
@@ -207,19 +207,19 @@ uint32_t usbIpSpeed(const UsbIdentity& identity) {
     return speedOf(identity) == UsbSpeed::Full ? fullSpeed : highSpeed;
 }
 
-Bytes usbIpListReply(const UsbIpDevice* listed) {
+Bytes usbIpListReply(const UsbIpDevice* device) {
     Message message;
-    message.u16(version).u16(listReplyCode).u32(0).u32(listed == nullptr ? 0 : 1);
-    if (listed != nullptr) {
-        device(message, *listed).u8(hidInterfaceClass).u8(0).u8(0).u8(0);
+    message.u16(version).u16(listReplyCode).u32(0).u32(device == nullptr ? 0 : 1);
+    if (device != nullptr) {
+        describe(message, *device).u8(hidInterfaceClass).u8(0).u8(0).u8(0);
     }
     return message.take();
 }
 
-Bytes usbIpImportReply(const UsbIpDevice& imported) {
+Bytes usbIpImportReply(const UsbIpDevice& device) {
     Message message;
     message.u16(version).u16(importReplyCode).u32(0);
-    return device(message, imported).take();
+    return describe(message, device).take();
 }
 
 Bytes usbIpImportRefusal(UsbIpRefusal refusal) {

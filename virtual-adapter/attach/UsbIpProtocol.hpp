@@ -26,14 +26,14 @@ struct UsbIpImportRequest {
 using UsbIpRequest = std::variant<UsbIpListRequest, UsbIpImportRequest>;
 
 struct UsbIpSubmit {
-    uint32_t sequence;
+    uint32_t sequence = 0;
     UsbTransfer transfer;
 };
 
 struct UsbIpUnlink {
-    uint32_t sequence;
+    uint32_t sequence = 0;
     /// The sequence number of the command to take back.
-    uint32_t unlinked;
+    uint32_t unlinked = 0;
 };
 
 using UsbIpCommand = std::variant<UsbIpSubmit, UsbIpUnlink>;

@@ -17,7 +17,7 @@ public:
 
     /// Plugs the device whose USB/IP server is at the other end of @p socket into a free port, and
     /// returns the port's number. The kernel keeps its own reference to the socket.
-    unsigned plugIn(const FileDescriptor& socket, const UsbIdentity& identity) const;
+    [[nodiscard]] unsigned plugIn(const FileDescriptor& socket, const UsbIdentity& identity) const;
 
     /// Pulls out what is plugged into @p port. Nothing happens when that has gone already.
     void pullOut(unsigned port) const;
