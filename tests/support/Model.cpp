@@ -7,6 +7,14 @@ namespace test_support {
 const Model fullSpeed{"FullSpeed", 0x0001, 64};
 const Model highSpeed{"HighSpeed", 0x0002, 1024};
 
+Bytes counting(size_t size) {
+    Bytes bytes(size);
+    for (size_t i = 0; i < size; ++i) {
+        bytes[i] = static_cast<uint8_t>(i % 251);
+    }
+    return bytes;
+}
+
 Bytes Model::input(const Bytes& packet) const {
     Bytes report = packet;
     report.resize(reportSize);

@@ -24,6 +24,9 @@ struct Model {
     [[nodiscard]] std::vector<Bytes> inputs(const Bytes& message) const;
 };
 
+/// So many bytes that tell their places: 0 to 250, over and over.
+Bytes counting(size_t size);
+
 constexpr uint16_t vendorId = 0x1209;
 
 extern const Model fullSpeed;

@@ -1,0 +1,506 @@
+#include "driver/VeltraDriver.hpp"
+#include "support/Model.hpp"
+#include "support/ThreadStart.hpp"
+
+#include <cerrno>
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+
+#include <gtest/gtest.h>
+
+using namespace test_support;
+
+namespace {
+
+const ScriptedDevice mouse{"1-9:1.0", 0x046D, 0xC077, L"MOUSE"};
+
+ScriptedDevice adapter(const std::string& path, std::optional<std::wstring> serialNumber,
+                       const Model& model = fullSpeed) {
+    return {path, vendorId, model.productId, std::move(serialNumber)};
+}
+
+class VeltraDriverTest : public testing::Test {
+protected:
+    bool open(const std::string& path = "", const std::string& serialNumber = "") {
+        return driver.open(path, serialNumber);
+    }
+
+    void expectClosed() {
+        EXPECT_EQ(hid.openDevices(), 0U);
+        EXPECT_EQ(hid.readCalls(), 0U) << "no polling thread may run";
+        EXPECT_FALSE(driver.sendCommand({0x01}));
+        EXPECT_TRUE(hid.writes().empty());
+    }
+
+    ScriptedHid hid;
+    // Written on the polling thread; whoever has waited until everything was read may look.
+    std::vector<Bytes> received;
+    VeltraDriver driver;
+};
+
+// The list of models.
+
+TEST(VeltraDriver, TheFullSpeedModelHasReportsOf64Bytes) {
+    const auto* const model = VeltraDriver::findMervoDeviceCharacteristics(0x1209, 0x0001);
+    ASSERT_NE(model, nullptr);
+    EXPECT_EQ(model->vendorId, 0x1209);
+    EXPECT_EQ(model->productId, 0x0001);
+    EXPECT_EQ(model->endpointSize, 64U);
+}
+
+TEST(VeltraDriver, TheHighSpeedModelHasReportsOf1024Bytes) {
+    const auto* const model = VeltraDriver::findMervoDeviceCharacteristics(0x1209, 0x0002);
+    ASSERT_NE(model, nullptr);
+    EXPECT_EQ(model->vendorId, 0x1209);
+    EXPECT_EQ(model->productId, 0x0002);
+    EXPECT_EQ(model->endpointSize, 1024U);
+}
+
+TEST(VeltraDriver, OtherIdentifiersAreNoModel) {
+    EXPECT_EQ(VeltraDriver::findMervoDeviceCharacteristics(0x1209, 0x0000), nullptr);
+    EXPECT_EQ(VeltraDriver::findMervoDeviceCharacteristics(0x1209, 0x0003), nullptr);
+    EXPECT_EQ(VeltraDriver::findMervoDeviceCharacteristics(0x120A, 0x0001), nullptr);
+    EXPECT_EQ(VeltraDriver::findMervoDeviceCharacteristics(0x0001, 0x1209), nullptr);
+}
+
+// Serial numbers.
+
+TEST(CompareSerial, EqualTextsAreEqual) {
+    EXPECT_TRUE(compareSerial("VA-0001", L"VA-0001"));
+    EXPECT_TRUE(compareSerial("", L""));
+}
+
+TEST(CompareSerial, AMissingSerialNumberEqualsNothing) {
+    EXPECT_FALSE(compareSerial("VA-0001", nullptr));
+    EXPECT_FALSE(compareSerial("", nullptr));
+}
+
+TEST(CompareSerial, TheWholeTextIsComparedExactly) {
+    EXPECT_FALSE(compareSerial("va-0001", L"VA-0001"));
+    EXPECT_FALSE(compareSerial("VA-000", L"VA-0001"));
+    EXPECT_FALSE(compareSerial("VA-0001", L"VA-000"));
+    EXPECT_FALSE(compareSerial("VA-0001 ", L"VA-0001"));
+    EXPECT_FALSE(compareSerial(" VA-0001", L"VA-0001"));
+    EXPECT_FALSE(compareSerial(std::string("VA-0001\0", 8), L"VA-0001"));
+}
+
+TEST(CompareSerial, CodePointsBeyondAsciiAreComparedAsUtf8) {
+    EXPECT_TRUE(compareSerial("\x7F", L"\x7F"));
+    EXPECT_TRUE(compareSerial("\xC2\x80", L"\x80"));
+    EXPECT_TRUE(compareSerial("\xC3\xA9", L"\xE9"));
+    EXPECT_TRUE(compareSerial("\xDF\xBF", L"\x7FF"));
+    EXPECT_TRUE(compareSerial("\xE0\xA0\x80", L"\x800"));
+    EXPECT_TRUE(compareSerial("\xEF\xBF\xBD", L"\xFFFD"));
+    EXPECT_FALSE(compareSerial("\xE9", L"\xE9")) << "Latin-1 is not UTF-8";
+}
+
+TEST(CompareSerial, CodePointsBeyondTheBasicPlaneAreFourBytes) {
+    EXPECT_TRUE(compareSerial("\xF0\x90\x80\x80", L"\x10000"));
+    EXPECT_TRUE(compareSerial("A\xF0\x9F\x94\x8C", L"A\x1F50C"));
+    EXPECT_TRUE(compareSerial("\xF4\x8F\xBF\xBF", L"\x10FFFF"));
+}
+
+TEST(CompareSerial, AByteOrderMarkIsACharacterLikeAnyOther) {
+    EXPECT_TRUE(compareSerial("\xEF\xBB\xBF"
+                              "A",
+                              L"\xFEFF"
+                              L"A"));
+    EXPECT_FALSE(compareSerial("A", L"\xFEFF"
+                                    L"A"));
+    EXPECT_FALSE(compareSerial("\xEF\xBB\xBF"
+                               "A",
+                               L"A"));
+}
+
+TEST(CompareSerial, ACodePointBeyondUnicodeIsARangeError) {
+    for (const wchar_t codePoint : {wchar_t{0x110000}, wchar_t{0x7FFFFFFF}}) {
+        const std::wstring serialNumber{L'A', codePoint};
+        try {
+            compareSerial("A", serialNumber.c_str());
+            ADD_FAILURE() << "no exception";
+        } catch (const std::range_error& error) {
+            EXPECT_STREQ(error.what(), "wstring_convert::to_bytes");
+        }
+    }
+}
+
+// Finding and opening.
+
+TEST_F(VeltraDriverTest, NothingOpensWithoutAnyDevice) {
+    EXPECT_FALSE(open());
+    EXPECT_EQ(hid.enumerateCalls(), 1U);
+    expectClosed();
+}
+
+TEST_F(VeltraDriverTest, ADeviceWithOtherIdentifiersIsNeverOpened) {
+    hid.attach(mouse);
+    EXPECT_FALSE(open());
+    EXPECT_FALSE(open(mouse.path));
+    EXPECT_FALSE(open("", "MOUSE"));
+    EXPECT_FALSE(open(mouse.path, "MOUSE"));
+    expectClosed();
+}
+
+TEST_F(VeltraDriverTest, TheFirstKnownAdapterInTheOrderOfTheListOpens) {
+    hid.attach(mouse);
+    hid.attach(adapter("1-3:1.0", L"VA-0003", highSpeed));
+    hid.attach(adapter("1-1:1.0", L"VA-0001", fullSpeed));
+    EXPECT_TRUE(open());
+    EXPECT_EQ(hid.openedPath(), "1-3:1.0");
+    EXPECT_EQ(driver.getEndpointSize(), 1024U);
+}
+
+TEST_F(VeltraDriverTest, TheAdapterWithThePathOpens) {
+    hid.attach(adapter("1-1:1.0", L"VA-0001"));
+    hid.attach(adapter("1-2:1.0", L"VA-0002"));
+    EXPECT_TRUE(open("1-2:1.0"));
+    EXPECT_EQ(hid.openedPath(), "1-2:1.0");
+}
+
+TEST_F(VeltraDriverTest, APathThatIsNotExactlyEqualOpensNothing) {
+    hid.attach(adapter("1-1:1.0", L"VA-0001"));
+    for (const char* const path : {"1-1:1", "1-1:1.0 ", "1-1:1.00", "/1-1:1.0", "1-1:1.1"}) {
+        EXPECT_FALSE(open(path)) << path;
+    }
+    expectClosed();
+}
+
+TEST_F(VeltraDriverTest, TheAdapterWithTheSerialNumberOpens) {
+    hid.attach(adapter("1-1:1.0", L"VA-0001"));
+    hid.attach(adapter("1-2:1.0", L"VA-0002", highSpeed));
+    EXPECT_TRUE(open("", "VA-0002"));
+    EXPECT_EQ(hid.openedPath(), "1-2:1.0");
+    EXPECT_EQ(driver.getEndpointSize(), 1024U);
+}
+
+TEST_F(VeltraDriverTest, TheFirstOfTwoEqualSerialNumbersOpens) {
+    hid.attach(adapter("1-1:1.0", L"VA-0001"));
+    hid.attach(adapter("1-2:1.0", L"VA-0001"));
+    EXPECT_TRUE(open("", "VA-0001"));
+    EXPECT_EQ(hid.openedPath(), "1-1:1.0");
+}
+
+TEST_F(VeltraDriverTest, ASerialNumberThatDiffersInLetterCaseOpensNothing) {
+    hid.attach(adapter("1-1:1.0", L"VA-0001"));
+    EXPECT_FALSE(open("", "va-0001"));
+    EXPECT_FALSE(open("", "VA-000"));
+    expectClosed();
+}
+
+TEST_F(VeltraDriverTest, AnotherDeviceWithTheSerialNumberIsPassedOver) {
+    hid.attach({"1-9:1.0", 0x046D, 0xC077, L"VA-0001"});
+    hid.attach(adapter("1-1:1.0", L"VA-0001"));
+    EXPECT_TRUE(open("", "VA-0001"));
+    EXPECT_EQ(hid.openedPath(), "1-1:1.0");
+}
+
+TEST_F(VeltraDriverTest, AnAdapterWithoutASerialNumberIsFoundByPathOnly) {
+    hid.attach(adapter("1-1:1.0", std::nullopt));
+    EXPECT_FALSE(open("", "VA-0001"));
+    EXPECT_TRUE(open("1-1:1.0"));
+}
+
+TEST_F(VeltraDriverTest, ASerialNumberBeyondTheBasicPlaneIsFound) {
+    hid.attach(adapter("1-1:1.0", L"VA-0001"));
+    hid.attach(adapter("1-2:1.0", L"\u00E9\u20AC\U0001F50C"));
+    EXPECT_TRUE(open("", "\u00E9\u20AC\U0001F50C"));
+    EXPECT_EQ(hid.openedPath(), "1-2:1.0");
+}
+
+TEST_F(VeltraDriverTest, PathAndSerialNumberMustBothMatch) {
+    hid.attach(adapter("1-1:1.0", L"VA-0001"));
+    hid.attach(adapter("1-2:1.0", L"VA-0002"));
+    EXPECT_FALSE(open("1-1:1.0", "VA-0002"));
+    EXPECT_TRUE(open("1-2:1.0", "VA-0002"));
+    EXPECT_EQ(hid.openedPath(), "1-2:1.0");
+}
+
+TEST_F(VeltraDriverTest, ASerialNumberThatCannotBeConvertedIsARangeErrorAndOpensNothing) {
+    hid.attach({"1-9:1.0", 0x046D, 0xC077, std::wstring(1, wchar_t{0x110000})});
+    hid.attach(adapter("1-1:1.0", L"VA-0001"));
+    try {
+        open("", "VA-0001");
+        ADD_FAILURE() << "no exception";
+    } catch (const std::range_error& error) {
+        EXPECT_STREQ(error.what(), "wstring_convert::to_bytes");
+    }
+    expectClosed();
+}
+
+TEST_F(VeltraDriverTest, ASerialNumberThatCannotBeConvertedDoesNotMatterToAPath) {
+    hid.attach(adapter("1-9:1.0", std::wstring(1, wchar_t{0x110000})));
+    EXPECT_TRUE(open("1-9:1.0"));
+}
+
+TEST_F(VeltraDriverTest, ASerialNumberFoundBeforeOneThatCannotBeConvertedOpens) {
+    hid.attach(adapter("1-1:1.0", L"VA-0001"));
+    hid.attach(adapter("1-9:1.0", std::wstring(1, wchar_t{0x110000})));
+    EXPECT_TRUE(open("", "VA-0001"));
+}
+
+TEST_F(VeltraDriverTest, AnAdapterThatCannotBeOpenedLeavesTheDriverClosed) {
+    hid.attach(adapter("1-1:1.0", L"VA-0001"));
+    hid.failOpening(true);
+    EXPECT_FALSE(open());
+    expectClosed();
+    hid.failOpening(false);
+    EXPECT_TRUE(open());
+}
+
+TEST_F(VeltraDriverTest, APollingThreadThatCannotBeStartedIsASystemErrorAndLeavesTheDriverClosed) {
+    hid.attach(adapter("1-1:1.0", L"VA-0001"));
+    {
+        const ThreadStart never([](const auto&) { return EAGAIN; });
+        EXPECT_THROW(open(), std::system_error);
+    }
+    expectClosed();
+    EXPECT_TRUE(open());
+}
+
+TEST_F(VeltraDriverTest, AnOpenDriverStaysAsItIs) {
+    hid.attach(adapter("1-1:1.0", L"VA-0001"));
+    hid.attach(adapter("1-2:1.0", L"VA-0002", highSpeed));
+    ASSERT_TRUE(open());
+    EXPECT_TRUE(open());
+    EXPECT_TRUE(open("1-2:1.0"));
+    EXPECT_TRUE(open("no such path", "no such serial number"));
+    EXPECT_EQ(hid.enumerateCalls(), 1U);
+    EXPECT_EQ(hid.openDevices(), 1U);
+    EXPECT_EQ(driver.getEndpointSize(), 64U);
+}
+
+// Closing.
+
+TEST_F(VeltraDriverTest, ClosingAClosedDriverDoesNothing) {
+    driver.close();
+    expectClosed();
+}
+
+TEST_F(VeltraDriverTest, AClosedDriverReadsNoMore) {
+    hid.attach(adapter("1-1:1.0", L"VA-0001"));
+    ASSERT_TRUE(open());
+    ASSERT_TRUE(hid.waitForReads(1));
+    driver.close();
+    EXPECT_EQ(hid.openDevices(), 0U);
+    const size_t reads = hid.readCalls();
+    EXPECT_FALSE(driver.sendCommand({0x01}));
+    driver.close();
+    EXPECT_EQ(hid.readCalls(), reads);
+}
+
+TEST_F(VeltraDriverTest, AClosedDriverOpensTheOtherModel) {
+    hid.attach(adapter("1-1:1.0", L"VA-0001", fullSpeed));
+    hid.attach(adapter("1-2:1.0", L"VA-0002", highSpeed));
+    ASSERT_TRUE(open("1-1:1.0"));
+    EXPECT_TRUE(driver.sendCommand({0x01}));
+    driver.close();
+    ASSERT_TRUE(open("1-2:1.0"));
+    EXPECT_TRUE(driver.sendCommand({0x02}));
+    const std::vector<Bytes> expected{fullSpeed.output({0x01}), highSpeed.output({0x02})};
+    EXPECT_EQ(hid.writes(), expected);
+    ASSERT_TRUE(hid.waitForReads(hid.readCalls() + 1));
+    EXPECT_EQ(hid.lastReadLength(), 1024U);
+}
+
+TEST(VeltraDriver, EveryDriverInitialisesHidapiAndShutsItDown) {
+    ScriptedHid hid;
+    auto first = std::make_unique<VeltraDriver>();
+    auto second = std::make_unique<VeltraDriver>();
+    EXPECT_EQ(hid.initCalls(), 2U);
+    EXPECT_EQ(hid.exitCalls(), 0U);
+    second.reset();
+    EXPECT_EQ(hid.exitCalls(), 1U) << "also while the other driver exists";
+    first.reset();
+    EXPECT_EQ(hid.exitCalls(), 2U);
+}
+
+TEST(VeltraDriver, DestructionClosesAnOpenDriver) {
+    ScriptedHid hid;
+    hid.attach(adapter("1-1:1.0", L"VA-0001"));
+    auto driver = std::make_unique<VeltraDriver>();
+    ASSERT_TRUE(driver->open("", ""));
+    driver.reset();
+    EXPECT_EQ(hid.openDevices(), 0U);
+    EXPECT_EQ(hid.exitCalls(), 1U);
+}
+
+// Writing.
+
+class VeltraDriverOnBothModels : public testing::TestWithParam<Model> {
+protected:
+    VeltraDriverOnBothModels() {
+        hid.attach(adapter("1-1:1.0", L"VA-0001", GetParam()));
+        driver.onResponse([this](const Bytes& report) { received.push_back(report); });
+    }
+
+    ScriptedHid hid;
+    // Written on the polling thread; whoever has waited until everything was read may look.
+    std::vector<Bytes> received;
+    VeltraDriver driver;
+};
+INSTANTIATE_ON_BOTH_MODELS(VeltraDriverOnBothModels);
+
+TEST_P(VeltraDriverOnBothModels, EveryWriteIsAWholeReportBehindIdentifierZero) {
+    ASSERT_TRUE(driver.open("", ""));
+    EXPECT_TRUE(driver.sendCommand({}));
+    EXPECT_TRUE(driver.sendCommand({0xAB, 0xCD}));
+    const Bytes full(GetParam().reportSize, 0x5A);
+    EXPECT_TRUE(driver.sendCommand(full));
+
+    Bytes empty(GetParam().reportSize + 1);
+    Bytes two = empty;
+    two[1] = 0xAB;
+    two[2] = 0xCD;
+    Bytes whole(GetParam().reportSize + 1, 0x5A);
+    whole[0] = 0;
+    EXPECT_EQ(hid.writes(), (std::vector<Bytes>{empty, two, whole}));
+}
+
+TEST_P(VeltraDriverOnBothModels, APacketLongerThanTheReportIsCut) {
+    ASSERT_TRUE(driver.open("", ""));
+    Bytes packet(GetParam().reportSize + 1, 0x5A);
+    packet.back() = 0xEE;
+    EXPECT_TRUE(driver.sendCommand(packet));
+    Bytes expected(GetParam().reportSize + 1, 0x5A);
+    expected[0] = 0;
+    EXPECT_EQ(hid.writes(), std::vector<Bytes>{expected});
+}
+
+TEST_F(VeltraDriverTest, AWriteFailsWhenHidapiReturnsANegativeValueOnly) {
+    hid.attach(adapter("1-1:1.0", L"VA-0001"));
+    ASSERT_TRUE(open());
+    hid.failWriting(-1);
+    EXPECT_FALSE(driver.sendCommand({0x01}));
+    hid.failWriting(0);
+    EXPECT_TRUE(driver.sendCommand({0x01}));
+    hid.failWriting(5);
+    EXPECT_TRUE(driver.sendCommand({0x01})) << "a short write counts as success";
+    hid.failWriting(std::nullopt);
+    EXPECT_TRUE(driver.sendCommand({0x01}));
+    EXPECT_EQ(hid.writes().size(), 4U) << "nothing is retried";
+}
+
+// Reading.
+
+TEST_P(VeltraDriverOnBothModels, ReadsAskForOneReportAndWaitATenthOfASecond) {
+    ASSERT_TRUE(driver.open("", ""));
+    ASSERT_TRUE(hid.waitForReads(2));
+    EXPECT_EQ(hid.lastReadLength(), GetParam().reportSize);
+    EXPECT_EQ(hid.lastReadTimeout(), 100);
+}
+
+TEST_P(VeltraDriverOnBothModels, EveryReportIsHandedUpInOrder) {
+    ASSERT_TRUE(driver.open("", ""));
+    const std::vector<Bytes> reports{Bytes(GetParam().reportSize, 0x01),
+                                     Bytes(GetParam().reportSize, 0x02),
+                                     Bytes(GetParam().reportSize, 0x03)};
+    for (const Bytes& report : reports) {
+        hid.deliver(report);
+    }
+    ASSERT_TRUE(hid.waitUntilDrained());
+    EXPECT_EQ(received, reports);
+}
+
+TEST_P(VeltraDriverOnBothModels, TheTailOfAShortReportHoldsEarlierReports) {
+    ASSERT_TRUE(driver.open("", ""));
+    hid.deliver({0x01});
+    hid.deliver(Bytes(GetParam().reportSize, 0x22));
+    hid.deliver({0x31, 0x32, 0x33});
+    ASSERT_TRUE(hid.waitUntilDrained());
+
+    Bytes first(GetParam().reportSize);
+    first[0] = 0x01;
+    const Bytes second(GetParam().reportSize, 0x22);
+    Bytes third = second;
+    third[0] = 0x31;
+    third[1] = 0x32;
+    third[2] = 0x33;
+    EXPECT_EQ(received, (std::vector<Bytes>{first, second, third}));
+}
+
+TEST_P(VeltraDriverOnBothModels, AReopenedDriverReadsIntoAClearedBuffer) {
+    ASSERT_TRUE(driver.open("", ""));
+    hid.deliver(Bytes(GetParam().reportSize, 0x22));
+    ASSERT_TRUE(hid.waitUntilDrained());
+    driver.close();
+    ASSERT_TRUE(driver.open("", ""));
+    hid.deliver({0x01});
+    ASSERT_TRUE(hid.waitUntilDrained());
+    ASSERT_EQ(received.size(), 2U);
+    EXPECT_EQ(received.back(), GetParam().input({0x01}));
+}
+
+TEST_P(VeltraDriverOnBothModels, AReadThatTimesOutHandsNothingUp) {
+    ASSERT_TRUE(driver.open("", ""));
+    ASSERT_TRUE(hid.waitForReads(3));
+    EXPECT_TRUE(received.empty());
+}
+
+TEST_F(VeltraDriverTest, ReportsWithoutAReceiverAreDropped) {
+    hid.attach(adapter("1-1:1.0", L"VA-0001"));
+    ASSERT_TRUE(open());
+    hid.deliver(fullSpeed.input({0x01}));
+    EXPECT_TRUE(hid.waitUntilDrained());
+}
+
+TEST_F(VeltraDriverTest, TheLastReceiverInstalledGetsTheReports) {
+    hid.attach(adapter("1-1:1.0", L"VA-0001"));
+    driver.onResponse([](const Bytes&) { ADD_FAILURE() << "a replaced receiver was called"; });
+    driver.onResponse([this](const Bytes& report) { received.push_back(report); });
+    ASSERT_TRUE(open());
+    hid.deliver(fullSpeed.input({0x01}));
+    ASSERT_TRUE(hid.waitUntilDrained());
+    EXPECT_EQ(received.size(), 1U);
+}
+
+// Read errors.
+
+TEST_P(VeltraDriverOnBothModels, ReadingGoesOnAfterErrors) {
+    ASSERT_TRUE(driver.open("", ""));
+    hid.failReading(true);
+    ASSERT_TRUE(hid.waitForReads(hid.readCalls() + 5));
+    EXPECT_TRUE(received.empty()) << "an error hands nothing up";
+    hid.failReading(false);
+    hid.deliver(GetParam().input({0x01}));
+    ASSERT_TRUE(hid.waitUntilDrained());
+    EXPECT_EQ(received, std::vector<Bytes>{GetParam().input({0x01})});
+}
+
+TEST_F(VeltraDriverTest, ReadErrorsThatDoNotEndMakeAtMost50ReadsASecond) {
+    hid.attach(adapter("1-1:1.0", L"VA-0001"));
+    hid.failReading(true);
+    const auto begin = std::chrono::steady_clock::now();
+    ASSERT_TRUE(open());
+    EXPECT_FALSE(hid.waitForReads(51, 1000));
+    const size_t reads = hid.readCalls();
+    // A machine under load may have given the reader more than the one second.
+    const auto passed = std::chrono::steady_clock::now() - begin;
+    EXPECT_GE(reads, 2U);
+    EXPECT_LE(reads, 50 * (1 + std::chrono::duration_cast<std::chrono::seconds>(passed).count()));
+}
+
+TEST_F(VeltraDriverTest, ClosingDuringThePauseAfterAReadErrorReturns) {
+    hid.attach(adapter("1-1:1.0", L"VA-0001"));
+    hid.failReading(true);
+    ASSERT_TRUE(open());
+    // By now the reader pauses for a tenth of a second between two reads.
+    ASSERT_TRUE(hid.waitForReads(10));
+    driver.close();
+    EXPECT_EQ(hid.openDevices(), 0U);
+}
+
+TEST_F(VeltraDriverTest, DestructionDuringThePauseAfterAReadErrorReturns) {
+    hid.attach(adapter("1-1:1.0", L"VA-0001"));
+    hid.failReading(true);
+    auto second = std::make_unique<VeltraDriver>();
+    ASSERT_TRUE(second->open("", ""));
+    ASSERT_TRUE(hid.waitForReads(10));
+    second.reset();
+    EXPECT_EQ(hid.openDevices(), 0U);
+}
+
+} // namespace
