@@ -40,7 +40,7 @@ protected:
     /// truncation with zeros in place of what is missing. A truncation without a whole header and
     /// status is dropped, so the whole response follows it.
     ///
-    /// @p request and @p response are frames with identifier 1; the later ones count on from it.
+    /// @p request and @p response are frames with the next identifier; later ones count on from it.
     void withEveryTruncation(Bytes request, Bytes response,
                              const std::function<void(const Bytes& received)>& operation);
 
