@@ -40,7 +40,7 @@ bool GpioBank::isConfigured(GpioPinNumber pin) const {
 }
 
 bool GpioBank::isOutput(GpioPinNumber pin) const {
-    const auto& functionality = pins.at(pin).functionality;
+    const auto functionality = pins.at(pin).functionality.value_or(GpioFunctionality_Input);
     return functionality == GpioFunctionality_Output ||
            functionality == GpioFunctionality_OpenDrainOutput;
 }

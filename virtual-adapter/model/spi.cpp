@@ -121,11 +121,11 @@ Answer Spi::transfer(PayloadReader& request) {
 
 Bytes Spi::exchange(const Bytes& sent) const {
     const auto& target = targets.at(current->chipSelect);
-    if (target == nullptr || !target->understands(current->mode, current->polarity)) {
-        return Bytes(sent.size(), undrivenByte);
+    Bytes received(sent.size(), undrivenByte);
+    if (target != nullptr && target->understands(current->mode, current->polarity)) {
+        received = target->transfer(wireOrder(sent, current->bitOrder, current->dataWidth));
     }
-    const Bytes driven = target->transfer(wireOrder(sent, current->bitOrder, current->dataWidth));
-    return wireOrder(driven, current->bitOrder, current->dataWidth);
+    return wireOrder(received, current->bitOrder, current->dataWidth);
 }
 
 } // namespace virtual_adapter

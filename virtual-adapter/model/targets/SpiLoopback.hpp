@@ -7,7 +7,10 @@ namespace virtual_adapter {
 /// A wire from the controller's output to its input.
 class SpiLoopback : public SpiTarget {
 public:
-    [[nodiscard]] bool understands(SpiMode, SpiChipSelectPolarity) const override { return true; }
+    [[nodiscard]] bool understands(SpiMode /*mode*/,
+                                   SpiChipSelectPolarity /*polarity*/) const override {
+        return true;
+    }
     Bytes transfer(const Bytes& sent) override { return sent; }
 };
 
