@@ -1,0 +1,408 @@
+#include "support/CccFrames.hpp"
+#include "support/SdkTest.hpp"
+
+#include <array>
+#include <map>
+
+namespace {
+
+using test_support::Bytes;
+using test_support::CccFrame;
+using test_support::cccFrames;
+
+using I3cCccFunctionTest = test_support::SdkTest;
+INSTANTIATE_ON_BOTH_MODELS(I3cCccFunctionTest);
+
+constexpr int16_t notConnected = 0x4000;
+constexpr int16_t refused = -32768;
+
+constexpr auto write = I3cTransferDirection_Write;
+constexpr auto read = I3cTransferDirection_Read;
+constexpr auto resetPeripheral = I3cTargetResetDefByte_ResetPeripheral;
+constexpr auto resetWholeTarget = I3cTargetResetDefByte_ResetWholeTarget;
+constexpr auto timeToResetPeripheral = I3cTargetResetDefByte_TimeToResetPeripheral;
+
+// What a function must leave alone when it fails.
+constexpr uint8_t untouchedByte = 0xEE;
+constexpr uint16_t untouchedWord = 0xEEEE;
+
+constexpr uint8_t staticAddresses[] = {0x50, 0x51};
+
+/// A place for every output, recognisably untouched.
+struct Outputs {
+    std::array<uint8_t, 255> bytes{};
+    uint8_t count = untouchedByte;
+    uint8_t byte = untouchedByte;
+    uint16_t word = untouchedWord;
+    uint8_t size = untouchedByte;
+    uint8_t flag = untouchedByte;
+
+    Outputs() { bytes.fill(untouchedByte); }
+
+    /// The first bytes of the buffer, if those behind them are untouched.
+    [[nodiscard]] Bytes written(size_t number) const {
+        for (size_t i = number; i < bytes.size(); ++i) {
+            EXPECT_EQ(bytes.at(i), untouchedByte) << "byte " << i;
+        }
+        return {bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(number)};
+    }
+};
+
+/// The calls that send the frames of the table.
+const std::map<std::string, int16_t (*)(VeltraSDK_Handle*, Outputs&)> calls{
+    {"ENECBroadcast",
+     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccENECBroadcast(h, 0x09); }},
+    {"DISECBroadcast",
+     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccDISECBroadcast(h, 0x09); }},
+    {"RSTDAA", [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccRSTDAA(h); }},
+    {"ENTDAA", [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccENTDAA(h); }},
+    {"SETMWLBroadcast",
+     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccSETMWLBroadcast(h, 0x0100); }},
+    {"SETMRLBroadcast",
+     [](VeltraSDK_Handle* h, Outputs&) {
+         return VeltraSDK_I3cCccSETMRLBroadcast(h, 0x0040, false, 8);
+     }},
+    {"SETMRLBroadcast with IBI size",
+     [](VeltraSDK_Handle* h, Outputs&) {
+         return VeltraSDK_I3cCccSETMRLBroadcast(h, 0x0040, true, 8);
+     }},
+    {"SETAASA",
+     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccSETAASA(h, staticAddresses, 2); }},
+    {"RSTACTBroadcast",
+     [](VeltraSDK_Handle* h, Outputs&) {
+         return VeltraSDK_I3cCccRSTACTBroadcast(h, resetWholeTarget);
+     }},
+    {"ENECDirect",
+     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccENECDirect(h, 0x30, 0x09); }},
+    {"DISECDirect",
+     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccDISECDirect(h, 0x30, 0x09); }},
+    {"SETDASA",
+     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccSETDASA(h, 0x50, 0x0A); }},
+    {"SETNEWDA",
+     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccSETNEWDA(h, 0x30, 0x31); }},
+    {"SETMWLDirect",
+     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccSETMWLDirect(h, 0x30, 0x0100); }},
+    {"SETMRLDirect",
+     [](VeltraSDK_Handle* h, Outputs&) {
+         return VeltraSDK_I3cCccSETMRLDirect(h, 0x30, 0x0040, false, 8);
+     }},
+    {"SETMRLDirect with IBI size",
+     [](VeltraSDK_Handle* h, Outputs&) {
+         return VeltraSDK_I3cCccSETMRLDirect(h, 0x30, 0x0040, true, 8);
+     }},
+    {"GETMWL",
+     [](VeltraSDK_Handle* h, Outputs& out) { return VeltraSDK_I3cCccGETMWL(h, 0x30, &out.word); }},
+    {"GETMRL",
+     [](VeltraSDK_Handle* h, Outputs& out) {
+         return VeltraSDK_I3cCccGETMRL(h, 0x30, &out.word, &out.size, &out.flag);
+     }},
+    {"GETPID", [](VeltraSDK_Handle* h,
+                  Outputs& out) { return VeltraSDK_I3cCccGETPID(h, 0x30, out.bytes.data()); }},
+    {"GETBCR",
+     [](VeltraSDK_Handle* h, Outputs& out) { return VeltraSDK_I3cCccGETBCR(h, 0x30, &out.byte); }},
+    {"GETDCR",
+     [](VeltraSDK_Handle* h, Outputs& out) { return VeltraSDK_I3cCccGETDCR(h, 0x30, &out.byte); }},
+    {"GETSTATUS",
+     [](VeltraSDK_Handle* h, Outputs& out) {
+         return VeltraSDK_I3cCccGETSTATUS(h, 0x30, out.bytes.data(), &out.count, false, 0x91);
+     }},
+    {"GETSTATUS with defining byte",
+     [](VeltraSDK_Handle* h, Outputs& out) {
+         return VeltraSDK_I3cCccGETSTATUS(h, 0x30, out.bytes.data(), &out.count, true, 0x91);
+     }},
+    {"GETCAPS",
+     [](VeltraSDK_Handle* h, Outputs& out) {
+         return VeltraSDK_I3cCccGETCAPS(h, 0x30, out.bytes.data(), &out.count, false, 0x5A);
+     }},
+    {"GETCAPS with defining byte",
+     [](VeltraSDK_Handle* h, Outputs& out) {
+         return VeltraSDK_I3cCccGETCAPS(h, 0x30, out.bytes.data(), &out.count, true, 0x00);
+     }},
+    {"RSTACTDirect as a write",
+     [](VeltraSDK_Handle* h, Outputs&) {
+         return VeltraSDK_I3cCccRSTACTDirect(h, 0x30, resetPeripheral, write, nullptr);
+     }},
+    {"RSTACTDirect as a read",
+     [](VeltraSDK_Handle* h, Outputs& out) {
+         return VeltraSDK_I3cCccRSTACTDirect(h, 0x30, timeToResetPeripheral, read, &out.byte);
+     }},
+};
+
+struct Destroyer {
+    void operator()(VeltraSDK_Handle* handle) const { VeltraSDK_Destroy(handle); }
+};
+using Handle = std::unique_ptr<VeltraSDK_Handle, Destroyer>;
+
+TEST_P(I3cCccFunctionTest, EveryFunctionSendsTheFrameOfTheTableAndReturnsTheStatus) {
+    ASSERT_EQ(calls.size(), cccFrames.size());
+    for (const CccFrame& frame : cccFrames) {
+        SCOPED_TRACE(frame.name);
+        // A new handle, for an identifier of 1.
+        const Handle handle(VeltraSDK_Create(test_support::patientMs));
+        ASSERT_TRUE(VeltraSDK_Connect(handle.get(), nullptr));
+        onWire(frame.packet, {0x1B, 0x00, 0x01, 0x00, 0x09, 0x19, 0x34, 0x12});
+        Outputs outputs;
+        EXPECT_EQ(calls.at(frame.name)(handle.get(), outputs), 0x1234);
+    }
+}
+
+TEST_P(I3cCccFunctionTest, NoFunctionSendsOrWritesAnythingWithANullHandle) {
+    for (const auto& [name, call] : calls) {
+        SCOPED_TRACE(name);
+        Outputs outputs;
+        EXPECT_EQ(call(nullptr, outputs), notConnected);
+        EXPECT_TRUE(outputs.written(0).empty());
+        EXPECT_EQ(outputs.count, untouchedByte);
+        EXPECT_EQ(outputs.byte, untouchedByte);
+        EXPECT_EQ(outputs.word, untouchedWord);
+        EXPECT_EQ(outputs.size, untouchedByte);
+        EXPECT_EQ(outputs.flag, untouchedByte);
+    }
+    expectNothingSent();
+}
+
+TEST_P(I3cCccFunctionTest, NoFunctionSendsAnythingWithoutALink) {
+    VeltraSDK_Disconnect(handle());
+    for (const auto& [name, call] : calls) {
+        SCOPED_TRACE(name);
+        Outputs outputs;
+        EXPECT_EQ(call(handle(), outputs), notConnected);
+        EXPECT_TRUE(outputs.written(0).empty());
+        EXPECT_EQ(outputs.count, untouchedByte);
+        EXPECT_EQ(outputs.byte, untouchedByte);
+        EXPECT_EQ(outputs.word, untouchedWord);
+        EXPECT_EQ(outputs.size, untouchedByte);
+    }
+    expectNothingSent();
+}
+
+TEST_P(I3cCccFunctionTest, GETPIDCopiesEveryReturnedByteAndNoOther) {
+    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x06, 0x8D, 0x00},
+           {0x43, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x00, 0x00, 0x00, 0x06, 0x04, 0x6A,
+            0x12, 0x34, 0x56, 0x78});
+    Outputs outputs;
+    EXPECT_EQ(VeltraSDK_I3cCccGETPID(handle(), 0x30, outputs.bytes.data()), 0);
+    EXPECT_EQ(outputs.written(6), (Bytes{0x04, 0x6A, 0x12, 0x34, 0x56, 0x78}));
+}
+
+TEST_P(I3cCccFunctionTest, GETPIDCopiesAsManyBytesAsCountedUpTo255) {
+    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x06, 0x8D, 0x00},
+           {0x2F, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x00, 0x00, 0x00, 0xFF, 0x04});
+    Outputs outputs;
+    EXPECT_EQ(VeltraSDK_I3cCccGETPID(handle(), 0x30, outputs.bytes.data()), 0);
+    Bytes expected(255);
+    expected[0] = 0x04;
+    EXPECT_EQ(outputs.written(255), expected);
+}
+
+TEST_P(I3cCccFunctionTest, GETPIDWritesNothingWithANonzeroStatus) {
+    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x06, 0x8D, 0x00},
+           {0x43, 0x00, 0x01, 0x00, 0x09, 0x19, 0x34, 0x12, 0x00, 0x00, 0x00, 0x06, 0x04, 0x6A,
+            0x12, 0x34, 0x56, 0x78});
+    Outputs outputs;
+    EXPECT_EQ(VeltraSDK_I3cCccGETPID(handle(), 0x30, outputs.bytes.data()), 0x1234);
+    EXPECT_TRUE(outputs.written(0).empty());
+}
+
+TEST_P(I3cCccFunctionTest, GETBCRWritesTheValueWhateverTheStatus) {
+    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x01, 0x8E, 0x00},
+           {0x2F, 0x00, 0x01, 0x00, 0x09, 0x19, 0x34, 0x12, 0x00, 0x00, 0x00, 0x01, 0x27});
+    uint8_t bcr = untouchedByte;
+    EXPECT_EQ(VeltraSDK_I3cCccGETBCR(handle(), 0x30, &bcr), 0x1234);
+    EXPECT_EQ(bcr, 0x27);
+}
+
+TEST_P(I3cCccFunctionTest, GETDCRWritesTheValueWhateverTheStatus) {
+    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x01, 0x8F, 0x00},
+           {0x2F, 0x00, 0x01, 0x00, 0x09, 0x19, 0x34, 0x12, 0x00, 0x00, 0x00, 0x01, 0x63});
+    uint8_t dcr = untouchedByte;
+    EXPECT_EQ(VeltraSDK_I3cCccGETDCR(handle(), 0x30, &dcr), 0x1234);
+    EXPECT_EQ(dcr, 0x63);
+}
+
+TEST_P(I3cCccFunctionTest, GETMWLWritesTheValueWhateverTheStatus) {
+    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x02, 0x8B, 0x00},
+           {0x33, 0x00, 0x01, 0x00, 0x09, 0x19, 0x34, 0x12, 0x00, 0x00, 0x00, 0x02, 0x56, 0x78});
+    uint16_t mwl = untouchedWord;
+    EXPECT_EQ(VeltraSDK_I3cCccGETMWL(handle(), 0x30, &mwl), 0x1234);
+    EXPECT_EQ(mwl, 0x5678);
+}
+
+TEST_P(I3cCccFunctionTest, GETMRLWritesThePresentSizeAndItsFlagWhateverTheStatus) {
+    onWire(
+        {0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x03, 0x8C, 0x00},
+        {0x37, 0x00, 0x01, 0x00, 0x09, 0x19, 0x34, 0x12, 0x00, 0x00, 0x00, 0x03, 0x00, 0x40, 0x08});
+    Outputs out;
+    EXPECT_EQ(VeltraSDK_I3cCccGETMRL(handle(), 0x30, &out.word, &out.size, &out.flag), 0x1234);
+    EXPECT_EQ(out.word, 64);
+    EXPECT_EQ(out.size, 8);
+    EXPECT_EQ(out.flag, 1);
+}
+
+TEST_P(I3cCccFunctionTest, GETMRLClearsTheFlagAndLeavesAnAbsentSize) {
+    onWire(
+        {0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x03, 0x8C, 0x00},
+        {0x37, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x00, 0x00, 0x00, 0x02, 0x01, 0x00, 0x08});
+    Outputs out;
+    EXPECT_EQ(VeltraSDK_I3cCccGETMRL(handle(), 0x30, &out.word, &out.size, &out.flag), 0);
+    EXPECT_EQ(out.word, 256);
+    EXPECT_EQ(out.size, untouchedByte);
+    EXPECT_EQ(out.flag, 0);
+}
+
+TEST_P(I3cCccFunctionTest, GETMRLClearsTheFlagAlsoWithoutALink) {
+    VeltraSDK_Disconnect(handle());
+    Outputs out;
+    EXPECT_EQ(VeltraSDK_I3cCccGETMRL(handle(), 0x30, &out.word, &out.size, &out.flag),
+              notConnected);
+    EXPECT_EQ(out.flag, 0);
+}
+
+TEST_P(I3cCccFunctionTest, GETMRLNeedsNeitherTheSizeNorTheFlag) {
+    const auto reply = [](uint8_t id) {
+        return Bytes{0x37, 0x00, id,   0x00, 0x09, 0x19, 0x00, 0x00,
+                     0x00, 0x00, 0x00, 0x03, 0x00, 0x40, 0x08};
+    };
+    Outputs out;
+    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x03, 0x8C, 0x00}, reply(1));
+    EXPECT_EQ(VeltraSDK_I3cCccGETMRL(handle(), 0x30, &out.word, nullptr, nullptr), 0);
+    EXPECT_EQ(out.word, 64);
+    onWire({0x27, 0x00, 0x02, 0x00, 0x09, 0x19, 0x30, 0x01, 0x03, 0x8C, 0x00}, reply(2));
+    EXPECT_EQ(VeltraSDK_I3cCccGETMRL(handle(), 0x30, &out.word, &out.size, nullptr), 0);
+    EXPECT_EQ(out.size, 8);
+    onWire({0x27, 0x00, 0x03, 0x00, 0x09, 0x19, 0x30, 0x01, 0x03, 0x8C, 0x00}, reply(3));
+    EXPECT_EQ(VeltraSDK_I3cCccGETMRL(handle(), 0x30, &out.word, nullptr, &out.flag), 0);
+    EXPECT_EQ(out.flag, 1);
+}
+
+TEST_P(I3cCccFunctionTest, GETCAPSStoresTheBytesAndTheirNumber) {
+    onWire(
+        {0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x11, 0x04, 0x95, 0x00},
+        {0x37, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x00, 0x00, 0x00, 0x03, 0xC1, 0xC2, 0xC3});
+    Outputs out;
+    EXPECT_EQ(VeltraSDK_I3cCccGETCAPS(handle(), 0x30, out.bytes.data(), &out.count, true, 0), 0);
+    EXPECT_EQ(out.count, 3);
+    EXPECT_EQ(out.written(3), (Bytes{0xC1, 0xC2, 0xC3}));
+}
+
+TEST_P(I3cCccFunctionTest, GETSTATUSStoresTheBytesAndTheirNumber) {
+    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x02, 0x90, 0x00},
+           {0x33, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x00, 0x00, 0x00, 0x02, 0xD1, 0xD2});
+    Outputs out;
+    EXPECT_EQ(VeltraSDK_I3cCccGETSTATUS(handle(), 0x30, out.bytes.data(), &out.count, false, 0x91),
+              0);
+    EXPECT_EQ(out.count, 2);
+    EXPECT_EQ(out.written(2), (Bytes{0xD1, 0xD2}));
+}
+
+TEST_P(I3cCccFunctionTest, AnEmptyReplyStoresACountOfZero) {
+    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x04, 0x95, 0x00},
+           {0x2B, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00});
+    Outputs out;
+    EXPECT_EQ(VeltraSDK_I3cCccGETCAPS(handle(), 0x30, out.bytes.data(), &out.count, false, 0), 0);
+    EXPECT_EQ(out.count, 0);
+    EXPECT_TRUE(out.written(0).empty());
+}
+
+TEST_P(I3cCccFunctionTest, ACountOf255ReadsAsZeroBeyondTheResponse) {
+    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x02, 0x90, 0x00},
+           {0x2F, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x00, 0x00, 0x00, 0xFF, 0xD1});
+    Outputs out;
+    EXPECT_EQ(VeltraSDK_I3cCccGETSTATUS(handle(), 0x30, out.bytes.data(), &out.count, false, 0), 0);
+    EXPECT_EQ(out.count, 255);
+    Bytes expected(255);
+    expected[0] = 0xD1;
+    EXPECT_EQ(out.written(255), expected);
+}
+
+TEST_P(I3cCccFunctionTest, GETCAPSAndGETSTATUSWriteNothingWithANonzeroStatus) {
+    const Bytes reply{0x33, 0x00, 0x01, 0x00, 0x09, 0x19, 0x34,
+                      0x12, 0x00, 0x00, 0x00, 0x02, 0xD1, 0xD2};
+    Outputs out;
+    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x04, 0x95, 0x00}, reply);
+    EXPECT_EQ(VeltraSDK_I3cCccGETCAPS(handle(), 0x30, out.bytes.data(), &out.count, false, 0),
+              0x1234);
+    onWire({0x27, 0x00, 0x02, 0x00, 0x09, 0x19, 0x30, 0x01, 0x02, 0x90, 0x00}, reply);
+    EXPECT_EQ(VeltraSDK_I3cCccGETSTATUS(handle(), 0x30, out.bytes.data(), &out.count, false, 0),
+              0x1234);
+    EXPECT_EQ(out.count, untouchedByte);
+    EXPECT_TRUE(out.written(0).empty());
+}
+
+TEST_P(I3cCccFunctionTest, RSTACTAsAReadWritesTheReplyWhateverTheStatus) {
+    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x11, 0x01, 0x9A, 0x81},
+           {0x2F, 0x00, 0x01, 0x00, 0x09, 0x19, 0x34, 0x12, 0x00, 0x00, 0x00, 0x01, 0x5A});
+    uint8_t reply = untouchedByte;
+    EXPECT_EQ(VeltraSDK_I3cCccRSTACTDirect(handle(), 0x30, timeToResetPeripheral, read, &reply),
+              0x1234);
+    EXPECT_EQ(reply, 0x5A);
+}
+
+TEST_P(I3cCccFunctionTest, RSTACTAsAReadWithoutAReplyPointerIsRefused) {
+    EXPECT_EQ(VeltraSDK_I3cCccRSTACTDirect(handle(), 0x30, timeToResetPeripheral, read, nullptr),
+              refused);
+    expectNothingSent();
+}
+
+TEST_P(I3cCccFunctionTest, RSTACTAsAWriteNeedsNoReplyPointer) {
+    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x10, 0x00, 0x9A, 0x01},
+           {0x1B, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00});
+    EXPECT_EQ(VeltraSDK_I3cCccRSTACTDirect(handle(), 0x30, resetPeripheral, write, nullptr), 0);
+}
+
+TEST_P(I3cCccFunctionTest, RSTACTInAnUnknownDirectionNeedsNoReplyPointer) {
+    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x12, 0x01, 0x9A, 0x01},
+           {0x2F, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x00, 0x00, 0x00, 0x01, 0x5A});
+    EXPECT_EQ(VeltraSDK_I3cCccRSTACTDirect(handle(), 0x30, resetPeripheral,
+                                           static_cast<I3cTransferDirection>(2), nullptr),
+              0);
+}
+
+TEST_P(I3cCccFunctionTest, SETAASAWithoutAddressesDoesNotUseThePointer) {
+    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x7E, 0x00, 0x00, 0x29, 0x00},
+           {0x1B, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00});
+    EXPECT_EQ(VeltraSDK_I3cCccSETAASA(handle(), nullptr, 0), 0);
+}
+
+TEST_P(I3cCccFunctionTest, SETAASAWith257AddressesSendsThemAllWithALengthOfOne) {
+    const Bytes addresses(257, 0x50);
+    Bytes request{0x01, 0x00, 0x09, 0x19, 0x7E, 0x00, 0x01, 0x29, 0x00};
+    request.insert(request.end(), addresses.begin(), addresses.end());
+    onWireLong(request, {0x01, 0x00, 0x09, 0x19, 0x00, 0x00});
+    EXPECT_EQ(VeltraSDK_I3cCccSETAASA(handle(), addresses.data(), addresses.size()), 0);
+}
+
+/// Calls every query without one of the pointers it requires.
+void expectWithoutAPointer(VeltraSDK_Handle* handle, int16_t result) {
+    Outputs out;
+    EXPECT_EQ(VeltraSDK_I3cCccGETPID(handle, 0x30, nullptr), result);
+    EXPECT_EQ(VeltraSDK_I3cCccGETBCR(handle, 0x30, nullptr), result);
+    EXPECT_EQ(VeltraSDK_I3cCccGETDCR(handle, 0x30, nullptr), result);
+    EXPECT_EQ(VeltraSDK_I3cCccGETMWL(handle, 0x30, nullptr), result);
+    EXPECT_EQ(VeltraSDK_I3cCccGETMRL(handle, 0x30, nullptr, &out.size, &out.flag), result);
+    EXPECT_EQ(VeltraSDK_I3cCccGETCAPS(handle, 0x30, nullptr, &out.count, false, 0), result);
+    EXPECT_EQ(VeltraSDK_I3cCccGETCAPS(handle, 0x30, out.bytes.data(), nullptr, false, 0), result);
+    EXPECT_EQ(VeltraSDK_I3cCccGETSTATUS(handle, 0x30, nullptr, &out.count, false, 0), result);
+    EXPECT_EQ(VeltraSDK_I3cCccGETSTATUS(handle, 0x30, out.bytes.data(), nullptr, false, 0), result);
+    EXPECT_EQ(VeltraSDK_I3cCccRSTACTDirect(handle, 0x30, timeToResetPeripheral, read, nullptr),
+              result);
+    EXPECT_TRUE(out.written(0).empty());
+    EXPECT_EQ(out.count, untouchedByte);
+    EXPECT_EQ(out.size, untouchedByte);
+}
+
+TEST_P(I3cCccFunctionTest, AMissingRequiredPointerIsRefused) {
+    expectWithoutAPointer(handle(), refused);
+    expectNothingSent();
+}
+
+TEST_P(I3cCccFunctionTest, ARefusedArgumentWinsOverAMissingLink) {
+    VeltraSDK_Disconnect(handle());
+    expectWithoutAPointer(handle(), refused);
+}
+
+TEST_P(I3cCccFunctionTest, ANullHandleWinsOverARefusedArgument) {
+    expectWithoutAPointer(nullptr, notConnected);
+}
+
+} // namespace

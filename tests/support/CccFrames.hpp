@@ -1,0 +1,19 @@
+#pragma once
+
+#include "support/ScriptedHid.hpp"
+
+#include <string>
+
+namespace test_support {
+
+/// A Common Command Code as one request packet with transaction identifier 1.
+struct CccFrame {
+    std::string name;
+    Bytes packet;
+};
+
+/// Every Common Command Code that the library sends, in each of its forms and in the order of their
+/// codes. Direct codes address target 0x30, broadcasts 0x7E.
+extern const std::vector<CccFrame> cccFrames;
+
+} // namespace test_support
