@@ -33,7 +33,7 @@ def build(language, source, directory):
     file.write_text(source)
     program = directory / "block"
     subprocess.run(
-        [compiler, f"-std={standard}", "-Wall", "-Wextra", "-Werror", str(file), "-o", str(program)]
+        [compiler, f"-std={standard}", "-Wall", "-Wextra", "-Werror", "-D_GNU_SOURCE", "-pthread", str(file), "-o", str(program)]
         + flags,
         check=True,
     )
