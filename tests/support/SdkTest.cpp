@@ -4,17 +4,13 @@
 
 namespace test_support {
 
-SdkTest::SdkTest() {
+SdkTest::SdkTest(int timeout) : timeoutMs(timeout) {
     hid.attach({"1-1:1.0", vendorId, GetParam().productId, L"VA-0001"});
-}
-
-SdkTest::~SdkTest() {
-    VeltraSDK_Destroy(flat);
 }
 
 VeltraSDK& SdkTest::sdk() {
     if (blocking == nullptr) {
-        blocking = std::make_unique<VeltraSDK>(patientMs);
+        blocking = std::make_unique<VeltraSDK>(timeoutMs);
         EXPECT_TRUE(blocking->connect(""));
     }
     return *blocking;
@@ -22,10 +18,10 @@ VeltraSDK& SdkTest::sdk() {
 
 VeltraSDK_Handle* SdkTest::handle() {
     if (flat == nullptr) {
-        flat = VeltraSDK_Create(patientMs);
-        EXPECT_TRUE(VeltraSDK_Connect(flat, nullptr));
+        flat.reset(VeltraSDK_Create(timeoutMs));
+        EXPECT_TRUE(VeltraSDK_Connect(flat.get(), nullptr));
     }
-    return flat;
+    return flat.get();
 }
 
 void SdkTest::onWire(const Bytes& requestPacket, const Bytes& responsePacket) {
@@ -43,12 +39,16 @@ void SdkTest::onWireLong(const Bytes& request, const Bytes& response) {
 void SdkTest::withEveryTruncation(Bytes request, Bytes response,
                                   const std::function<void(const Bytes& received)>& operation) {
     constexpr size_t shortestFrame = 6;
+    const Bytes emptyPacket{0x03, 0x00};
     for (size_t length = response.size() + 1; length-- > 0;) {
         SCOPED_TRACE("the first " + std::to_string(length) + " bytes of the response");
         const bool dropped = length < shortestFrame;
         Bytes truncation = response;
         truncation.resize(length);
         std::vector<Bytes> answers = GetParam().inputs(truncation);
+        if (length == 0) {
+            answers = {GetParam().input(emptyPacket)};
+        }
         if (dropped) {
             const std::vector<Bytes> whole = GetParam().inputs(response);
             answers.insert(answers.end(), whole.begin(), whole.end());

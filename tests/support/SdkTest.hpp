@@ -11,6 +11,20 @@
 
 namespace test_support {
 
+/// The time-out of tests in which the response is sure to come.
+constexpr int patientMs = generousLimitMs;
+
+/// The C functions' own result codes.
+constexpr int16_t notConnected = 0x4000;
+constexpr int16_t refused = -32768;
+
+struct DestroyHandle {
+    void operator()(VeltraSDK_Handle* handle) const { VeltraSDK_Destroy(handle); }
+};
+
+/// A C handle that is destroyed with its scope.
+using OwnedHandle = std::unique_ptr<VeltraSDK_Handle, DestroyHandle>;
+
 /// A blocking object and a C handle over one scripted adapter, both connected, each with its own
 /// transaction identifiers: the first request of either carries identifier 1. The fixture runs on
 /// both models.
@@ -20,8 +34,7 @@ namespace test_support {
 ///     EXPECT_EQ(sdk().gpioDigitalRead(GpioPinNumber_5, level), 0);
 class SdkTest : public testing::TestWithParam<Model> {
 protected:
-    SdkTest();
-    ~SdkTest() override;
+    explicit SdkTest(int timeoutMs = patientMs);
 
     /// The class's object, connected at its first use. Use only one of the two in a test.
     VeltraSDK& sdk();
@@ -50,11 +63,15 @@ protected:
     ScriptedHid hid;
 
 private:
+    int timeoutMs;
     std::unique_ptr<VeltraSDK> blocking;
-    VeltraSDK_Handle* flat = nullptr;
+    OwnedHandle flat;
 };
 
-/// The time-out of tests in which the response is sure to come.
-constexpr int patientMs = generousLimitMs;
+/// The same with a time-out of 0, for tests in which no response comes.
+class ImpatientSdkTest : public SdkTest {
+protected:
+    ImpatientSdkTest() : SdkTest(0) {}
+};
 
 } // namespace test_support
