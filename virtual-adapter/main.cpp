@@ -5,15 +5,18 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <iostream>
-#include <stdexcept>
+#include <cstdio>
+#include <exception>
 #include <string>
 #include <vector>
 
-int main(int argc, char** argv) {
+namespace {
+
+int runCommandLine(int argc, char** argv) {
     // What follows -- is another program's command line.
     char** const end = argv + argc;
-    char** const separator = std::find(argv, end, std::string("--"));
+    const bool runs = argc > 1 && argv[1] == std::string("run");
+    char** const separator = runs ? std::find(argv, end, std::string("--")) : end;
     const std::vector<std::string> program(std::min(separator + 1, end), end);
 
     CLI::App app("A stand-in for the adapter: programs run, and are tested, without hardware",
@@ -24,11 +27,17 @@ int main(int argc, char** argv) {
     virtual_adapter::addServeCommand(app);
     virtual_adapter::addAttachCommand(app);
 
+    CLI11_PARSE(app, static_cast<int>(separator - argv), argv);
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
     try {
-        CLI11_PARSE(app, static_cast<int>(separator - argv), argv);
-    } catch (const std::runtime_error& error) {
-        std::cerr << "veltra-virtual-adapter: " << error.what() << std::endl;
+        return runCommandLine(argc, argv);
+    } catch (const std::exception& error) {
+        (void)std::fprintf(stderr, "veltra-virtual-adapter: %s\n", error.what());
         return 1;
     }
-    return 0;
 }

@@ -2,10 +2,6 @@
 
 #include "options.hpp"
 
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
@@ -27,13 +23,14 @@ constexpr int notFound = 127;
 
 const char* const preloadVariable = "LD_PRELOAD";
 
+const char* const sanitizerRuntime = VELTRA_SANITIZER_RUNTIME;
+
 [[noreturn]] void fail(int exitStatus, const std::string& message) {
     std::cerr << "veltra-virtual-adapter: " << message << std::endl;
     throw CLI::RuntimeError(exitStatus);
 }
 
 void setEnvironment(const std::string& variable, const std::string& value) {
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): the process has one thread.
     if (setenv(variable.c_str(), value.c_str(), 1) != 0) {
         fail(cannotSetUp, "cannot set " + variable + ": " + std::generic_category().message(errno));
     }
@@ -60,8 +57,7 @@ void preload(const std::string& library) {
         fail(cannotSetUp, std::string(preloadVariable) +
                               " cannot hold a path with a space or a colon: " + library);
     }
-    std::string libraries = VELTRA_SANITIZER_RUNTIME;
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): the process has one thread.
+    std::string libraries(sanitizerRuntime);
     const char* const inherited = std::getenv(preloadVariable);
     for (const std::string& next : {std::string(inherited == nullptr ? "" : inherited), library}) {
         libraries += (libraries.empty() || next.empty() ? "" : ":") + next;
@@ -71,6 +67,7 @@ void preload(const std::string& library) {
 
 [[noreturn]] void execute(std::vector<std::string> program) {
     std::vector<char*> arguments;
+    arguments.reserve(program.size() + 1);
     for (std::string& argument : program) {
         arguments.push_back(argument.data());
     }

@@ -1,11 +1,9 @@
 #pragma once
 
+#include <CLI/App.hpp>
+
 #include <string>
 #include <vector>
-
-namespace CLI {
-class App;
-}
 
 namespace virtual_adapter {
 

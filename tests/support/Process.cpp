@@ -35,11 +35,12 @@ std::string contents(FILE* file) {
 
 } // namespace
 
-ProcessResult runProcess(const std::vector<std::string>& commandLine,
+ProcessResult runProcess(std::vector<std::string> commandLine,
                          const std::vector<std::string>& environment) {
     std::vector<char*> arguments;
-    for (const std::string& argument : commandLine) {
-        arguments.push_back(const_cast<char*>(argument.c_str()));
+    arguments.reserve(commandLine.size() + 1);
+    for (std::string& argument : commandLine) {
+        arguments.push_back(argument.data());
     }
     arguments.push_back(nullptr);
     const File output = temporaryFile();

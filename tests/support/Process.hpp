@@ -13,5 +13,5 @@ struct ProcessResult {
 
 /// Runs a program to its end. Each of @p environment, "NAME=VALUE", is set in addition to the
 /// caller's; a bare "NAME" is removed.
-ProcessResult runProcess(const std::vector<std::string>& commandLine,
+ProcessResult runProcess(std::vector<std::string> commandLine,
                          const std::vector<std::string>& environment = {});

@@ -10,6 +10,7 @@
 #include <dlfcn.h>
 #include <filesystem>
 
+using testing::AllOf;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -22,7 +23,7 @@ using Arguments = std::vector<std::string>;
 const std::string virtualAdapter = VIRTUAL_ADAPTER;
 const std::string preloadLibrary = PRELOAD_LIBRARY;
 const std::string hidProbe = HID_PROBE;
-const std::string sanitizerRuntime = SANITIZER_RUNTIME;
+const char* const sanitizerRuntime = SANITIZER_RUNTIME;
 
 Arguments operator+(Arguments left, const Arguments& right) {
     left.insert(left.end(), right.begin(), right.end());
@@ -44,15 +45,16 @@ std::string play(const Arguments& options, const Arguments& calls) {
 /// The line that the probe prints of a listed adapter.
 std::string listed(unsigned productId, const std::string& strings) {
     std::array<char, 32> identifiers{};
-    std::snprintf(identifiers.data(), identifiers.size(), "%04x:%04x", VELTRASDK_USB_VENDOR_ID,
-                  productId);
+    (void)std::snprintf(identifiers.data(), identifiers.size(), "%04x:%04x",
+                        VELTRASDK_USB_VENDOR_ID, productId);
     return std::string("list: 1-1:1.0 ") + identifiers.data() + " 100 " + strings +
            " interface 0 bus 1\n";
 }
 
-/// The literal preload list that puts the library under test behind what sanitizers need.
-std::string preloading(const std::string& library) {
-    return "LD_PRELOAD=" + (sanitizerRuntime.empty() ? "" : sanitizerRuntime + ":") + library;
+/// A preload list, behind what a sanitizer needs.
+std::string preloadList(const std::string& libraries) {
+    const std::string runtime = sanitizerRuntime;
+    return runtime.empty() ? libraries : runtime + ":" + libraries;
 }
 
 const std::string openIt = "open 1-1:1.0";
@@ -243,6 +245,12 @@ TEST(RunCommandLine, ASubcommandIsRequired) {
     EXPECT_EQ(runProcess({virtualAdapter}).status, 106);
 }
 
+TEST(RunCommandLine, OnlyRunTakesAProgram) {
+    const ProcessResult result = runProcess({virtualAdapter, "serve", "--", hidProbe});
+    EXPECT_EQ(result.status, 109);
+    EXPECT_THAT(result.errors, HasSubstr(hidProbe));
+}
+
 TEST(RunCommandLine, AnUnknownOptionIsRefused) {
     const ProcessResult result = run({"--colour", "blue"}, {hidProbe});
     EXPECT_EQ(result.status, 109);
@@ -280,16 +288,15 @@ TEST(RunCommandLine, TheVersionIsTheProjects) {
     EXPECT_EQ(result.output, PROJECT_VERSION_TEXT "\n");
 }
 
-TEST(RunEnvironment, WhatWasPreloadedStaysInFront) {
-    const std::string own = (sanitizerRuntime.empty() ? "" : sanitizerRuntime + ":");
+TEST(RunEnvironment, ThePreloadedLibraryIsTheLast) {
+    EXPECT_EQ(run({}, {"printenv", "LD_PRELOAD"}).output, preloadList(preloadLibrary) + "\n");
     const ProcessResult result = runProcess({virtualAdapter, "run", "--", "printenv", "LD_PRELOAD"},
-                                            {preloading("libm.so.6")});
-    EXPECT_EQ(result.output, own + own + "libm.so.6:" + preloadLibrary + "\n");
-    EXPECT_EQ(run({}, {"printenv", "LD_PRELOAD"}).output, own + preloadLibrary + "\n");
+                                            {"LD_PRELOAD=" + preloadList("libm.so.6")});
+    EXPECT_EQ(result.output, preloadList(preloadList("libm.so.6:" + preloadLibrary)) + "\n");
 }
 
 TEST(RunEnvironment, TheLibraryAloneIsADefaultAdapter) {
-    EXPECT_EQ(runProcess({hidProbe, "list"}, {preloading(preloadLibrary)}).output,
+    EXPECT_EQ(runProcess({hidProbe, "list"}, {"LD_PRELOAD=" + preloadList(preloadLibrary)}).output,
               listed(VELTRASDK_USB_PRODUCT_ID_FULL_SPEED, "Veltra | full-speed | VA-0001"));
 }
 
@@ -300,11 +307,12 @@ TEST(RunEnvironment, AnImpossibleSettingIsExplainedAndLeavesNoAdapter) {
                                            "most 254 bytes"},
         {"VELTRA_VIRTUAL_ADAPTER_FAULT_DELAY=-1", "expected milliseconds from 0 to 3600000"}};
     for (const auto& [variable, expectation] : cases) {
-        const ProcessResult result = runProcess({hidProbe, "init", "list", openIt, "exit"},
-                                                {preloading(preloadLibrary), variable});
+        const ProcessResult result =
+            runProcess({hidProbe, "init", "list", openIt, "exit"},
+                       {"LD_PRELOAD=" + preloadList(preloadLibrary), variable});
         EXPECT_EQ(result.output, "init: -1\nlist: nothing\nopen: null\nexit: 0\n");
-        EXPECT_EQ(result.errors,
-                  "veltra-virtual-adapter: no adapter: " + variable + ": " + expectation + "\n");
+        EXPECT_THAT(result.errors, AllOf(StartsWith("veltra-virtual-adapter: no adapter: "),
+                                         HasSubstr(variable), EndsWith(": " + expectation + "\n")));
     }
 }
 
@@ -323,7 +331,7 @@ TEST(RunEnvironment, TheLibraryExportsEightFunctions) {
 
 /// The executable somewhere else, with or without its library.
 class RunElsewhere : public testing::Test {
-protected:
+public:
     RunElsewhere() {
         std::string pattern = testing::TempDir() + "veltra-virtual-adapter-XXXXXX";
         directory = mkdtemp(pattern.data());
@@ -331,6 +339,7 @@ protected:
 
     ~RunElsewhere() override { fs::remove_all(directory); }
 
+protected:
     static void copyTo(const fs::path& target, const std::string& source) {
         fs::create_directories(target);
         fs::copy(source, target);

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 using virtual_adapter::AdapterSettings;
-using virtual_adapter::FaultKind;
 using virtual_adapter::SettingText;
 using virtual_adapter::settingTexts;
 

@@ -35,7 +35,6 @@ void complain(const std::string& message) {
 AdapterSettings environmentSettings() {
     AdapterSettings settings;
     for (const auto& setting : virtual_adapter::settingTexts()) {
-        // NOLINTNEXTLINE(concurrency-mt-unsafe): once, while the device is made.
         const char* const text = std::getenv(setting.variable);
         if (text == nullptr) {
             continue;
@@ -62,6 +61,7 @@ hid_device* plugIn() {
 /// The one device, null when the environment asks for an impossible one. It outlives the program's
 /// static objects: a thread may still be reading while they are destroyed.
 hid_device* theDevice() {
+    // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): its port has a lock.
     static hid_device* const device = plugIn();
     return device;
 }
@@ -71,31 +71,34 @@ std::wstring wideText(const std::string& utf8) {
     return {characters.begin(), characters.end()};
 }
 
-/// An entry of the enumeration with the texts it points to.
-struct ListedDevice : hid_device_info {
-    ListedDevice(const AdapterSettings& settings, bool withStrings)
-        : hid_device_info(),
-          pathText(devicePath),
-          serialText(wideText(settings.serialNumber)),
-          manufacturerText(wideText(settings.identity.manufacturer)),
-          productText(wideText(settings.identity.model.name)) {
-        path = pathText.data();
-        vendor_id = settings.identity.vendorId;
-        product_id = settings.identity.productId;
-        release_number = settings.identity.deviceRelease;
-        bus_type = HID_API_BUS_USB;
-        if (withStrings) {
-            serial_number = serialText.data();
-            manufacturer_string = manufacturerText.data();
-            product_string = productText.data();
-        }
-    }
-
-    std::string pathText;
-    std::wstring serialText;
-    std::wstring manufacturerText;
-    std::wstring productText;
+/// An entry of the enumeration with the texts it points to. Programs hold the address of its first
+/// member.
+struct ListedDevice {
+    hid_device_info info{};
+    std::string path = devicePath;
+    std::wstring serialNumber;
+    std::wstring manufacturer;
+    std::wstring product;
 };
+
+hid_device_info* listDevice(const AdapterSettings& settings, bool withStrings) {
+    auto* const listed = new ListedDevice;
+    hid_device_info& info = listed->info;
+    info.path = listed->path.data();
+    info.vendor_id = settings.identity.vendorId;
+    info.product_id = settings.identity.productId;
+    info.release_number = settings.identity.deviceRelease;
+    info.bus_type = HID_API_BUS_USB;
+    if (withStrings) {
+        listed->serialNumber = wideText(settings.serialNumber);
+        listed->manufacturer = wideText(settings.identity.manufacturer);
+        listed->product = wideText(settings.identity.model.name);
+        info.serial_number = listed->serialNumber.data();
+        info.manufacturer_string = listed->manufacturer.data();
+        info.product_string = listed->product.data();
+    }
+    return &info;
+}
 
 } // namespace
 
@@ -112,22 +115,23 @@ int hid_exit() {
     return 0;
 }
 
-hid_device_info* hid_enumerate(unsigned short vendorId, unsigned short productId) {
+// NOLINTNEXTLINE(readability-identifier-naming): hidapi's names.
+hid_device_info* hid_enumerate(unsigned short vendor_id, unsigned short product_id) {
     hid_device* const device = theDevice();
     if (device == nullptr || !device->port.isOnBus()) {
         return nullptr;
     }
     const AdapterSettings& settings = device->port.adapterSettings();
     const UsbIdentity& identity = settings.identity;
-    if ((vendorId != 0 && vendorId != identity.vendorId) ||
-        (productId != 0 && productId != identity.productId)) {
+    if ((vendor_id != 0 && vendor_id != identity.vendorId) ||
+        (product_id != 0 && product_id != identity.productId)) {
         return nullptr;
     }
-    return new ListedDevice(settings, device->port.isAccessible());
+    return listDevice(settings, device->port.isAccessible());
 }
 
-void hid_free_enumeration(hid_device_info* devices) {
-    delete static_cast<ListedDevice*>(devices);
+void hid_free_enumeration(hid_device_info* devs) {
+    delete reinterpret_cast<ListedDevice*>(devs);
 }
 
 hid_device* hid_open_path(const char* path) {

@@ -3,7 +3,8 @@
 namespace virtual_adapter {
 
 const std::vector<FaultName>& faultNames() {
-    static const std::vector<FaultName> names{{"none", FaultKind::None},{"late-response", FaultKind::LateResponse},
+    static const std::vector<FaultName> names{{"none", FaultKind::None},
+                                              {"late-response", FaultKind::LateResponse},
                                               {"lost-response", FaultKind::LostResponse},
                                               {"wrong-identifier", FaultKind::WrongIdentifier},
                                               {"short-frame", FaultKind::ShortFrame},
