@@ -20,7 +20,7 @@ struct VELTRASDK_API Notification {
     NotificationKind kind;
     /** The whole frame, from the transaction identifier on; not owned. */
     const uint8_t* data;
-    /** The number of bytes at @ref data. */
+    /** The number of bytes at `data`. */
     size_t size;
 
     /** @return the joined target, or null; needs a frame of 15 bytes. */

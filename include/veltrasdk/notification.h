@@ -31,7 +31,7 @@ typedef struct I3cHotJoinData {
 /**
  * An in-band interrupt.
  *
- * @warning @ref payloadLength is the adapter's word and is not compared with the notification's
+ * @warning The length is the adapter's word and is not compared with the notification's
  * size. Stay inside: read at most `notification.size - 8` bytes.
  */
 typedef struct I3cIbiData {
@@ -52,7 +52,7 @@ typedef struct GpioData {
 /**
  * Bytes that the UART received.
  *
- * @warning @ref length is the adapter's word and is not compared with the notification's size.
+ * @warning The length is the adapter's word and is not compared with the notification's size.
  * Stay inside: read at most `notification.size - 8` bytes.
  */
 typedef struct UartRxData {
@@ -73,7 +73,7 @@ typedef struct Notification {
     NotificationKind kind;
     /** The whole frame, from the transaction identifier on; not owned. */
     const uint8_t* data;
-    /** The number of bytes at @ref data. */
+    /** The number of bytes at `data`. */
     size_t size;
     /** Reserved for the library. */
     I3cHotJoinData i3cHotJoinView;
