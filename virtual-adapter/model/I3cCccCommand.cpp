@@ -92,7 +92,7 @@ Bytes I3cCccCommand::operands() const {
 }
 
 Status I3cCccCommand::check() const {
-    const auto format =
+    const auto* const format =
         std::find_if(formats.begin(), formats.end(), [this](const Format& candidate) {
             return candidate.code == commandCode && candidate.kind == kind();
         });
@@ -111,7 +111,7 @@ Status I3cCccCommand::check() const {
     if (!counted || given.size() < format->fewestOperands || given.size() > format->mostOperands) {
         return Status::MalformedRequest;
     }
-    const bool knownEvents = !namesEvents(code()) || (given[0] & ~I3cEvent::all) == 0;
+    const bool knownEvents = !namesEvents(code()) || (given[0] & ~i3c_event::all) == 0;
     return knownEvents ? Status::Success : Status::InvalidParameter;
 }
 

@@ -31,16 +31,15 @@ Status I3cController::setParameters(const Settings& changed) {
 }
 
 Status I3cController::initialiseBus(const std::vector<I3cTargetInfo>& records) {
-    if (!controllerInitialised) {
-        return Status::NotInitialised;
+    Status status = table.check(records);
+    if (status == Status::Success) {
+        status = resetBus();
     }
-    const Status refused = table.check(records);
-    if (refused != Status::Success) {
-        return refused;
+    if (status == Status::Success) {
+        busInitialised = true;
+        status = table.initialise(records);
     }
-    resetBus();
-    busInitialised = true;
-    return table.initialise(records);
+    return status;
 }
 
 Status I3cController::resetBus() {
@@ -49,7 +48,7 @@ Status I3cController::resetBus() {
     }
     targets.legacy().getBus().stop();
     for (I3cTarget* target : targets.powered()) {
-        target->disableEvents(I3cEvent::all);
+        target->disableEvents(i3c_event::all);
     }
     table.clear();
     hotJoinAdmitted = false;
@@ -62,12 +61,6 @@ Dispatcher::Handler I3cController::whenSupplied(Dispatcher::Handler handler) con
     return [this, handler = std::move(handler)](PayloadReader& request) {
         return hasSupply ? handler(request) : Answer(Status::NoVoltage);
     };
-}
-
-Dispatcher::Handler I3cController::whenInitialised(Dispatcher::Handler handler) const {
-    return whenSupplied([this, handler = std::move(handler)](PayloadReader& request) {
-        return busInitialised ? handler(request) : Answer(Status::NotInitialised);
-    });
 }
 
 bool I3cController::isHeardBy(const I3cTarget& target) const {

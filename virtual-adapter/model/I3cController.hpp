@@ -32,8 +32,11 @@ public:
 
     /// @p handler, refused with `NoVoltage` without the supply. The controller must outlive it.
     [[nodiscard]] Dispatcher::Handler whenSupplied(Dispatcher::Handler handler) const;
-    /// @p handler, refused as well with `NotInitialised` before the bus is initialised.
-    [[nodiscard]] Dispatcher::Handler whenInitialised(Dispatcher::Handler handler) const;
+    /// @p checked, the status of a request's fields, or `NotInitialised` when they are right and
+    /// the bus is not initialised.
+    [[nodiscard]] Status onInitialisedBus(Status checked) const {
+        return checked == Status::Success && !busInitialised ? Status::NotInitialised : checked;
+    }
 
     I3cTargets& getTargets() { return targets; }
     I3cDeviceTable& getTable() { return table; }

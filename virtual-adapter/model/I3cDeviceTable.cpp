@@ -129,8 +129,7 @@ void I3cDeviceTable::resetAddresses() {
 Status I3cDeviceTable::configure(uint8_t address, uint8_t configuration) {
     Entry* entry = entryAt(address);
     const bool wantsLegacy = configuration == I3cTargetConfiguration_LegacyI2c;
-    if (entry == nullptr || configuration > I3cTargetConfiguration_LegacyI2c ||
-        (entry->target == nullptr) != wantsLegacy) {
+    if (entry == nullptr || (entry->target == nullptr) != wantsLegacy) {
         return Status::InvalidParameter;
     }
     entry->configuration = configuration;

@@ -39,11 +39,10 @@ void I3cBusSetup::registerCommands(Dispatcher& dispatcher) {
     onSupplied(CommandCode::I3cInitBus, &I3cBusSetup::initBus);
     onSupplied(CommandCode::I3cResetBus, &I3cBusSetup::resetBus);
 
-    dispatcher.on(
-        CommandCode::I3cSetTargetDeviceConfiguration,
-        controller.whenInitialised([this](auto& request) { return configureTarget(request); }));
+    onSupplied(CommandCode::I3cSetTargetDeviceConfiguration, &I3cBusSetup::configureTarget);
+
     const auto table =
-        controller.whenInitialised([this](auto& request) { return getDeviceTable(request); });
+        controller.whenSupplied([this](auto& request) { return getDeviceTable(request); });
     dispatcher.on(CommandCode::I3cGetDeviceTable, [table](auto& request) {
         const Answer answer = table(request);
         // A refusal counts no records for readers that ignore the status.
@@ -55,7 +54,7 @@ Answer I3cBusSetup::setVoltage(PayloadReader& request) {
     const unsigned millivolts = request.u16();
     const bool off = millivolts == 0;
     const Status status =
-        check(request, off || (millivolts >= lowestMillivolts && millivolts <= highestMillivolts));
+        check(request, off || within(millivolts, lowestMillivolts, highestMillivolts));
     if (status == Status::Success) {
         controller.setSupply(!off);
     }
@@ -81,16 +80,19 @@ Answer I3cBusSetup::initBus(PayloadReader& request) {
     for (I3cTargetInfo& record : records) {
         record = readI3cRecord(request);
     }
-    return request.consumedExactly() ? controller.initialiseBus(records) : Status::MalformedRequest;
+    const Status status = check(request, true);
+    return status == Status::Success ? controller.initialiseBus(records) : status;
 }
 
 Answer I3cBusSetup::resetBus(PayloadReader& request) {
-    return request.consumedExactly() ? controller.resetBus() : Status::MalformedRequest;
+    const Status status = check(request, true);
+    return status == Status::Success ? controller.resetBus() : status;
 }
 
 Answer I3cBusSetup::getDeviceTable(PayloadReader& request) {
-    if (!request.consumedExactly()) {
-        return Status::MalformedRequest;
+    const Status status = controller.onInitialisedBus(check(request, true));
+    if (status != Status::Success) {
+        return status;
     }
     const std::vector<I3cTargetInfo> records = controller.getTable().records();
     Bytes payload{static_cast<uint8_t>(records.size())};
@@ -103,10 +105,12 @@ Answer I3cBusSetup::getDeviceTable(PayloadReader& request) {
 Answer I3cBusSetup::configureTarget(PayloadReader& request) {
     const uint8_t address = request.u8();
     const uint8_t configuration = request.u8();
-    if (!request.consumedExactly()) {
-        return Status::MalformedRequest;
+    Status status = controller.onInitialisedBus(
+        check(request, configuration <= I3cTargetConfiguration_LegacyI2c));
+    if (status != Status::Success) {
+        return status;
     }
-    const Status status = controller.getTable().configure(address, configuration);
+    status = controller.getTable().configure(address, configuration);
     // An interrupt that was refused may be acceptable now.
     controller.serveRequests();
     return status;

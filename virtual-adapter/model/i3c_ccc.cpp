@@ -78,16 +78,17 @@ std::optional<Bytes> query(I3cTarget& target, CCC code, std::optional<uint8_t> d
 
 void I3cCcc::registerCommands(Dispatcher& dispatcher) {
     dispatcher.on(CommandCode::I3cCccTransfer,
-                  controller.whenInitialised([this](auto& request) { return transfer(request); }));
+                  controller.whenSupplied([this](auto& request) { return transfer(request); }));
 }
 
 Answer I3cCcc::transfer(PayloadReader& request) {
     const I3cCccCommand command(request);
-    if (command.status() != Status::Success) {
-        return command.status();
+    Status status = controller.onInitialisedBus(command.status());
+    if (status != Status::Success) {
+        return status;
     }
     Bytes received;
-    const Status status = carryOut(command, received);
+    status = carryOut(command, received);
     controller.stop();
 
     Bytes payload = command.echo();
@@ -131,7 +132,7 @@ Status I3cCcc::broadcast(const I3cCccCommand& command) {
     }
     const bool admitted = command.code() == CCC_ENECBroadcast;
     if ((admitted || command.code() == CCC_DISECBroadcast) &&
-        (operands[0] & I3cEvent::hotJoin) != 0) {
+        (operands[0] & i3c_event::hotJoin) != 0) {
         controller.admitHotJoin(admitted);
     }
     return Status::Success;

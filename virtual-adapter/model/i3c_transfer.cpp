@@ -82,15 +82,14 @@ struct I3cTransfer::Transfer {
 
 void I3cTransfer::registerCommands(Dispatcher& dispatcher) {
     dispatcher.on(CommandCode::I3cPrivateTransfer,
-                  controller.whenInitialised([this](auto& request) { return transfer(request); }));
-    dispatcher.on(CommandCode::I3cBusPattern, controller.whenInitialised([this](auto& request) {
-        return busPattern(request);
-    }));
+                  controller.whenSupplied([this](auto& request) { return transfer(request); }));
+    dispatcher.on(CommandCode::I3cBusPattern,
+                  controller.whenSupplied([this](auto& request) { return busPattern(request); }));
 }
 
 Answer I3cTransfer::transfer(PayloadReader& request) {
     const Transfer wanted(request);
-    Status status = check(request, wanted.valuesKnown());
+    Status status = controller.onInitialisedBus(check(request, wanted.valuesKnown()));
     if (status != Status::Success) {
         return status;
     }
@@ -113,8 +112,8 @@ Answer I3cTransfer::transfer(PayloadReader& request) {
 
 Answer I3cTransfer::busPattern(PayloadReader& request) {
     const uint8_t pattern = request.u8();
-    const Status status =
-        check(request, pattern == targetResetPattern || pattern == hdrExitPattern);
+    const Status status = controller.onInitialisedBus(
+        check(request, pattern == targetResetPattern || pattern == hdrExitPattern));
     if (status != Status::Success) {
         return status;
     }

@@ -39,7 +39,7 @@ bool I3cTarget::supportsHdrDdr() const {
     return (kind.hdrModes & hdrModeDdr) != 0;
 }
 
-bool I3cTarget::supportsVersion1_1() const {
+bool I3cTarget::hasAdvancedCapabilities() const {
     return (kind.bcr & bcrAdvancedCapabilities) != 0;
 }
 
@@ -55,16 +55,16 @@ void I3cTarget::setMaxIbiPayloadSize(uint8_t size) {
     ibiPayloadLimit = std::min(size, kind.maxIbiPayloadSize);
 }
 
-void I3cTarget::enableEvents(uint8_t enabled) {
-    events |= enabled;
+void I3cTarget::enableEvents(uint8_t named) {
+    events |= named;
 }
 
-void I3cTarget::disableEvents(uint8_t disabled) {
-    events &= static_cast<uint8_t>(~disabled);
+void I3cTarget::disableEvents(uint8_t named) {
+    events &= static_cast<uint8_t>(~named);
 }
 
 bool I3cTarget::requestsInterrupt() const {
-    return pendingInterrupt.has_value() && (events & I3cEvent::interrupt) != 0 && address != 0;
+    return pendingInterrupt.has_value() && (events & i3c_event::interrupt) != 0 && address != 0;
 }
 
 Bytes I3cTarget::raiseInterrupt() {
@@ -76,7 +76,7 @@ Bytes I3cTarget::raiseInterrupt() {
 }
 
 std::optional<Bytes> I3cTarget::status(DefiningByte definingByte) {
-    if (definingByte.has_value() && !supportsVersion1_1()) {
+    if (definingByte.has_value() && !hasAdvancedCapabilities()) {
         return {};
     }
     resetEscalates = false;
@@ -87,14 +87,14 @@ std::optional<Bytes> I3cTarget::status(DefiningByte definingByte) {
 }
 
 std::optional<Bytes> I3cTarget::capabilities(DefiningByte definingByte) const {
-    constexpr uint8_t version1_1 = 0x01;
+    constexpr uint8_t minorVersion = 0x01;
     constexpr uint8_t definingBytesInCapsAndStatus = 0x18;
-    if (!supportsVersion1_1()) {
+    if (!hasAdvancedCapabilities()) {
         return {};
     }
     switch (definingByte.value_or(formatStandard)) {
     case formatStandard:
-        return Bytes{kind.hdrModes, version1_1, definingBytesInCapsAndStatus, 0x00};
+        return Bytes{kind.hdrModes, minorVersion, definingBytesInCapsAndStatus, 0x00};
     case formatTestPattern:
         return Bytes{0xA5, 0x5A, 0xA5, 0x5A};
     default:
@@ -103,7 +103,7 @@ std::optional<Bytes> I3cTarget::capabilities(DefiningByte definingByte) const {
 }
 
 bool I3cTarget::armReset(uint8_t definingByte) {
-    if (!supportsVersion1_1() || definingByte > I3cTargetResetDefByte_ResetWholeTarget) {
+    if (!hasAdvancedCapabilities() || definingByte > I3cTargetResetDefByte_ResetWholeTarget) {
         return false;
     }
     armedReset = definingByte;
@@ -112,7 +112,7 @@ bool I3cTarget::armReset(uint8_t definingByte) {
 }
 
 std::optional<Bytes> I3cTarget::resetTime(uint8_t definingByte) const {
-    if (!supportsVersion1_1()) {
+    if (!hasAdvancedCapabilities()) {
         return {};
     }
     switch (definingByte) {
@@ -126,7 +126,7 @@ std::optional<Bytes> I3cTarget::resetTime(uint8_t definingByte) const {
 }
 
 void I3cTarget::receiveTargetResetPattern() {
-    if (!supportsVersion1_1()) {
+    if (!hasAdvancedCapabilities()) {
         return;
     }
     const auto armed = std::exchange(armedReset, std::nullopt);

@@ -30,12 +30,12 @@ struct I3cCharacteristics {
 };
 
 /// The events of ENEC and DISEC (MIPI I3C Basic v1.1.1, section 5.1.9.3.1).
-namespace I3cEvent {
+namespace i3c_event {
 constexpr uint8_t interrupt = 0x01;
 constexpr uint8_t controllerRole = 0x02;
 constexpr uint8_t hotJoin = 0x08;
 constexpr uint8_t all = interrupt | controllerRole | hotJoin;
-} // namespace I3cEvent
+} // namespace i3c_event
 
 /// A target of the I3C bus with registers behind a register pointer. What a target does not
 /// acknowledge, it answers with nothing.
@@ -44,8 +44,9 @@ public:
     /// The defining byte of a Common Command Code, when there is one.
     using DefiningByte = std::optional<uint8_t>;
 
-    /// A write starts with the register pointer, @p pointerSize bytes, most significant first.
-    I3cTarget(const I3cCharacteristics& ofThisKind, Bytes initialRegisters, size_t pointerSize = 1);
+    /// The registers start with @p contents. A write starts with the register pointer, of
+    /// @p pointerBytes bytes, most significant first.
+    I3cTarget(const I3cCharacteristics& ofThisKind, Bytes contents, size_t pointerBytes = 1);
     I3cTarget(const I3cTarget&) = delete;
     I3cTarget& operator=(const I3cTarget&) = delete;
     virtual ~I3cTarget() = default;
@@ -71,8 +72,8 @@ public:
     /// Does nothing to a target whose interrupts carry no payload.
     void setMaxIbiPayloadSize(uint8_t size);
 
-    void enableEvents(uint8_t events);
-    void disableEvents(uint8_t events);
+    void enableEvents(uint8_t named);
+    void disableEvents(uint8_t named);
 
     /// Whether an interrupt is pending that the target may raise now.
     [[nodiscard]] bool requestsInterrupt() const;
@@ -112,10 +113,14 @@ private:
     [[nodiscard]] virtual uint8_t readRegister(size_t index) const { return registers[index]; }
     virtual void writeRegister(size_t index, uint8_t value) { registers[index] = value; }
     /// The formats of GETSTATUS and GETCAPS that not every target has.
-    [[nodiscard]] virtual std::optional<Bytes> specialStatus(uint8_t) const { return {}; }
-    [[nodiscard]] virtual std::optional<Bytes> specialCapabilities(uint8_t) const { return {}; }
+    [[nodiscard]] virtual std::optional<Bytes> specialStatus(uint8_t /*definingByte*/) const {
+        return {};
+    }
+    [[nodiscard]] virtual std::optional<Bytes> specialCapabilities(uint8_t /*definingByte*/) const {
+        return {};
+    }
 
-    [[nodiscard]] bool supportsVersion1_1() const;
+    [[nodiscard]] bool hasAdvancedCapabilities() const;
     void resetPeripheral();
     void selectByHdrCommand(uint8_t commandCode);
     void writeFromPointer(Bytes::const_iterator first, Bytes::const_iterator last);
