@@ -1,5 +1,7 @@
 #include "model/PayloadReader.hpp"
 
+#include <algorithm>
+
 namespace virtual_adapter {
 
 uint8_t PayloadReader::u8() {
@@ -23,16 +25,21 @@ uint32_t PayloadReader::u32() {
 }
 
 Bytes PayloadReader::bytes(size_t count) {
-    Bytes result;
-    result.reserve(count);
-    for (size_t i = 0; i < count; ++i) {
-        result.push_back(u8());
-    }
+    const size_t available = std::min(count, remaining());
+    const auto first = frame.end() - static_cast<Frame::difference_type>(remaining());
+    Bytes result(first, first + static_cast<Frame::difference_type>(available));
+    result.resize(count);
+    position += available;
+    overrun = overrun || available < count;
     return result;
 }
 
 Bytes PayloadReader::rest() {
-    return bytes(frame.size() > position ? frame.size() - position : 0);
+    return bytes(remaining());
+}
+
+size_t PayloadReader::remaining() const {
+    return frame.size() - std::min(position, frame.size());
 }
 
 } // namespace virtual_adapter

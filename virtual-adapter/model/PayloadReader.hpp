@@ -25,6 +25,8 @@ public:
     [[nodiscard]] bool consumedExactly() const { return !overrun && position == frame.size(); }
 
 private:
+    [[nodiscard]] size_t remaining() const;
+
     const Frame& frame;
     size_t position;
     bool overrun = false;
