@@ -4,8 +4,11 @@ Only the standard library is used. Every function of <veltrasdk/veltrasdk.h> can
 `library.VeltraSDK_...`; the ones that the examples need are declared here.
 """
 
+import collections
 import ctypes
+import queue
 import sys
+import time
 
 library = ctypes.CDLL("libveltrasdk.so.1")
 
@@ -25,6 +28,21 @@ class DeviceInfoRecord(ctypes.Structure):
     ]
 
 
+class NotificationRecord(ctypes.Structure):
+    """The fields of Notification that a callback reads; the library's own follow them."""
+
+    _fields_ = [
+        ("kind", ctypes.c_uint32),
+        ("data", ctypes.POINTER(ctypes.c_uint8)),
+        ("size", ctypes.c_size_t),
+    ]
+
+
+NotificationCallback = ctypes.CFUNCTYPE(None, ctypes.POINTER(NotificationRecord))
+
+# A notification as the examples keep it. The payload of the frame starts at byte 6.
+Notification = collections.namedtuple("Notification", "kind frame")
+
 library.VeltraSDK_Create.restype = Handle
 library.VeltraSDK_Create.argtypes = [ctypes.c_int32]
 library.VeltraSDK_Destroy.restype = None
@@ -32,10 +50,19 @@ library.VeltraSDK_Destroy.argtypes = [Handle]
 library.VeltraSDK_GetVersion.restype = ctypes.c_char_p
 library.VeltraSDK_Connect.restype = ctypes.c_bool
 library.VeltraSDK_Connect.argtypes = [Handle, ctypes.c_char_p]
-library.VeltraSDK_GetDeviceInfo.restype = ctypes.c_int16
-library.VeltraSDK_GetDeviceInfo.argtypes = [Handle, ctypes.POINTER(DeviceInfoRecord)]
-library.VeltraSDK_EnterBootMode.restype = ctypes.c_int16
-library.VeltraSDK_EnterBootMode.argtypes = [Handle]
+library.VeltraSDK_onNotification.restype = None
+library.VeltraSDK_onNotification.argtypes = [Handle, NotificationCallback]
+
+
+def declare(operation, *argument_types):
+    """Declares VeltraSDK_<operation>, which returns a result code, by what follows the handle."""
+    function = getattr(library, "VeltraSDK_" + operation)
+    function.restype = ctypes.c_int16
+    function.argtypes = [Handle, *argument_types]
+
+
+declare("GetDeviceInfo", ctypes.POINTER(DeviceInfoRecord))
+declare("EnterBootMode")
 
 # The array form of operator delete, which releases the strings of a DeviceInfoRecord; it comes from
 # the C++ runtime that the library depends on.
@@ -56,6 +83,10 @@ class Adapter:
 
     def __init__(self, timeout_ms=1000):
         self.handle = library.VeltraSDK_Create(timeout_ms)
+        self.notifications = queue.SimpleQueue()
+        # Kept as long as the handle, since the library calls it; installed before connecting.
+        self.callback = NotificationCallback(self._keep)
+        library.VeltraSDK_onNotification(self.handle, self.callback)
         if not library.VeltraSDK_Connect(self.handle, None):
             self.close()
             sys.exit(
@@ -74,6 +105,23 @@ class Adapter:
     def close(self):
         library.VeltraSDK_Destroy(self.handle)
         self.handle = None
+
+    def _keep(self, record):
+        """Runs on a thread of the library's own: copies what came, and returns."""
+        received = record.contents
+        frame = ctypes.string_at(received.data, received.size)
+        self.notifications.put(Notification(received.kind, frame))
+
+    def wait_for(self, kind, seconds=30):
+        """The next notification of the kind, passing over others; None when none comes."""
+        limit = time.monotonic() + seconds
+        try:
+            while True:
+                notification = self.notifications.get(timeout=max(0, limit - time.monotonic()))
+                if notification.kind == kind:
+                    return notification
+        except queue.Empty:
+            return None
 
     def call(self, operation, *arguments):
         """Calls VeltraSDK_<operation> and raises AdapterError on a nonzero result."""
