@@ -37,22 +37,12 @@ PinRead readPin(VeltraSDK& sdk) {
 
 constexpr auto untouched = static_cast<GpioLogicLevel>(0xEE);
 
-class EngineTest : public SdkTest {
-protected:
-    /// Makes a report readable and waits until it has been handled.
-    void deliver(const Bytes& packet) {
-        hid.deliver(GetParam().input(packet));
-        ASSERT_TRUE(hid.waitUntilDrained());
-    }
-
-    /// An object with this time-out, connected.
-    std::unique_ptr<VeltraSDK> connected(int milliseconds) {
-        auto object = std::make_unique<VeltraSDK>(milliseconds);
-        EXPECT_TRUE(object->connect(""));
-        return object;
-    }
-};
+using EngineTest = SdkTest;
 INSTANTIATE_ON_BOTH_MODELS(EngineTest);
+
+/// The engine with a time-out of 0: an operation ends at once, and responses come late.
+using LateResponseTest = ImpatientSdkTest;
+INSTANTIATE_ON_BOTH_MODELS(LateResponseTest);
 
 // Transaction identifiers.
 
@@ -117,16 +107,16 @@ TEST_P(EngineTest, AnOperationAfterADisconnectIsNotConnected) {
 }
 
 TEST_P(EngineTest, ARefusedArgumentIsNotWaitedFor) {
-    const auto object = connected(-1);
+    VeltraSDK object(-1);
+    ASSERT_TRUE(object.connect(""));
     Bytes data;
-    EXPECT_EQ(object->i2cRead(0, 0x50, Bytes(5), 1, data, false), 0x8000);
+    EXPECT_EQ(object.i2cRead(0, 0x50, Bytes(5), 1, data, false), 0x8000);
     expectNothingSent();
 }
 
-TEST_P(EngineTest, ARequestThatCannotBeWrittenGetsNoResponse) {
-    const auto object = connected(0);
+TEST_P(LateResponseTest, ARequestThatCannotBeWrittenGetsNoResponse) {
     hid.failWriting(-1);
-    EXPECT_EQ(readPin(*object), (PinRead{0x2000, untouched}));
+    EXPECT_EQ(readPin(sdk()), (PinRead{0x2000, untouched}));
 }
 
 TEST_P(EngineTest, AResponseOfSixBytesIsWholeAndItsMissingPayloadReadsAsZero) {
@@ -138,8 +128,9 @@ TEST_P(EngineTest, AResponseOfSixBytesIsWholeAndItsMissingPayloadReadsAsZero) {
 
 TEST_P(EngineTest, WithoutATimeOutAnOperationWaitsForTheResponse) {
     onWire(readPin1);
-    const auto object = connected(-1);
-    auto read = std::async(std::launch::async, [&] { return readPin(*object); });
+    VeltraSDK object(-1);
+    ASSERT_TRUE(object.connect(""));
+    auto read = std::async(std::launch::async, [&] { return readPin(object); });
     ASSERT_TRUE(hid.waitForWrites(1));
     // Many reads time out meanwhile.
     ASSERT_TRUE(hid.waitForReads(hid.readCalls() + 20));
@@ -150,67 +141,66 @@ TEST_P(EngineTest, WithoutATimeOutAnOperationWaitsForTheResponse) {
 
 TEST_P(EngineTest, ZeroAndNegativeTimeOutsButMinusOneDoNotWait) {
     for (const int milliseconds : {0, -2, -1000, std::numeric_limits<int>::min()}) {
-        const auto object = connected(milliseconds);
-        EXPECT_EQ(readPin(*object), (PinRead{0x2000, untouched})) << milliseconds;
+        VeltraSDK object(milliseconds);
+        ASSERT_TRUE(object.connect(""));
+        EXPECT_EQ(readPin(object), (PinRead{0x2000, untouched})) << milliseconds;
     }
 }
 
 TEST_P(EngineTest, ATimeOutThatPassesWithoutAResponseIsNoResponse) {
     onWire(readPin1);
-    const auto object = connected(20);
-    EXPECT_EQ(readPin(*object), (PinRead{0x2000, untouched}));
+    VeltraSDK object(20);
+    ASSERT_TRUE(object.connect(""));
+    EXPECT_EQ(readPin(object), (PinRead{0x2000, untouched}));
 }
 
 TEST_P(EngineTest, TheLongestTimeOutIsWaitedOutNoLongerThanUntilTheResponse) {
     onWire(readPin1, pinIsHigh1);
-    const auto object = connected(std::numeric_limits<int>::max());
-    EXPECT_EQ(readPin(*object), (PinRead{0, GpioLogicLevel_High}));
+    VeltraSDK object(std::numeric_limits<int>::max());
+    ASSERT_TRUE(object.connect(""));
+    EXPECT_EQ(readPin(object), (PinRead{0, GpioLogicLevel_High}));
 }
 
 // Late responses.
 
-TEST_P(EngineTest, ALateResponseCompletesTheNextOperationAtOnce) {
+TEST_P(LateResponseTest, ALateResponseCompletesTheNextOperationAtOnce) {
     onWire(readPin1);
     onWire(readPin2);
-    const auto object = connected(0);
-    EXPECT_EQ(readPin(*object).result, 0x2000);
+    EXPECT_EQ(readPin(sdk()).result, 0x2000);
     deliver({0x1F, 0x00, 0x01, 0x00, 0x03, 0x14, 0x34, 0x12, 0x01});
-    EXPECT_EQ(readPin(*object), (PinRead{0x1234, GpioLogicLevel_High}));
+    EXPECT_EQ(readPin(sdk()), (PinRead{0x1234, GpioLogicLevel_High}));
 }
 
-TEST_P(EngineTest, ALateResponseMakesTheNextOneLateToo) {
-    const auto object = connected(0);
-    EXPECT_EQ(readPin(*object).result, 0x2000);
+TEST_P(LateResponseTest, ALateResponseMakesTheNextOneLateToo) {
+    EXPECT_EQ(readPin(sdk()).result, 0x2000);
     deliver({0x1F, 0x00, 0x01, 0x00, 0x03, 0x14, 0x11, 0x11, 0x00});
-    EXPECT_EQ(readPin(*object).result, 0x1111);
+    EXPECT_EQ(readPin(sdk()).result, 0x1111);
     deliver({0x1F, 0x00, 0x02, 0x00, 0x03, 0x14, 0x22, 0x22, 0x00});
-    EXPECT_EQ(readPin(*object).result, 0x2222);
-    EXPECT_EQ(readPin(*object).result, 0x2000);
+    EXPECT_EQ(readPin(sdk()).result, 0x2222);
+    EXPECT_EQ(readPin(sdk()).result, 0x2000);
 }
 
-TEST_P(EngineTest, OfSeveralLateResponsesTheLastCompletesTheNextOperation) {
-    const auto object = connected(0);
-    EXPECT_EQ(readPin(*object).result, 0x2000);
+TEST_P(LateResponseTest, OfSeveralLateResponsesTheLastCompletesTheNextOperation) {
+    EXPECT_EQ(readPin(sdk()).result, 0x2000);
     deliver({0x1F, 0x00, 0x01, 0x00, 0x03, 0x14, 0x11, 0x11, 0x00});
     deliver({0x1F, 0x00, 0x01, 0x00, 0x03, 0x14, 0x22, 0x22, 0x01});
-    EXPECT_EQ(readPin(*object), (PinRead{0x2222, GpioLogicLevel_High}));
-    EXPECT_EQ(readPin(*object).result, 0x2000);
+    EXPECT_EQ(readPin(sdk()), (PinRead{0x2222, GpioLogicLevel_High}));
+    EXPECT_EQ(readPin(sdk()).result, 0x2000);
 }
 
-TEST_P(EngineTest, ALateResponseOutlivesADisconnect) {
-    const auto object = connected(0);
-    EXPECT_EQ(readPin(*object).result, 0x2000);
+TEST_P(LateResponseTest, ALateResponseOutlivesADisconnect) {
+    EXPECT_EQ(readPin(sdk()).result, 0x2000);
     deliver({0x1F, 0x00, 0x01, 0x00, 0x03, 0x14, 0x34, 0x12, 0x01});
-    object->disconnect();
-    EXPECT_EQ(readPin(*object).result, 0x4000) << "which does not use the response up";
-    ASSERT_TRUE(object->connect(""));
-    EXPECT_EQ(readPin(*object), (PinRead{0x1234, GpioLogicLevel_High}));
+    sdk().disconnect();
+    EXPECT_EQ(readPin(sdk()).result, 0x4000) << "which does not use the response up";
+    ASSERT_TRUE(sdk().connect(""));
+    EXPECT_EQ(readPin(sdk()), (PinRead{0x1234, GpioLogicLevel_High}));
 }
 
-TEST_P(EngineTest, AResponseThatNobodyAskedForCompletesTheFirstOperation) {
-    const auto object = connected(0);
+TEST_P(LateResponseTest, AResponseThatNobodyAskedForCompletesTheFirstOperation) {
+    VeltraSDK& object = sdk();
     deliver({0x1F, 0x00, 0x99, 0x00, 0x05, 0x09, 0x34, 0x12, 0x01});
-    EXPECT_EQ(readPin(*object), (PinRead{0x1234, GpioLogicLevel_High}));
+    EXPECT_EQ(readPin(object), (PinRead{0x1234, GpioLogicLevel_High}));
 }
 
 // Routing.
@@ -238,16 +228,16 @@ TEST_P(EngineTest, ANotificationDoesNotEndAWait) {
 
 TEST_P(EngineTest, ANotificationIsNoResponseToAnOperation) {
     hid.expectWrite(GetParam().output(readPin1), {GetParam().input(gpioEvent)});
-    const auto object = connected(50);
-    EXPECT_EQ(readPin(*object), (PinRead{0x2000, untouched}));
+    VeltraSDK object(50);
+    ASSERT_TRUE(object.connect(""));
+    EXPECT_EQ(readPin(object), (PinRead{0x2000, untouched}));
 }
 
-TEST_P(EngineTest, ANotificationDoesNotOverwriteAPendingResponse) {
-    const auto object = connected(0);
-    EXPECT_EQ(readPin(*object).result, 0x2000);
+TEST_P(LateResponseTest, ANotificationDoesNotOverwriteAPendingResponse) {
+    EXPECT_EQ(readPin(sdk()).result, 0x2000);
     deliver({0x1F, 0x00, 0x01, 0x00, 0x03, 0x14, 0x34, 0x12, 0x01});
     deliver(gpioEvent);
-    EXPECT_EQ(readPin(*object), (PinRead{0x1234, GpioLogicLevel_High}));
+    EXPECT_EQ(readPin(sdk()), (PinRead{0x1234, GpioLogicLevel_High}));
 }
 
 TEST_P(EngineTest, FramesShorterThanSixBytesAreDropped) {
@@ -333,7 +323,8 @@ TEST_P(EngineTest, ConnectingTheOtherModelGoesOnWithItsReportSize) {
 }
 
 TEST_P(EngineTest, DestructionClosesTheLinkAndShutsHidapiDown) {
-    auto object = connected(0);
+    auto object = std::make_unique<VeltraSDK>(0);
+    ASSERT_TRUE(object->connect(""));
     EXPECT_EQ(hid.initCalls(), 1U);
     object.reset();
     EXPECT_EQ(hid.openDevices(), 0U);

@@ -117,8 +117,7 @@ TEST_P(SystemTest, ALateResponseToAnotherOperationIsUnexpected) {
     ASSERT_TRUE(object.connect(""));
     GpioLogicLevel level{};
     EXPECT_EQ(object.gpioDigitalRead(GpioPinNumber_5, level), 0x2000);
-    hid.deliver(GetParam().input({0x1F, 0x00, 0x01, 0x00, 0x03, 0x14, 0x00, 0x00, 0x01}));
-    ASSERT_TRUE(hid.waitUntilDrained());
+    deliver({0x1F, 0x00, 0x01, 0x00, 0x03, 0x14, 0x00, 0x00, 0x01});
     Bytes text{0xEE};
     EXPECT_EQ(object.getUsbString(text, 1), 0x6000);
     EXPECT_EQ(text, Bytes{0xEE});
@@ -229,8 +228,7 @@ TEST_P(SystemTest, AfterBootModeTheObjectConnectsAgain) {
 TEST_P(SystemTest, BootModeDoesNotUseUpALateResponse) {
     VeltraSDK object(0);
     ASSERT_TRUE(object.connect(""));
-    hid.deliver(GetParam().input({0x1F, 0x00, 0x99, 0x00, 0x03, 0x14, 0x34, 0x12, 0x01}));
-    ASSERT_TRUE(hid.waitUntilDrained());
+    deliver({0x1F, 0x00, 0x99, 0x00, 0x03, 0x14, 0x34, 0x12, 0x01});
     EXPECT_EQ(object.enterBootMode(), 0);
     ASSERT_TRUE(object.connect(""));
     GpioLogicLevel level{};

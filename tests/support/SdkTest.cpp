@@ -62,6 +62,11 @@ void SdkTest::withEveryTruncation(Bytes request, Bytes response,
     }
 }
 
+void SdkTest::deliver(const Bytes& packet) {
+    hid.deliver(GetParam().input(packet));
+    EXPECT_TRUE(hid.waitUntilDrained());
+}
+
 void SdkTest::expectNothingSent() const {
     EXPECT_TRUE(hid.writes().empty());
 }

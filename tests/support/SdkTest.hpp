@@ -57,6 +57,9 @@ protected:
     void withEveryTruncation(Bytes request, Bytes response,
                              const std::function<void(const Bytes& received)>& operation);
 
+    /// Lets the polling thread read a report of one packet and waits until it has been handled.
+    void deliver(const Bytes& packet);
+
     /// Checks that no request has left the host.
     void expectNothingSent() const;
 
