@@ -1,0 +1,6 @@
+#pragma once
+
+#include <cstddef>
+
+/// The heap allocations made with operator new so far, by any thread.
+size_t allocationsSoFar();
