@@ -1,0 +1,20 @@
+#!/usr/bin/env python3
+"""Runs an example where no adapter can be opened, and checks that it says what to do and fails.
+
+usage: run_without_adapter.py VIRTUAL_ADAPTER PROGRAM [ARGUMENT...]
+"""
+
+import subprocess
+import sys
+
+virtual_adapter, *program = sys.argv[1:]
+
+run = subprocess.run(
+    [virtual_adapter, "run", "--fault", "no-permission", "--", *program],
+    stderr=subprocess.PIPE,
+    text=True,
+    timeout=120,
+    check=False,
+)
+print(run.stderr, f"exit status {run.returncode}", sep="")
+sys.exit(run.returncode != 1 or not run.stderr.startswith("No adapter found"))
