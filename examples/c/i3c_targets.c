@@ -7,12 +7,12 @@
 #include "inbox.h"
 
 /* Events of ENEC and DISEC, and device characteristics registers that the example looks for. */
-enum { eventInterrupt = 0x01, eventHotJoin = 0x08 };
-enum { temperatureSensor = 0x63, microcontroller = 0xC6 };
+enum { EventInterrupt = 0x01, EventHotJoin = 0x08 };
+enum { DcrTemperatureSensor = 0x63, DcrMicrocontroller = 0xC6 };
 
 /* The registers of the virtual adapter's temperature sensor and microcontroller. */
-enum { registerTemperature = 0x00, registerAlert = 0x02, registerScratch = 0x04 };
-enum { registerModuleSupply = 0x00 };
+enum { RegisterTemperature = 0x00, RegisterAlert = 0x02, RegisterScratch = 0x04 };
+enum { RegisterModuleSupply = 0x00 };
 
 static const char* kindOf(uint8_t dcr) {
     switch (dcr) {
@@ -20,9 +20,9 @@ static const char* kindOf(uint8_t dcr) {
         return "generic device";
     case 0x41:
         return "accelerometer";
-    case temperatureSensor:
+    case DcrTemperatureSensor:
         return "temperature sensor";
-    case microcontroller:
+    case DcrMicrocontroller:
         return "microcontroller";
     default:
         return "device of another kind";
@@ -85,9 +85,9 @@ static bool writeRegister(VeltraSDK_Handle* handle, uint8_t address, uint8_t ind
 static bool useSensor(VeltraSDK_Handle* handle, uint8_t address) {
     uint8_t temperature[2];
     uint8_t scratch = 0;
-    if (!readRegisters(handle, address, registerTemperature, 2, temperature) ||
-        !writeRegister(handle, address, registerScratch, 0x5A) ||
-        !readRegisters(handle, address, registerScratch, 1, &scratch)) {
+    if (!readRegisters(handle, address, RegisterTemperature, 2, temperature) ||
+        !writeRegister(handle, address, RegisterScratch, 0x5A) ||
+        !readRegisters(handle, address, RegisterScratch, 1, &scratch)) {
         return false;
     }
     printf("Temperature: %.1f degrees Celsius\n",
@@ -100,8 +100,8 @@ static bool receiveInterrupt(VeltraSDK_Handle* handle, uint8_t address) {
     InboxItem item;
     I3cIbiData interrupt;
     if (!succeeded("Enabling interrupts",
-                   VeltraSDK_I3cCccENECDirect(handle, address, eventInterrupt)) ||
-        !writeRegister(handle, address, registerAlert, 0x21)) {
+                   VeltraSDK_I3cCccENECDirect(handle, address, EventInterrupt)) ||
+        !writeRegister(handle, address, RegisterAlert, 0x21)) {
         return false;
     }
     if (!takeFromInbox(NotificationKind_I3cIbi, &item) ||
@@ -121,8 +121,8 @@ static bool receiveHotJoin(VeltraSDK_Handle* handle, uint8_t supplyAddress) {
     InboxItem item;
     I3cHotJoinData joined;
     /* The broadcast admits hot-joins; the microcontroller switches a module's supply on. */
-    if (!succeeded("Enabling hot-joins", VeltraSDK_I3cCccENECBroadcast(handle, eventHotJoin)) ||
-        !writeRegister(handle, supplyAddress, registerModuleSupply, 1)) {
+    if (!succeeded("Enabling hot-joins", VeltraSDK_I3cCccENECBroadcast(handle, EventHotJoin)) ||
+        !writeRegister(handle, supplyAddress, RegisterModuleSupply, 1)) {
         return false;
     }
     if (!takeFromInbox(NotificationKind_I3cHotJoin, &item) ||
@@ -146,8 +146,8 @@ static bool tour(VeltraSDK_Handle* handle) {
     for (uint8_t i = 0; i < count; ++i) {
         printTarget(table[i].dynamicAddress, table[i].pid, table[i].bcr, table[i].dcr);
     }
-    const uint8_t sensor = find(table, count, temperatureSensor);
-    const uint8_t supply = find(table, count, microcontroller);
+    const uint8_t sensor = find(table, count, DcrTemperatureSensor);
+    const uint8_t supply = find(table, count, DcrMicrocontroller);
     return sensor != 0 && supply != 0 && useSensor(handle, sensor) &&
            receiveInterrupt(handle, sensor) && receiveHotJoin(handle, supply);
 }

@@ -9,7 +9,7 @@
 
 #include <veltrasdk/veltrasdk.h>
 
-enum { inboxCapacity = 16, secondsToWait = 30 };
+enum { InboxCapacity = 16, SecondsToWait = 30 };
 
 typedef struct {
     Notification notification;
@@ -19,7 +19,7 @@ typedef struct {
 static struct {
     pthread_mutex_t mutex;
     pthread_cond_t arrived;
-    InboxItem items[inboxCapacity];
+    InboxItem items[InboxCapacity];
     size_t arrivedCount;
     size_t takenCount;
 } inbox = {.mutex = PTHREAD_MUTEX_INITIALIZER, .arrived = PTHREAD_COND_INITIALIZER};
@@ -27,8 +27,8 @@ static struct {
 /* The callback for VeltraSDK_onNotification(): copies the notification, and returns. */
 static inline void putIntoInbox(const Notification* notification) {
     pthread_mutex_lock(&inbox.mutex);
-    if (inbox.arrivedCount - inbox.takenCount < inboxCapacity) {
-        InboxItem* item = &inbox.items[inbox.arrivedCount++ % inboxCapacity];
+    if (inbox.arrivedCount - inbox.takenCount < InboxCapacity) {
+        InboxItem* item = &inbox.items[inbox.arrivedCount++ % InboxCapacity];
         item->notification = *notification;
         memcpy(item->frame, notification->data, notification->size);
     }
@@ -40,13 +40,13 @@ static inline void putIntoInbox(const Notification* notification) {
 static inline bool takeFromInbox(NotificationKind kind, InboxItem* taken) {
     struct timespec limit;
     timespec_get(&limit, TIME_UTC);
-    limit.tv_sec += secondsToWait;
+    limit.tv_sec += SecondsToWait;
     bool found = false;
     bool timedOut = false;
     pthread_mutex_lock(&inbox.mutex);
     while (!found && !timedOut) {
         if (inbox.takenCount != inbox.arrivedCount) {
-            *taken = inbox.items[inbox.takenCount++ % inboxCapacity];
+            *taken = inbox.items[inbox.takenCount++ % InboxCapacity];
             taken->notification.data = taken->frame;
             found = taken->notification.kind == kind;
         } else {

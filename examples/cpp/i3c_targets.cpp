@@ -7,6 +7,7 @@
 #include "inbox.hpp"
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <string>
 
@@ -46,10 +47,11 @@ std::string hex(uint64_t number, size_t digits) {
     return text;
 }
 
-void printTarget(uint8_t address, const uint8_t (&pidBytes)[6], uint8_t bcr, uint8_t dcr) {
-    static constexpr const char* abilities[] = {"limited speed",     "in-band interrupts",
-                                                "interrupt payload", "can be offline",
-                                                "virtual targets",   "advanced capabilities"};
+template <typename PidBytes>
+void printTarget(uint8_t address, const PidBytes& pidBytes, uint8_t bcr, uint8_t dcr) {
+    static constexpr std::array abilities{"limited speed",     "in-band interrupts",
+                                          "interrupt payload", "can be offline",
+                                          "virtual targets",   "advanced capabilities"};
     uint64_t pid = 0;
     for (const uint8_t byte : pidBytes) {
         pid = pid << 8 | byte;

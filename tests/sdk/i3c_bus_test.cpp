@@ -136,19 +136,19 @@ TEST_P(I3cBusTest, ADeviceTableReplacesTheVectorWhateverTheStatus) {
 }
 
 TEST_P(I3cBusTest, ADeviceTableHasAsManyRecordsAsAnnouncedWhereverItsResponseEnds) {
-    withEveryTruncation(
-        {0x01, 0x00, 0x06, 0x19}, {0x01, 0x00, 0x06, 0x19, 0x34, 0x12, 0x02, //
-                                   0x48, 0x0A, 0x02, 0x46, 0x13, 0x57, 0x9B, 0xDF,
-                                   0x27, 0x63, 0x00, 0x01, 0x80, 0x02, 0x10, 0x01, //
-                                   0x48, 0x0A, 0x02, 0x46, 0x13, 0x57, 0x9B, 0xDF,
-                                   0x27, 0x63, 0x00, 0x01, 0x80, 0x02, 0x10, 0x01},
-        [&](const Bytes& received) {
-            std::vector<I3cTargetInfo> table(3, sensor);
-            EXPECT_EQ(sdk().i3cGetDeviceTable(table), 0x1234);
-            ASSERT_EQ(table.size(), received[6]);
-            EXPECT_EQ(memoryOf(table),
-                      Bytes(received.begin() + 7, received.begin() + 7 + received[6] * 16));
-        });
+    withEveryTruncation({0x01, 0x00, 0x06, 0x19},
+                        {0x01, 0x00, 0x06, 0x19, 0x34, 0x12, 0x02, //
+                         0x48, 0x0A, 0x02, 0x46, 0x13, 0x57, 0x9B, 0xDF,
+                         0x27, 0x63, 0x00, 0x01, 0x80, 0x02, 0x10, 0x01, //
+                         0x48, 0x0A, 0x02, 0x46, 0x13, 0x57, 0x9B, 0xDF,
+                         0x27, 0x63, 0x00, 0x01, 0x80, 0x02, 0x10, 0x01},
+                        [&](const Bytes& received) {
+                            std::vector<I3cTargetInfo> table(3, sensor);
+                            EXPECT_EQ(sdk().i3cGetDeviceTable(table), 0x1234);
+                            Bytes expected(received.begin() + 7, received.end());
+                            expected.resize(received[6] * sizeof(I3cTargetInfo));
+                            EXPECT_EQ(memoryOf(table), expected);
+                        });
 }
 
 TEST_P(I3cBusTest, AnOverlongCountOfRecordsReadsAsZeroBeyondTheResponse) {
