@@ -53,6 +53,24 @@ public:
             {{0x01, 0x00, 0x04, 0x19, static_cast<uint8_t>(records.size())}, joined(records)}));
     }
 
+    /// Initialises the bus with the companion at 0x08 and a record for every other address that
+    /// a record can claim, each of a target that is not there.
+    void initBusWithoutFreeAddresses() {
+        Frame request{0x01, 0x00, 0x04, 0x19, 0x00};
+        for (uint8_t address = 0x08; address <= 0x77; ++address) {
+            const bool claimable = address != 0x3E && address != 0x48 && address != 0x4F &&
+                                   address != 0x50 && address != 0x54 && address != 0x5E &&
+                                   address != 0x6E && address != 0x76;
+            if (claimable) {
+                const Bytes pid =
+                    address == 0x08 ? companionPid : Bytes{0xFF, 0xFE, 0x01, 0, 0, address};
+                request = joined({request, record(0x00, address, pid)});
+                ++request[4];
+            }
+        }
+        EXPECT_EQ(status(request), 0x0000U);
+    }
+
     Frame deviceTable() { return response({0x01, 0x00, 0x06, 0x19}); }
 
     /// The static and the dynamic address of each record of the device table.

@@ -259,6 +259,12 @@ TEST_F(I3cEvents, AHotJoinGivesEveryOtherTargetAnAddressToo) {
     EXPECT_EQ(bench.addresses(), (Bytes{0x00, 0x08, 0x54, 0x09, 0x48, 0x0A, 0x00, 0x0B}));
 }
 
+TEST_F(I3cEvents, AModuleWithoutAFreeAddressDoesNotJoin) {
+    bench.initBusWithoutFreeAddresses();
+    bench.ccc(enableHotJoin);
+    EXPECT_EQ(supplyModule(0x01), (std::vector<Frame>{success(0x08)}));
+}
+
 TEST_F(I3cEvents, AHotJoinComesBeforeTheInterrupts) {
     alert();
     supplyModule(0x01);

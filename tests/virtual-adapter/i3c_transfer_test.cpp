@@ -2,7 +2,6 @@
 
 using virtual_adapter::Bytes;
 using virtual_adapter::Frame;
-using virtual_adapter::I3cBench;
 using virtual_adapter::I3cModel;
 using virtual_adapter::joined;
 using virtual_adapter::noPid;
@@ -246,6 +245,26 @@ TEST_F(I3cModel, TheLegacySensorRefusesARegisterThatItDoesNotHave) {
     bench.status({0x01, 0x00, 0x02, 0x19, 0, 0, 1, 0});
     EXPECT_EQ(bench.status({0x01, 0x00, 0x08, 0x19, 0x4F, legacyWrite, 0, 1, 9, 0, 0, 0, 0, 0}),
               0x0007U);
+}
+
+TEST_F(I3cModel, WithoutTheSupplyTheLegacyEepromKeepsItsBytesAndTheLegacySensorLosesThem) {
+    const Frame readEeprom{0x01, 0x00, 0x08, 0x19, 0x50, legacyRead, 0, 1, 0x40, 0, 0, 0, 1, 0};
+    const Frame readSensor{0x01, 0x00, 0x08, 0x19, 0x4F, legacyRead, 0, 1, 0x01, 0, 0, 0, 1, 0};
+    const Bytes slower{0x01, 0x00, 0x02, 0x19, 0, 0, 1, 0};
+    bench.status(slower);
+    bench.status({0x01, 0x00, 0x08, 0x19, 0x50, legacyWrite, 0, 1, 0x40, 0, 0, 0, 1, 0, 0xAA});
+    bench.status({0x01, 0x00, 0x08, 0x19, 0x4F, legacyWrite, 0, 1, 0x01, 0, 0, 0, 1, 0, 0x1F});
+    EXPECT_EQ(bench.response(readSensor).at(10), 0x1F);
+
+    EXPECT_EQ(bench.status({0x01, 0x00, 0x04, 0x04, 0x00, 0x00}), 0x0000U);
+    bench.startBus();
+    bench.status(slower);
+    EXPECT_EQ(bench.response(readSensor).at(10), 0x00);
+    for (int attempt = 0; attempt < 3; ++attempt) {
+        bench.response(readEeprom);
+    }
+    EXPECT_EQ(bench.response(readEeprom),
+              (Frame{0x01, 0x00, 0x08, 0x19, 0x00, 0x00, 1, 0, 1, 0, 0xAA}));
 }
 
 TEST_F(I3cModel, ALegacyTransferIsNotForADynamicAddress) {
