@@ -5,6 +5,7 @@
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
+#include <string>
 #include <thread>
 
 #include <hidapi.h>
@@ -44,8 +45,8 @@ namespace {
 
 hid_device_ theDevice{};
 hid_device_info theInfo{};
-char thePath[] = "1-1:1.0";
-wchar_t theSerialNumber[] = L"LOOPBACK";
+std::string thePath = "1-1:1.0";
+std::wstring theSerialNumber = L"LOOPBACK";
 
 void answer(hid_device_& device) {
     const std::lock_guard<std::mutex> lock(device.mutex);
@@ -91,8 +92,8 @@ int hid_exit(void) {
 }
 
 hid_device_info* hid_enumerate(unsigned short /*vendorId*/, unsigned short /*productId*/) {
-    theInfo.path = thePath;
-    theInfo.serial_number = theSerialNumber;
+    theInfo.path = thePath.data();
+    theInfo.serial_number = theSerialNumber.data();
     theInfo.vendor_id = VELTRASDK_USB_VENDOR_ID;
     theInfo.product_id = reportSizeOfNextDevice == largestReportSize
                              ? VELTRASDK_USB_PRODUCT_ID_HIGH_SPEED

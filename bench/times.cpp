@@ -28,10 +28,8 @@ std::unique_ptr<VeltraSDK> connected(size_t reportSize) {
 
 /// hidapi alone: the device and a report that makes it answer.
 struct Raw {
-    explicit Raw(size_t reportSize) : report(reportSize + 1), response(reportSize) {
-        loopback_hid::setReportSize(reportSize);
-        device = hid_open_path("1-1:1.0");
-    }
+    explicit Raw(size_t reportSize)
+        : device(openWith(reportSize)), report(reportSize + 1), response(reportSize) {}
     Raw(const Raw&) = delete;
     Raw& operator=(const Raw&) = delete;
     ~Raw() { hid_close(device); }
@@ -46,6 +44,11 @@ struct Raw {
             hid_write(device, report.data(), report.size());
         }
         hid_read_timeout(device, response.data(), response.size(), 1000);
+    }
+
+    static hid_device* openWith(size_t reportSize) {
+        loopback_hid::setReportSize(reportSize);
+        return hid_open_path("1-1:1.0");
     }
 
     hid_device* device;
