@@ -114,9 +114,9 @@ void I3cController::serveInterrupts() {
         if (!target->requestsInterrupt() || !table.acceptsInterruptsOf(*target)) {
             continue;
         }
-        const Bytes raised = target->raiseInterrupt();
-        Bytes payload{target->dynamicAddress(), static_cast<uint8_t>(raised.size())};
-        payload.insert(payload.end(), raised.begin(), raised.end());
+        Bytes payload = target->raiseInterrupt();
+        const auto size = static_cast<uint8_t>(payload.size());
+        payload.insert(payload.begin(), {target->dynamicAddress(), size});
         notifications.push(CommandCode::I3cIbiNotification, payload);
     }
 }
