@@ -12,7 +12,7 @@ public:
 
     void setSupply(bool supplied);
 
-    [[nodiscard]] bool isPowered() const override { return powered; }
+    [[nodiscard]] bool isPowered() const { return powered; }
     [[nodiscard]] bool requestsHotJoin() const override { return joining; }
     void setDynamicAddress(uint8_t assigned) override;
 

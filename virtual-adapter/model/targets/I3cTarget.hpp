@@ -55,7 +55,6 @@ public:
     [[nodiscard]] bool hasIbiPayload() const;
     [[nodiscard]] bool supportsHdrDdr() const;
 
-    [[nodiscard]] virtual bool isPowered() const { return true; }
     /// Whether the target asks to join the running bus.
     [[nodiscard]] virtual bool requestsHotJoin() const { return false; }
 
