@@ -2,7 +2,7 @@
 #include "example.h"
 #include "inbox.h"
 
-enum { driver = GpioPinNumber_0, sensor = GpioPinNumber_1 };
+enum { DrivenPin = GpioPinNumber_0, WatchedPin = GpioPinNumber_1 };
 
 static const char* nameOf(GpioLogicLevel level) {
     return level == GpioLogicLevel_High ? "high" : "low";
@@ -11,21 +11,21 @@ static const char* nameOf(GpioLogicLevel level) {
 static bool setUp(VeltraSDK_Handle* handle) {
     return succeeded("Setting the voltage", VeltraSDK_GpioSetVoltage(handle, 3300, true)) &&
            succeeded("Configuring the output",
-                     VeltraSDK_GpioConfigurePin(handle, driver, GpioFunctionality_Output, true,
+                     VeltraSDK_GpioConfigurePin(handle, DrivenPin, GpioFunctionality_Output, true,
                                                 GpioLogicLevel_Low)) &&
            succeeded("Configuring the input",
-                     VeltraSDK_GpioConfigurePin(handle, sensor, GpioFunctionality_Input, false,
+                     VeltraSDK_GpioConfigurePin(handle, WatchedPin, GpioFunctionality_Input, false,
                                                 GpioLogicLevel_Low)) &&
-           succeeded("Arming the interrupt",
-                     VeltraSDK_GpioConfigureInterrupt(handle, sensor, GpioTriggerType_BothEdges));
+           succeeded("Arming the interrupt", VeltraSDK_GpioConfigureInterrupt(
+                                                 handle, WatchedPin, GpioTriggerType_BothEdges));
 }
 
 static bool drive(VeltraSDK_Handle* handle, GpioLogicLevel level) {
     InboxItem item;
     unsigned char event = 0;
     GpioLogicLevel seen = GpioLogicLevel_Low;
-    printf("Driving pin %d %s\n", driver, nameOf(level));
-    if (!succeeded("Writing the output", VeltraSDK_GpioDigitalWrite(handle, driver, level))) {
+    printf("Driving pin %d %s\n", DrivenPin, nameOf(level));
+    if (!succeeded("Writing the output", VeltraSDK_GpioDigitalWrite(handle, DrivenPin, level))) {
         return false;
     }
     if (!takeFromInbox(NotificationKind_Gpio, &item) ||
@@ -33,7 +33,7 @@ static bool drive(VeltraSDK_Handle* handle, GpioLogicLevel level) {
         fputs("No interrupt came.\n", stderr);
         return false;
     }
-    if (!succeeded("Reading the input", VeltraSDK_GpioDigitalRead(handle, sensor, &seen))) {
+    if (!succeeded("Reading the input", VeltraSDK_GpioDigitalRead(handle, WatchedPin, &seen))) {
         return false;
     }
     printf("Interrupt of pin %d, which is %s now\n", event, nameOf(seen));
@@ -46,7 +46,7 @@ int main(void) {
     const bool done =
         connectOrExplain(handle) && setUp(handle) && drive(handle, GpioLogicLevel_High) &&
         drive(handle, GpioLogicLevel_Low) &&
-        succeeded("Disarming the interrupt", VeltraSDK_GpioDisableInterrupt(handle, sensor));
+        succeeded("Disarming the interrupt", VeltraSDK_GpioDisableInterrupt(handle, WatchedPin));
     VeltraSDK_Destroy(handle);
     return done ? 0 : 1;
 }

@@ -3,15 +3,15 @@
 
 #include <ctype.h>
 
-enum { bus = 0, eepromAddress = 0x50, eepromSize = 256, bytesPerLine = 16 };
-enum { sendAddressOnce = 0, pullUps4700Ohm = 2 };
+enum { Bus = 0, EepromAddress = 0x50, EepromSize = 256, BytesPerLine = 16 };
+enum { SendAddressOnce = 0, PullUps4700Ohm = 2 };
 
 static bool setUp(VeltraSDK_Handle* handle) {
     return succeeded("Setting the voltage", VeltraSDK_I2cSetBusVoltage(handle, 3300, true)) &&
            succeeded("Initialising the controller",
-                     VeltraSDK_I2cControllerInit(handle, bus, 400000, sendAddressOnce)) &&
+                     VeltraSDK_I2cControllerInit(handle, Bus, 400000, SendAddressOnce)) &&
            succeeded("Setting the pull-up resistors",
-                     VeltraSDK_I2cSetPullUpResistors(handle, bus, pullUps4700Ohm));
+                     VeltraSDK_I2cSetPullUpResistors(handle, Bus, PullUps4700Ohm));
 }
 
 static bool scan(VeltraSDK_Handle* handle) {
@@ -20,10 +20,10 @@ static bool scan(VeltraSDK_Handle* handle) {
     uint8_t tenBitCount = 0;
     if (!succeeded("Scanning the bus",
                    VeltraSDK_I2cScanBus(handle, addresses, sizeof(addresses), &sevenBitCount,
-                                        &tenBitCount, bus, false))) {
+                                        &tenBitCount, Bus, false))) {
         return false;
     }
-    printf("Targets on bus %d:", bus);
+    printf("Targets on bus %d:", Bus);
     for (int i = 0; i < sevenBitCount; ++i) {
         printf(" 0x%02X", addresses[i]);
     }
@@ -33,11 +33,11 @@ static bool scan(VeltraSDK_Handle* handle) {
 
 static void printLine(int address, const uint8_t* bytes) {
     printf("  %02X: ", address);
-    for (int i = 0; i < bytesPerLine; ++i) {
+    for (int i = 0; i < BytesPerLine; ++i) {
         printf(" %02X", bytes[i]);
     }
     printf("  ");
-    for (int i = 0; i < bytesPerLine; ++i) {
+    for (int i = 0; i < BytesPerLine; ++i) {
         putchar(isprint(bytes[i]) ? bytes[i] : '.');
     }
     putchar('\n');
@@ -45,14 +45,14 @@ static void printLine(int address, const uint8_t* bytes) {
 
 static bool dumpEeprom(VeltraSDK_Handle* handle) {
     const uint8_t firstByte[] = {0x00};
-    uint8_t contents[eepromSize];
+    uint8_t contents[EepromSize];
     if (!succeeded("Reading the EEPROM",
-                   VeltraSDK_I2cRead(handle, bus, eepromAddress, firstByte, sizeof(firstByte),
+                   VeltraSDK_I2cRead(handle, Bus, EepromAddress, firstByte, sizeof(firstByte),
                                      sizeof(contents), contents, false))) {
         return false;
     }
-    printf("EEPROM at 0x%02X:\n", eepromAddress);
-    for (int address = 0; address < eepromSize; address += bytesPerLine) {
+    printf("EEPROM at 0x%02X:\n", EepromAddress);
+    for (int address = 0; address < EepromSize; address += BytesPerLine) {
         printLine(address, contents + address);
     }
     return true;

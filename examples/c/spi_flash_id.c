@@ -1,7 +1,7 @@
 /* Reads the identification of the SPI flash on chip select 0. */
 #include "example.h"
 
-enum { readIdentification = 0x9F, undriven = 0xFF };
+enum { ReadIdentification = 0x9F, Undriven = 0xFF };
 
 static bool setUp(VeltraSDK_Handle* handle) {
     return succeeded("Setting the voltage", VeltraSDK_SpiSetBusVoltage(handle, 3300, true)) &&
@@ -12,7 +12,7 @@ static bool setUp(VeltraSDK_Handle* handle) {
 }
 
 static bool printIdentification(VeltraSDK_Handle* handle) {
-    const uint8_t command[] = {readIdentification};
+    const uint8_t command[] = {ReadIdentification};
     /* The first byte comes in while the command goes out, and means nothing. */
     uint8_t received[4];
     if (!succeeded(
@@ -23,7 +23,7 @@ static bool printIdentification(VeltraSDK_Handle* handle) {
     const uint8_t manufacturer = received[1];
     const uint8_t type = received[2];
     const uint8_t capacity = received[3];
-    if (manufacturer == undriven) {
+    if (manufacturer == Undriven) {
         fputs("There is no flash on chip select 0.\n", stderr);
         return false;
     }

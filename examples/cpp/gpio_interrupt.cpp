@@ -4,8 +4,8 @@
 
 namespace {
 
-constexpr GpioPinNumber driver = GpioPinNumber_0;
-constexpr GpioPinNumber sensor = GpioPinNumber_1;
+constexpr GpioPinNumber drivenPin = GpioPinNumber_0;
+constexpr GpioPinNumber watchedPin = GpioPinNumber_1;
 
 const char* nameOf(GpioLogicLevel level) {
     return level == GpioLogicLevel_High ? "high" : "low";
@@ -13,17 +13,19 @@ const char* nameOf(GpioLogicLevel level) {
 
 bool setUp(VeltraSDK& sdk) {
     return succeeded("Setting the voltage", sdk.gpioSetVoltage(3300, true)) &&
-           succeeded("Configuring the output",
-                     sdk.gpioConfigurePin(driver, GpioFunctionality_Output, GpioLogicLevel_Low)) &&
-           succeeded("Configuring the input",
-                     sdk.gpioConfigurePin(sensor, GpioFunctionality_Input, GpioLogicLevel_Low)) &&
+           succeeded(
+               "Configuring the output",
+               sdk.gpioConfigurePin(drivenPin, GpioFunctionality_Output, GpioLogicLevel_Low)) &&
+           succeeded(
+               "Configuring the input",
+               sdk.gpioConfigurePin(watchedPin, GpioFunctionality_Input, GpioLogicLevel_Low)) &&
            succeeded("Arming the interrupt",
-                     sdk.gpioConfigureInterrupt(sensor, GpioTriggerType_BothEdges));
+                     sdk.gpioConfigureInterrupt(watchedPin, GpioTriggerType_BothEdges));
 }
 
 bool drive(VeltraSDK& sdk, Inbox& inbox, GpioLogicLevel level) {
-    std::cout << "Driving pin " << int{driver} << ' ' << nameOf(level) << '\n';
-    if (!succeeded("Writing the output", sdk.gpioDigitalWrite(driver, level))) {
+    std::cout << "Driving pin " << int{drivenPin} << ' ' << nameOf(level) << '\n';
+    if (!succeeded("Writing the output", sdk.gpioDigitalWrite(drivenPin, level))) {
         return false;
     }
     const auto item = inbox.take(NotificationKind_Gpio);
@@ -34,7 +36,7 @@ bool drive(VeltraSDK& sdk, Inbox& inbox, GpioLogicLevel level) {
         return false;
     }
     GpioLogicLevel seen = GpioLogicLevel_Low;
-    if (!succeeded("Reading the input", sdk.gpioDigitalRead(sensor, seen))) {
+    if (!succeeded("Reading the input", sdk.gpioDigitalRead(watchedPin, seen))) {
         return false;
     }
     std::cout << "Interrupt of pin " << int{event->value} << ", which is " << nameOf(seen)
@@ -52,6 +54,6 @@ int main() {
     const bool done = connectOrExplain(sdk) && setUp(sdk) &&
                       drive(sdk, inbox, GpioLogicLevel_High) &&
                       drive(sdk, inbox, GpioLogicLevel_Low) &&
-                      succeeded("Disarming the interrupt", sdk.gpioDisableInterrupt(sensor));
+                      succeeded("Disarming the interrupt", sdk.gpioDisableInterrupt(watchedPin));
     return done ? 0 : 1;
 }

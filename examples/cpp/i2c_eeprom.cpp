@@ -2,6 +2,8 @@
 #include "example.hpp"
 
 #include <cctype>
+#include <string>
+#include <string_view>
 
 namespace {
 
@@ -13,7 +15,7 @@ constexpr uint8_t sendAddressOnce = 0;
 constexpr uint8_t pullUps4700Ohm = 2;
 
 std::string hex(size_t byte) {
-    constexpr char digits[] = "0123456789ABCDEF";
+    constexpr std::string_view digits = "0123456789ABCDEF";
     return {digits[byte / 16 % 16], digits[byte % 16]};
 }
 

@@ -12,8 +12,8 @@ LOW, HIGH = 0, 1
 BOTH_EDGES = 2
 NOTIFICATION_GPIO = 2
 
-DRIVER = 0
-SENSOR = 1
+DRIVEN_PIN = 0
+WATCHED_PIN = 1
 NAMES = {LOW: "low", HIGH: "high"}
 
 BYTE = ctypes.c_uint8
@@ -28,19 +28,19 @@ declare("GpioDisableInterrupt", BYTE)
 
 def set_up(adapter):
     adapter.call("GpioSetVoltage", 3300, True)
-    adapter.call("GpioConfigurePin", DRIVER, OUTPUT, True, LOW)
-    adapter.call("GpioConfigurePin", SENSOR, INPUT, False, LOW)
-    adapter.call("GpioConfigureInterrupt", SENSOR, BOTH_EDGES)
+    adapter.call("GpioConfigurePin", DRIVEN_PIN, OUTPUT, True, LOW)
+    adapter.call("GpioConfigurePin", WATCHED_PIN, INPUT, False, LOW)
+    adapter.call("GpioConfigureInterrupt", WATCHED_PIN, BOTH_EDGES)
 
 
 def drive(adapter, level):
-    print(f"Driving pin {DRIVER} {NAMES[level]}")
-    adapter.call("GpioDigitalWrite", DRIVER, level)
+    print(f"Driving pin {DRIVEN_PIN} {NAMES[level]}")
+    adapter.call("GpioDigitalWrite", DRIVEN_PIN, level)
     notification = adapter.wait_for(NOTIFICATION_GPIO)
     if notification is None:
         sys.exit("No interrupt came.")
     seen = BYTE()
-    adapter.call("GpioDigitalRead", SENSOR, ctypes.byref(seen))
+    adapter.call("GpioDigitalRead", WATCHED_PIN, ctypes.byref(seen))
     pin = notification.frame[6]
     print(f"Interrupt of pin {pin}, which is {NAMES[seen.value]} now")
 
@@ -49,4 +49,4 @@ with Adapter() as adapter:
     set_up(adapter)
     drive(adapter, HIGH)
     drive(adapter, LOW)
-    adapter.call("GpioDisableInterrupt", SENSOR)
+    adapter.call("GpioDisableInterrupt", WATCHED_PIN)
