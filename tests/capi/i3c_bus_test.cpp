@@ -5,14 +5,13 @@ namespace {
 
 using test_support::Bytes;
 using test_support::memoryOf;
+using test_support::notConnected;
+using test_support::refused;
 using test_support::sensor;
 using test_support::sensors;
 
 using I3cBusFunctionTest = test_support::SdkTest;
 INSTANTIATE_ON_BOTH_MODELS(I3cBusFunctionTest);
-
-constexpr int16_t notConnected = 0x4000;
-constexpr int16_t refused = -32768;
 
 /// A response that carries the sensors.
 Bytes tableOf(const std::vector<I3cTargetInfo>& records, uint16_t status) {

@@ -9,12 +9,11 @@ namespace {
 using test_support::Bytes;
 using test_support::CccFrame;
 using test_support::cccFrames;
+using test_support::notConnected;
+using test_support::refused;
 
 using I3cCccFunctionTest = test_support::SdkTest;
 INSTANTIATE_ON_BOTH_MODELS(I3cCccFunctionTest);
-
-constexpr int16_t notConnected = 0x4000;
-constexpr int16_t refused = -32768;
 
 constexpr auto write = I3cTransferDirection_Write;
 constexpr auto read = I3cTransferDirection_Read;

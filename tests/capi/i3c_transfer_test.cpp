@@ -5,12 +5,11 @@
 namespace {
 
 using test_support::Bytes;
+using test_support::notConnected;
+using test_support::refused;
 
 using I3cTransferFunctionTest = test_support::SdkTest;
 INSTANTIATE_ON_BOTH_MODELS(I3cTransferFunctionTest);
-
-constexpr int16_t notConnected = 0x4000;
-constexpr int16_t refused = -32768;
 
 constexpr auto none = I3cTransferFlags_None;
 constexpr auto one = static_cast<I3cTransferFlags>(1);
