@@ -1,0 +1,244 @@
+#include "support/SdkTest.hpp"
+
+#include <algorithm>
+#include <atomic>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <utility>
+
+using namespace test_support;
+
+namespace {
+
+// What these tests look for, the thread sanitizer finds; the other builds run the same code.
+
+const Bytes gpioEvent{0x1F, 0x00, 0x00, 0x00, 0x81, 0x14, 0x00, 0x00, 0x2A};
+
+/// Runs a function on a thread of its own, over and over, until the end of the scope.
+class Meanwhile {
+public:
+    explicit Meanwhile(std::function<void()> function)
+        : thread([this, repeated = std::move(function)] {
+              while (!ended) {
+                  repeated();
+              }
+          }) {}
+    ~Meanwhile() {
+        ended = true;
+        thread.join();
+    }
+    Meanwhile(const Meanwhile&) = delete;
+    Meanwhile& operator=(const Meanwhile&) = delete;
+
+private:
+    std::atomic<bool> ended{false};
+    std::thread thread;
+};
+
+using ThreadsTest = SdkTest;
+INSTANTIATE_ON_BOTH_MODELS(ThreadsTest);
+
+/// The response to reading 40 bytes: everything behind the command code has one value.
+Bytes responseOf(uint8_t value) {
+    Bytes frame(9 + 40, value);
+    const Bytes header{0x01, 0x00, 0x05, 0x09};
+    std::copy(header.begin(), header.end(), frame.begin());
+    Bytes packet{static_cast<uint8_t>(frame.size() << 2U | 3U), 0x00};
+    packet.insert(packet.end(), frame.begin(), frame.end());
+    return packet;
+}
+
+TEST_P(ThreadsTest, DecodingSeesOneWholeResponseWhileLateOnesComeIn) {
+    VeltraSDK& object = sdk();
+    const Meanwhile lateResponses([&] {
+        hid.deliver(GetParam().input(responseOf(0x11)));
+        hid.deliver(GetParam().input(responseOf(0x22)));
+        EXPECT_TRUE(hid.waitUntilDrained());
+    });
+    for (int i = 0; i < 300; ++i) {
+        Bytes data;
+        const uint16_t result = object.i2cRead(0, 0x50, {}, 40, data, false);
+        ASSERT_TRUE(result == 0x1111 || result == 0x2222) << result;
+        ASSERT_EQ(data, Bytes(40, static_cast<uint8_t>(result & 0xFFU)));
+    }
+}
+
+TEST_P(ThreadsTest, NotificationsArriveWhileOperationsWait) {
+    std::atomic<unsigned> notifications{0};
+    hid.respond([&](const Bytes& report) {
+        return std::vector<Bytes>{
+            GetParam().input(gpioEvent),
+            GetParam().input({0x1F, 0x00, report[3], report[4], 0x03, 0x14, 0x00, 0x00, report[7]}),
+            GetParam().input(gpioEvent)};
+    });
+    VeltraSDK object(patientMs);
+    object.onNotification([&](const Notification& notification) {
+        ASSERT_NE(notification.gpio(), nullptr);
+        EXPECT_EQ(notification.gpio()->value, 0x2A);
+        ++notifications;
+    });
+    ASSERT_TRUE(object.connect(""));
+    for (uint8_t i = 0; i < 200; ++i) {
+        GpioLogicLevel level{};
+        ASSERT_EQ(object.gpioDigitalRead(static_cast<GpioPinNumber>(i), level), 0);
+        ASSERT_EQ(level, i);
+    }
+    ASSERT_TRUE(hid.waitUntilDrained());
+    EXPECT_EQ(notifications, 400U);
+    object.disconnect();
+}
+
+std::atomic<unsigned> callbacks{0};
+
+void countCallback(const Notification* notification) {
+    unsigned char value = 0;
+    EXPECT_TRUE(VeltraSDK_notificationAsGpio(notification, &value));
+    EXPECT_EQ(value, 0x2A);
+    ++callbacks;
+}
+
+TEST_P(ThreadsTest, TheCallbackRunsWhileCallsWait) {
+    callbacks = 0;
+    hid.respond([&](const Bytes& report) {
+        return std::vector<Bytes>{
+            GetParam().input(gpioEvent),
+            GetParam().input({0x1B, 0x00, report[3], report[4], 0x05, 0x19, 0x00, 0x00})};
+    });
+    const OwnedHandle owned(VeltraSDK_Create(patientMs));
+    VeltraSDK_onNotification(owned.get(), countCallback);
+    ASSERT_TRUE(VeltraSDK_Connect(owned.get(), nullptr));
+    for (int i = 0; i < 200; ++i) {
+        ASSERT_EQ(VeltraSDK_I3cResetBus(owned.get()), 0);
+    }
+    EXPECT_EQ(callbacks, 200U);
+}
+
+TEST_P(ThreadsTest, ALinkClosesInAStormOfReports) {
+    std::atomic<unsigned> notifications{0};
+    VeltraSDK object(0);
+    object.onNotification([&](const Notification&) { ++notifications; });
+    hid.deliverEndlessly(GetParam().input(gpioEvent));
+    for (int i = 0; i < 50; ++i) {
+        ASSERT_TRUE(object.connect(""));
+        ASSERT_TRUE(hid.waitForReads(hid.readCalls() + 3));
+        object.disconnect();
+        const unsigned atTheEnd = notifications;
+        EXPECT_GT(atTheEnd, 0U);
+        EXPECT_EQ(object.i3cResetBus(), 0x4000);
+        EXPECT_EQ(notifications, atTheEnd) << "a handler ran after the disconnect";
+    }
+}
+
+TEST_P(ThreadsTest, BootModeEndsTheLinkInAStormOfReports) {
+    std::atomic<unsigned> notifications{0};
+    VeltraSDK object(0);
+    object.onNotification([&](const Notification&) { ++notifications; });
+    hid.deliverEndlessly(GetParam().input(gpioEvent));
+    for (int i = 0; i < 20; ++i) {
+        ASSERT_TRUE(object.connect(""));
+        ASSERT_TRUE(hid.waitForReads(hid.readCalls() + 3));
+        EXPECT_EQ(object.enterBootMode(), 0);
+        EXPECT_EQ(hid.openDevices(), 0U);
+    }
+}
+
+TEST_P(ThreadsTest, NoHandlerRunsAfterDestructionInAStormOfNotifications) {
+    hid.deliverEndlessly(GetParam().input(gpioEvent));
+    for (int i = 0; i < 50; ++i) {
+        // A handler that ran too late would touch freed memory.
+        auto notifications = std::make_unique<unsigned>(0);
+        auto object = std::make_unique<VeltraSDK>(0);
+        object->onNotification([&](const Notification&) { ++*notifications; });
+        ASSERT_TRUE(object->connect(""));
+        ASSERT_TRUE(hid.waitForReads(hid.readCalls() + 3));
+        object.reset();
+        EXPECT_GT(*notifications, 0U);
+        notifications.reset();
+    }
+}
+
+TEST_P(ThreadsTest, DestructionInAStormOfResponsesIsOrderly) {
+    hid.deliverEndlessly(GetParam().input(responseOf(0x11)));
+    for (int i = 0; i < 50; ++i) {
+        VeltraSDK object(0);
+        ASSERT_TRUE(object.connect(""));
+        ASSERT_TRUE(hid.waitForReads(hid.readCalls() + 3));
+    }
+}
+
+TEST_P(ThreadsTest, AHandleIsDestroyedInAStormOfNotifications) {
+    hid.deliverEndlessly(GetParam().input(gpioEvent));
+    for (int i = 0; i < 50; ++i) {
+        VeltraSDK_Handle* const connected = VeltraSDK_Create(0);
+        VeltraSDK_onNotification(connected, countCallback);
+        ASSERT_TRUE(VeltraSDK_Connect(connected, nullptr));
+        ASSERT_TRUE(hid.waitForReads(hid.readCalls() + 3));
+        VeltraSDK_Destroy(connected);
+        const unsigned atTheEnd = callbacks;
+        EXPECT_EQ(hid.openDevices(), 0U);
+        EXPECT_EQ(callbacks, atTheEnd) << "a callback ran after the destruction";
+    }
+}
+
+TEST_P(ThreadsTest, AnOpenLinkIsConnectedAgainWhileReportsArrive) {
+    std::atomic<unsigned> notifications{0};
+    VeltraSDK object(patientMs);
+    object.onNotification([&](const Notification&) { ++notifications; });
+    ASSERT_TRUE(object.connect(""));
+    hid.deliverEndlessly(GetParam().input(gpioEvent));
+    for (int i = 0; i < 500; ++i) {
+        ASSERT_TRUE(object.connect(""));
+    }
+    ASSERT_TRUE(hid.waitForReads(hid.readCalls() + 3));
+    object.disconnect();
+    EXPECT_GT(notifications, 0U);
+    EXPECT_EQ(hid.enumerateCalls(), 1U);
+}
+
+TEST_P(ThreadsTest, ALinkClosesInAStormOfReadErrors) {
+    VeltraSDK object(0);
+    for (int i = 0; i < 20; ++i) {
+        ASSERT_TRUE(object.connect(""));
+        hid.failReading(true);
+        ASSERT_TRUE(hid.waitForReads(hid.readCalls() + 3));
+        object.disconnect();
+        hid.failReading(false);
+        EXPECT_EQ(hid.openDevices(), 0U);
+    }
+}
+
+TEST(Threads, TwoObjectsWorkInTwoThreads) {
+    ScriptedHid hid;
+    hid.attach({"1-1:1.0", vendorId, fullSpeed.productId, L"VA-0001"});
+    hid.attach({"1-2:1.0", vendorId, highSpeed.productId, L"VA-0002"});
+    hid.respond([](const Bytes& report) {
+        const Model& model = report.size() == 65 ? fullSpeed : highSpeed;
+        return std::vector<Bytes>{
+            model.input({0x1F, 0x00, report[3], report[4], 0x03, 0x14, 0x00, 0x00, report[7]})};
+    });
+    // hidapi wants these calls one at a time.
+    std::mutex lifecycle;
+    const auto work = [&](const std::string& path, uint8_t pin) {
+        for (int round = 0; round < 10; ++round) {
+            std::unique_lock<std::mutex> lock(lifecycle);
+            auto object = std::make_unique<VeltraSDK>(patientMs);
+            ASSERT_TRUE(object->connect(path));
+            lock.unlock();
+            for (int i = 0; i < 50; ++i) {
+                GpioLogicLevel level{};
+                ASSERT_EQ(object->gpioDigitalRead(static_cast<GpioPinNumber>(pin), level), 0);
+                ASSERT_EQ(level, pin);
+            }
+            lock.lock();
+            object.reset();
+        }
+    };
+    std::thread other(work, "1-1:1.0", 0x11);
+    work("1-2:1.0", 0x22);
+    other.join();
+    EXPECT_EQ(hid.writes().size(), 1000U);
+}
+
+} // namespace
