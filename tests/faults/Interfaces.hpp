@@ -1,0 +1,50 @@
+#pragma once
+
+#include "support/SdkTest.hpp"
+
+#include <veltrasdk/VeltraSDK.hpp>
+#include <veltrasdk/veltrasdk.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace test_support {
+
+/// The library's two faces with the same words, for tests that hold for both. Objects have a
+/// time-out of 0: `FailingHid` has the response there in time.
+struct ClassInterface {
+    using Object = std::unique_ptr<VeltraSDK>;
+    struct Operation {
+        std::string name;
+        std::function<uint16_t(const Object&)> run;
+    };
+
+    static Object create() { return std::make_unique<VeltraSDK>(0); }
+    static bool connect(const Object& sdk) { return sdk->connect(""); }
+    static bool connectWithSerialNumber(const Object& sdk);
+    static void disconnect(const Object& sdk) { sdk->disconnect(); }
+    static void onNotification(const Object& sdk, void (*handler)(const Notification*));
+    /// At least one operation of every family.
+    static const std::vector<Operation>& operations();
+};
+
+struct FlatInterface {
+    using Object = OwnedHandle;
+    struct Operation {
+        std::string name;
+        std::function<int16_t(const Object&)> run;
+    };
+
+    static Object create() { return Object(VeltraSDK_Create(0)); }
+    static bool connect(const Object& handle) { return VeltraSDK_Connect(handle.get(), nullptr); }
+    static bool connectWithSerialNumber(const Object& handle);
+    static void disconnect(const Object& handle) { VeltraSDK_Disconnect(handle.get()); }
+    static void onNotification(const Object& handle, void (*handler)(const Notification*)) {
+        VeltraSDK_onNotification(handle.get(), handler);
+    }
+    static const std::vector<Operation>& operations();
+};
+
+} // namespace test_support
