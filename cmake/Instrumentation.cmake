@@ -23,3 +23,7 @@ if(VELTRASDK_COVERAGE)
     add_compile_options(--coverage -fprofile-update=atomic)
     add_link_options(--coverage)
 endif()
+
+if(VELTRASDK_FUZZ)
+    add_compile_options(-fsanitize=fuzzer-no-link)
+endif()

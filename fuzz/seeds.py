@@ -1,0 +1,204 @@
+#!/usr/bin/env python3
+"""Writes the seeds of every fuzz target, made from literal frames: seeds.py DIRECTORY
+
+The committed corpora are these seeds, under their names, and what the fuzzers found beyond them.
+"""
+
+import pathlib
+import struct
+import sys
+
+
+def run(data):
+    """Bytes as Input::bytes takes them."""
+    assert len(data) < 0xFF
+    return bytes([len(data)]) + bytes(data)
+
+
+def repeated(count, value):
+    return struct.pack("<BHB", 0xFF, count, value)
+
+
+def two_parts(first, second=b"\x00"):
+    return run(first) + second
+
+
+def packet(payload, first=True, last=True):
+    return struct.pack("<H", first | last << 1 | len(payload) << 2) + bytes(payload)
+
+
+def frame(text):
+    return bytes.fromhex(text)
+
+
+NOTIFICATIONS = {
+    "hot-join": frame("0000 8219 0000 046A00000001 06C6 08"),
+    "ibi": frame("0000 8119 0000 08 02 ABCD"),
+    "gpio": frame("0000 8114 0000 01"),
+    "uart": frame("0000 8110 0000 0300 414243"),
+    "unknown": frame("0000 FF7F 0000"),
+}
+
+# One request of every layout; together they bring every bus into operation.
+REQUESTS = [frame("0100" + text) for text in """
+    0704 03
+    0504 E40C 01
+    0208 00 02
+    0109 00 A0860100 00
+    0209 00 A0860100 01
+    0409 00 0200 51 02 40 01000000 CAFE
+    0509 00 0400 51 02 40 01000000
+    0609 00 01
+    010D 00 00 08 00 00 40420F00
+    020D 00 03 08 00 00 40420F00
+    040D 0400 0800 03000000
+    0210 07 00 00 08 01
+    0310 07 00 00 08 01
+    0510 0200 4142
+    0114 00 00
+    0114 01 01 01
+    0414 00 02
+    0214 01 00
+    0314 00
+    0514 00
+    0404 E40C
+    0119 00 00 00 00
+    0219 00 00 00 00
+    0419 00
+    0519
+    0419 00
+    0619
+    0719 08 00
+    0819 09 00 00 02 10000000 0200 CAFE
+    0819 09 01 00 02 10000000 0200
+    0919 7E 00 02 09 00 0040
+    0919 08 01 06 8D 00
+    0A19 00
+    0204
+""".strip().splitlines()]
+
+
+def packet_joining():
+    whole = packet(b"\x01\x00\x01\x09\x00\x00")
+    first = packet(b"A" * 62, last=False)
+    last = packet(b"B" * 10, first=False)
+    yield "whole", b"\x00" + two_parts(whole)
+    yield "two-packets", b"\x00" + two_parts(first) + two_parts(last)
+    yield "high-speed", b"\x01" + two_parts(frame("F90F"), repeated(1022, 0x43)) + two_parts(last)
+    yield "over-long", b"\x00" + two_parts(frame("FF0F4142"))
+    yield "no-header", b"\x00" + two_parts(b"\x03") + two_parts(b"")
+    yield "never-first", b"\x01" + two_parts(frame("F80F"), repeated(1022, 0x44)) * 6
+
+
+def operations():
+    answers = {
+        "plain": b"\x05" + two_parts(b"\x00\x00") + b"\x00",
+        "refused": b"\x05" + two_parts(b"\x03\x00") + b"\x00",
+        "full": b"\x05" + two_parts(frame("0000 0201 0200 0302 04 05 06 07 08"),
+                                    repeated(400, 0x55)) + b"\x00",
+        "over-long": b"\x05" + two_parts(frame("0000 FFFF FFFF FFFF FFFF"), run(b"ab")) + b"\x00",
+        "short": b"\x02" + two_parts(frame("0100010900")) + b"\x00",
+        "notified": b"".join(b"\x02" + two_parts(each) for each in NOTIFICATIONS.values()) +
+                    b"\x05" + two_parts(b"\x00\x00") + b"\x00",
+        "unplugged": b"\x04\x03\x03\x00",
+        "raw": b"\x01" + run(frame("03000100")) + b"\x01" + run(frame("FF0F")) + b"\x00",
+    }
+    # Zeros do as arguments: every operation sends its request.
+    def called(number, answer):
+        return run(answer) + bytes([number]) + bytes(12)
+
+    kinds = list(answers.items())
+    for number in range(64):
+        for interface in range(2):
+            for offset in (0, 2):
+                name, answer = kinds[(number + offset) % len(kinds)]
+                lists = answer * (5 if len(answer) < 50 else 1)
+                yield f"operation-{interface}-{number}-{name}", (
+                    bytes([number & 1, interface]) + called(number, lists))
+    for name, answer in kinds:
+        for interface in range(2):
+            yield f"answer-{name}-{interface}", bytes([0, interface]) + b"".join(
+                called(number, answer) for number in range(3, 60))
+
+
+def notifications():
+    for kind, (name, content) in enumerate(NOTIFICATIONS.items()):
+        yield name, struct.pack("<I", kind) + two_parts(content)
+        for size in range(5, len(content)):
+            yield f"{name}-{size}", struct.pack("<I", kind) + two_parts(content[:size])
+    for size in (255, 256, 257):
+        yield f"uart-{size}", struct.pack("<I", 3) + two_parts(
+            frame("0000 8110 0000 FFFF"), repeated(size - 8, 0x55))
+
+
+def virtual_adapter():
+    every = b"".join(b"\x03" + two_parts(each) for each in REQUESTS[:-1])
+    for model in range(2):
+        yield f"every-request-{model}", bytes([model, 0]) + every + b"\x02"
+        yield f"boot-mode-{model}", bytes([model, 0]) + (b"\x03" + two_parts(REQUESTS[-1])) * 2
+    for fault in range(11):
+        yield f"fault-{fault}", bytes([0, fault]) + (
+            b"\x03" + two_parts(REQUESTS[1]) + b"\x03" + two_parts(REQUESTS[0]) * 3 + b"\x02\x01\xff")
+    setup = b"\x03" + two_parts(REQUESTS[1])
+    for number, each in enumerate(REQUESTS):
+        yield f"request-{number}", b"\x00\x00" + setup + b"\x03" + two_parts(each)
+        yield f"report-{number}", b"\x00\x00" + setup + b"\x00" + two_parts(packet(each))
+    yield "longest-read", b"\x00\x00" + setup + b"".join(
+        b"\x03" + two_parts(each) for each in (
+            REQUESTS[3], frame("0100 0509 00 FFFF 51 02 00 00000000")))
+    yield "long-message", b"\x01\x00" + setup + b"\x03" + two_parts(REQUESTS[11]) + (
+        b"\x03" + two_parts(frame("0100 0510 FFFF"), repeated(0xFFFF, 0x41)))
+
+
+LIST = frame("0111 8005 00000000")
+IMPORT = frame("0111 8003 00000000") + b"1-1".ljust(32, b"\0")
+
+
+def submit(sequence, endpoint, to_host, length, setup="0000000000000000", data=b""):
+    return struct.pack(">IIIIIIIIII", 1, sequence, 0x10002, to_host, endpoint, 0, length, 0, 0,
+                       0) + frame(setup) + data
+
+
+def unlink(sequence, unlinked):
+    return struct.pack(">IIIIII", 2, sequence, 0x10002, 0, 0, unlinked) + bytes(24)
+
+
+def usbip():
+    def sent(*messages, host=0):
+        return b"".join(bytes([0x10 | host]) + two_parts(message) for message in messages)
+
+    configure = submit(1, 0, 0, 0, "0009010000000000")
+    write = submit(3, 1, 0, 64, data=packet(REQUESTS[0]).ljust(64, b"\0"))
+    read = submit(4, 1, 1, 64)
+    descriptors = [submit(2, 0, 1, 255, setup) for setup in (
+        "8006000100001200", "800600020000FF00", "800600030000FF00", "800603030904FF00",
+        "8006000600000A00", "800600070000FF00", "810600220000FF00", "810600210000FF00",
+        "8000000000000200", "8200000081000200", "8008000000000100", "810A000000000100",
+        "A101000100004000", "A102000000000100")]
+    controls = [submit(2, 0, 0, 0, setup) for setup in (
+        "0203000081000000", "0201000081000000", "010B000000000000", "210A000000000000")]
+    set_report = submit(5, 0, 0, 64, "2109000200004000", packet(REQUESTS[0]).ljust(64, b"\0"))
+    for model in range(2):
+        port = bytes([model, 0, 0])
+        yield f"list-{model}", port + sent(LIST)
+        yield f"import-{model}", port + sent(IMPORT)
+        yield f"talk-{model}", port + sent(IMPORT, configure, read, write, read) + b"\x00"
+        yield f"descriptors-{model}", port + sent(IMPORT, *descriptors)
+        yield f"controls-{model}", port + sent(IMPORT, configure, *controls, set_report, read)
+    yield "plugged-in", b"\x00\x00\x01" + sent(configure, read, unlink(9, 4), unlink(10, 4), write)
+    yield "busy", b"\x00\x00\x00" + sent(IMPORT) + sent(IMPORT, host=1) + b"\x04" + sent(IMPORT, host=1)
+    yield "pieces", b"\x00\x00\x00" + sent(IMPORT[:7], IMPORT[7:30], IMPORT[30:], configure[:20])
+    yield "late", b"\x00\x01\x01" + sent(configure, write, write, write, read, read, read) + b"\x02\xff"
+    for fault in range(11):
+        yield f"fault-{fault}", bytes([0, fault, 1]) + sent(configure, *[read, write] * 4) + b"\x02\xff"
+    yield "malformed", b"\x00\x00\x01" + sent(struct.pack(">I", 7) + bytes(44))
+    yield "too-long", b"\x00\x00\x01" + sent(submit(1, 1, 0, 0x10001))
+
+
+TARGETS = (packet_joining, operations, notifications, virtual_adapter, usbip)
+
+for target in TARGETS:
+    directory = pathlib.Path(sys.argv[1], target.__name__)
+    directory.mkdir(parents=True, exist_ok=True)
+    for seed, content in target():
+        (directory / seed).write_bytes(content)
