@@ -279,7 +279,7 @@ public:
 
 private:
     uint16_t send(const RequestFrame& request);
-    uint16_t refuseArgument() const;
+    [[nodiscard]] uint16_t refuseArgument() const;
 
     std::unique_ptr<CommunicationManager> communicationManager;
     bool connected = false;

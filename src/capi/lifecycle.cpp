@@ -6,7 +6,8 @@
 
 namespace {
 
-using Text = std::unique_ptr<char[]>; // NOLINT(modernize-avoid-c-arrays): callers use delete[]
+/// Callers release it with delete[].
+using Text = std::unique_ptr<char[]>;
 
 Text terminatedCopy(const std::string& text) {
     Text copy(new char[text.size() + 1]);
