@@ -137,10 +137,14 @@ bool VeltraDriver::sendCommand(const std::vector<uint8_t>& packet) {
         return false;
     }
     const size_t endpointSize = getEndpointSize();
+    const size_t length = std::min(packet.size(), endpointSize);
     // Byte 0 is the report identifier, 0 for unnumbered reports; behind the packet stand zeros.
-    std::array<uint8_t, reportIdentifierSize + largestReportSize> report{};
-    std::copy_n(packet.begin(), std::min(packet.size(), endpointSize),
-                std::next(report.begin(), reportIdentifierSize));
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): only what is sent is worth filling.
+    std::array<uint8_t, reportIdentifierSize + largestReportSize> report;
+    report[0] = 0;
+    auto* const padding =
+        std::copy_n(packet.begin(), length, std::next(report.begin(), reportIdentifierSize));
+    std::fill_n(padding, endpointSize - length, uint8_t{0});
     return hid_write(device, report.data(), reportIdentifierSize + endpointSize) >= 0;
 }
 
