@@ -12,6 +12,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
+#include <gtest/gtest.h>
 #include <iterator>
 #include <stdexcept>
 #include <sys/ioctl.h>
@@ -367,7 +368,7 @@ void UsbNode::end(const UsbResult& result) {
     end(urb, statusOf(result.status), result.actualLength);
 }
 
-void UsbNode::end(std::deque<Urb>::iterator urb, int status, size_t actualLength) {
+void UsbNode::end(const std::deque<Urb>::iterator& urb, int status, size_t actualLength) {
     urb->fields().status = status;
     urb->fields().actual_length = static_cast<int>(actualLength);
     done.push_back(*urb);
@@ -434,7 +435,7 @@ void UsbNode::showReadiness() {
     const ssize_t moved =
         ready ? read(readiness.get(), &slot, 1) : write(readiness.get(), &slot, 1);
     if (moved != 1) {
-        throw std::runtime_error("the device node has lost its state");
+        ADD_FAILURE() << "the device node has lost its state";
     }
 }
 

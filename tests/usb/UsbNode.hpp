@@ -83,7 +83,7 @@ private:
     void start(const Urb& urb);
     void startPacedInput();
     void end(const virtual_adapter::UsbResult& result);
-    void end(std::deque<Urb>::iterator urb, int status, size_t actualLength);
+    void end(const std::deque<Urb>::iterator& urb, int status, size_t actualLength);
     void drop(std::deque<Urb>& urbs, const UMockdevIoctlClient* client);
     void showReadiness();
 

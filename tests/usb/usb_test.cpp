@@ -12,7 +12,6 @@
 
 using namespace test_support;
 using virtual_adapter::AdapterSettings;
-using virtual_adapter::Fault;
 using virtual_adapter::FaultKind;
 
 namespace {
