@@ -1,5 +1,6 @@
 #include "support/SdkTest.hpp"
 
+#include <algorithm>
 #include <cstring>
 
 using namespace test_support;
@@ -22,8 +23,7 @@ Seen seen;
 
 template <typename View>
 bool isZero(const View& view) {
-    const std::vector<uint8_t> zeros(sizeof(view));
-    return std::memcmp(&view, zeros.data(), sizeof(view)) == 0;
+    return memoryOf(view) == Bytes(sizeof(view));
 }
 
 void remember(const Notification* notification) {
@@ -202,8 +202,7 @@ View filled() {
 
 template <typename View>
 bool isUntouched(const View& view) {
-    const View expected = filled<View>();
-    return std::memcmp(&view, &expected, sizeof(view)) == 0;
+    return memoryOf(view) == Bytes(sizeof(view), 0xEE);
 }
 
 /// Checks an accessor's every refusal: @p frame is a whole notification of @p kind.

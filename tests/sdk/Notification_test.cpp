@@ -1,8 +1,5 @@
 #include "support/SdkTest.hpp"
 
-#include <algorithm>
-#include <cstring>
-
 using namespace test_support;
 
 namespace {
@@ -46,11 +43,7 @@ std::string acceptedBy(const Notification& notification) {
 }
 
 bool viewsAreZero(const Notification& notification) {
-    const auto isZero = [](const auto& view) {
-        Bytes bytes(sizeof(view));
-        std::memcpy(bytes.data(), &view, sizeof(view));
-        return std::all_of(bytes.begin(), bytes.end(), [](uint8_t byte) { return byte == 0; });
-    };
+    const auto isZero = [](const auto& view) { return memoryOf(view) == Bytes(sizeof(view)); };
     return isZero(notification.i3cHotJoinView) && isZero(notification.i3cIbiView) &&
            isZero(notification.gpioView) && isZero(notification.uartRxView);
 }

@@ -27,6 +27,13 @@ struct Model {
 /// So many bytes that tell their places: 0 to 250, over and over.
 Bytes counting(size_t size);
 
+/// An object's memory, padding included.
+template <typename Object>
+Bytes memoryOf(const Object& object) {
+    const auto* const first = reinterpret_cast<const uint8_t*>(&object);
+    return Bytes(first, first + sizeof(object));
+}
+
 constexpr uint16_t vendorId = 0x1209;
 
 extern const Model fullSpeed;

@@ -80,10 +80,11 @@ void ScriptedHid::expectWrite(Bytes report, std::vector<Bytes> answers) {
 }
 
 void ScriptedHid::expectWrites(std::vector<Bytes> reports, std::vector<Bytes> answers) {
-    for (size_t i = 0; i < reports.size(); ++i) {
-        const bool last = i + 1 == reports.size();
-        expectWrite(std::move(reports[i]), last ? std::move(answers) : std::vector<Bytes>());
+    for (Bytes& report : reports) {
+        expectWrite(std::move(report));
     }
+    const std::lock_guard<std::mutex> lock(mutex);
+    script.back().answers = std::move(answers);
 }
 
 void ScriptedHid::respond(std::function<std::vector<Bytes>(const Bytes&)> newResponder) {
