@@ -2,6 +2,8 @@
 #include "support/Model.hpp"
 #include "support/ThreadStart.hpp"
 
+#include <functional>
+
 #include <gtest/gtest.h>
 
 using namespace test_support;
@@ -120,6 +122,19 @@ TEST_P(CommunicationManagerTest, TheLastReceiverAssignedGetsTheMessages) {
     deliver({GetParam().input({0x07, 0x00, 0x01})});
     EXPECT_TRUE(messages().empty());
     EXPECT_EQ(others, (std::vector<Bytes>{{0x01}}));
+}
+
+TEST_P(CommunicationManagerTest, AWholeMessageWithoutAReceiverIsABadFunctionCall) {
+    ASSERT_TRUE(manager.connect("", ""));
+    manager.assignCallback(nullptr);
+    manager.onDriverResponseCallback(GetParam().input({0x05, 0x00, 0x01}));
+    EXPECT_THROW(manager.onDriverResponseCallback(GetParam().input({0x06, 0x00, 0x02})),
+                 std::bad_function_call);
+}
+
+TEST_P(CommunicationManagerTest, AReportBeforeTheFirstConnectIsDropped) {
+    manager.onDriverResponseCallback(GetParam().input({0x07, 0x00, 0x01}));
+    EXPECT_TRUE(received.empty());
 }
 
 TEST_P(CommunicationManagerTest, AReportReadBeforeConnectIsDoneIsNotLost) {

@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <chrono>
+#include <future>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -290,6 +291,25 @@ TEST_F(VeltraDriverTest, AClosedDriverReadsNoMore) {
     EXPECT_FALSE(driver.sendCommand({0x01}));
     driver.close();
     EXPECT_EQ(hid.readCalls(), reads);
+}
+
+TEST_F(VeltraDriverTest, ClosingWaitsForTheReceiverThatRuns) {
+    hid.attach(adapter("1-1:1.0", L"VA-0001"));
+    std::promise<void> entered;
+    std::promise<void> mayReturn;
+    driver.onResponse([&](const Bytes&) {
+        entered.set_value();
+        mayReturn.get_future().wait();
+    });
+    ASSERT_TRUE(open());
+    hid.deliver(fullSpeed.input({0x01}));
+    entered.get_future().wait();
+    auto closing = std::async(std::launch::async, [&] { driver.close(); });
+    EXPECT_EQ(closing.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+    EXPECT_EQ(hid.openDevices(), 1U);
+    mayReturn.set_value();
+    closing.get();
+    EXPECT_EQ(hid.openDevices(), 0U);
 }
 
 TEST_F(VeltraDriverTest, AClosedDriverOpensTheOtherModel) {
