@@ -165,6 +165,19 @@ TEST_F(UsbDeviceTest, OutputWaitsWhileTheHostReadsNoAnswers) {
     EXPECT_EQ(results.size(), taken + 2) << "the answer and the next write";
 }
 
+TEST_F(UsbDeviceTest, AReportSetByControlTransferStallsWhileTheHostReadsNoAnswers) {
+    const SetupPacket setReport = SetupPacket::fromBytes({0x21, 0x09, 0, 2, 0, 0, 7, 0});
+    constexpr uint64_t writes = 5000;
+    for (uint64_t id = 1; id <= writes; ++id) {
+        device.submit({id, 0x00, setReport, 0, askForString3}, start);
+    }
+    EXPECT_EQ(outcomes().front(), (Outcomes::value_type{1, UsbStatus::Completed}));
+    EXPECT_EQ(outcomes().back(), (Outcomes::value_type{writes, UsbStatus::Stalled}));
+    read(writes + 1);
+    device.submit({writes + 2, 0x00, setReport, 0, askForString3}, start);
+    EXPECT_EQ(outcomes().back(), (Outcomes::value_type{writes + 2, UsbStatus::Completed}));
+}
+
 TEST_F(UsbDeviceTest, UnpluggingEndsEveryTransfer) {
     device.acceptOutput(false, start);
     read(1);

@@ -80,8 +80,9 @@ void UsbDevice::unplug() {
 
 void UsbDevice::submitControl(const UsbTransfer& transfer, Time now) {
     std::optional<Bytes> reply =
-        control.handle(transfer.setup, transfer.data,
-                       [&](const Bytes& report) { return link.writeReport(report, now); });
+        control.handle(transfer.setup, transfer.data, [&](const Bytes& report) {
+            return hasRoomForAnswers() && link.writeReport(report, now);
+        });
     if (!reply) {
         end(transfer, UsbStatus::Stalled);
         return;
@@ -92,7 +93,7 @@ void UsbDevice::submitControl(const UsbTransfer& transfer, Time now) {
 }
 
 bool UsbDevice::serveOneOutput(Time now) {
-    if (pendingOutput.empty() || !acceptsOutput || link.inputReportCount() > mostUnreadReports) {
+    if (pendingOutput.empty() || !acceptsOutput || !hasRoomForAnswers()) {
         return false;
     }
     const UsbTransfer transfer = std::move(pendingOutput.front());
@@ -119,6 +120,10 @@ bool UsbDevice::serveOneInput(Time now) {
         end(transfer, UsbStatus::Completed, length, std::move(*report));
     }
     return true;
+}
+
+bool UsbDevice::hasRoomForAnswers() const {
+    return link.inputReportCount() <= mostUnreadReports;
 }
 
 bool UsbDevice::isUsable(uint8_t endpointAddress) const {

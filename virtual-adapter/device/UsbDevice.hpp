@@ -81,6 +81,7 @@ private:
     void submitControl(const UsbTransfer& transfer, Time now);
     bool serveOneInput(Time now);
     bool serveOneOutput(Time now);
+    [[nodiscard]] bool hasRoomForAnswers() const;
     [[nodiscard]] bool isUsable(uint8_t endpointAddress) const;
     void end(const UsbTransfer& transfer, UsbStatus status, size_t actualLength = 0,
              Bytes data = {});
