@@ -47,8 +47,9 @@ bool UsbTransferProtocol::receiveUsbInTransferPackets(std::vector<uint8_t>& mess
     if ((header & firstPacketFlag) != 0) {
         message.clear();
     }
-    const size_t length = std::min({size_t{header >> lengthShift & lengthMask},
-                                    packet.size() - headerSize, longestMessage - message.size()});
+    const size_t announced = header >> lengthShift & lengthMask;
+    const size_t present = packet.size() - headerSize;
+    const size_t length = std::min({announced, present, longestMessage - message.size()});
     const auto payload = std::next(packet.begin(), headerSize);
     message.insert(message.end(), payload, std::next(payload, static_cast<std::ptrdiff_t>(length)));
     return (header & lastPacketFlag) != 0;

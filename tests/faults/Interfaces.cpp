@@ -78,6 +78,16 @@ const std::vector<ClassInterface::Operation>& ClassInterface::operations() {
              Bytes pid;
              return sdk->i3cCccGETPID(0x09, pid);
          }},
+        {"i3cCccGETCAPS",
+         [](const Object& sdk) {
+             Bytes capabilities;
+             return sdk->i3cCccGETCAPS(0x09, capabilities, 0x01);
+         }},
+        {"i3cCccGETSTATUS",
+         [](const Object& sdk) {
+             Bytes status;
+             return sdk->i3cCccGETSTATUS(0x09, status, 0x01);
+         }},
         {"i3cCccSETAASA", [](const Object& sdk) { return sdk->i3cCccSETAASA(subAddress); }},
         {"enterBootMode", [](const Object& sdk) { return sdk->enterBootMode(); }},
     };
