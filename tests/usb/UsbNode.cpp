@@ -169,15 +169,16 @@ void UsbNode::unplug() {
             return;
         }
         pluggedIn = false;
-        held.clear();
-        device.unplug();
-        while (!pending.empty()) {
-            end(pending.begin(), gone, 0);
-        }
+        leaveBus();
         showReadiness();
     }
     umockdev_testbed_uevent(testbed, sysPath.c_str(), "remove");
     umockdev_testbed_remove_device(testbed, sysPath.c_str());
+}
+
+void UsbNode::unplugAfter(size_t outputTransfers) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    mostOutputTransfers = activity.outputTransfers + outputTransfers;
 }
 
 void UsbNode::acceptOutput(bool accept) {
@@ -322,6 +323,11 @@ int UsbNode::submit(UMockdevIoctlClient* client, UMockdevIoctlData* argument) {
 
 void UsbNode::start(const Urb& urb) {
     const usbdevfs_urb& fields = urb.fields();
+    if (fields.endpoint == virtual_adapter::outEndpointAddress &&
+        activity.outputTransfers >= mostOutputTransfers) {
+        leaveBus();
+        return;
+    }
     const auto size = static_cast<size_t>(fields.buffer_length);
     UsbTransfer transfer{urb.id, fields.endpoint, {}, 0, {}};
     size_t dataOffset = 0;
@@ -423,6 +429,14 @@ void UsbNode::drop(std::deque<Urb>& urbs, const UMockdevIoctlClient* client) {
         }
     });
     urbs.erase(kept, urbs.end());
+}
+
+void UsbNode::leaveBus() {
+    held.clear();
+    device.unplug();
+    while (!pending.empty()) {
+        end(pending.begin(), gone, 0);
+    }
 }
 
 void UsbNode::showReadiness() {

@@ -8,6 +8,7 @@
 #include <condition_variable>
 #include <deque>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -35,6 +36,9 @@ public:
 
     /// Pulls the adapter out. It stays away.
     void unplug();
+
+    /// Pulls the adapter out as soon as it has taken so many more reports.
+    void unplugAfter(size_t outputTransfers);
 
     /// While false, the adapter's output endpoint answers NAK.
     void acceptOutput(bool accept);
@@ -85,6 +89,7 @@ private:
     void end(const virtual_adapter::UsbResult& result);
     void end(const std::deque<Urb>::iterator& urb, int status, size_t actualLength);
     void drop(std::deque<Urb>& urbs, const UMockdevIoctlClient* client);
+    void leaveBus();
     void showReadiness();
 
     UMockdevTestbed* testbed;
@@ -102,6 +107,7 @@ private:
     std::deque<Urb> held;
     uint64_t lastId = 0;
     size_t unreadReports = 0;
+    size_t mostOutputTransfers = std::numeric_limits<size_t>::max();
     bool paced = true;
     bool showsReady = true;
     bool pluggedIn = true;

@@ -246,20 +246,10 @@ TEST_F(UsbTest, AnUnplugDuringALongWriteEndsTheOperation) {
 
     VeltraSDK impatient(briefMs);
     ASSERT_TRUE(impatient.connect(""));
-    size_t before = 0;
-    ASSERT_TRUE(node.waitFor([&](const auto& activity) {
-        before = activity.outputTransfers;
-        return true;
-    }));
-    std::thread unplugging([&] {
-        EXPECT_TRUE(node.waitFor(
-            [&](const auto& activity) { return activity.outputTransfers > before + 100; }));
-        node.unplug();
-    });
+    node.unplugAfter(100);
     std::vector<uint8_t> sent = longMessage();
     std::vector<uint8_t> received;
     EXPECT_EQ(impatient.spiTransfer(sent, received, 0xFFFF), 0x2000);
-    unplugging.join();
     EXPECT_TRUE(received.empty());
 }
 
