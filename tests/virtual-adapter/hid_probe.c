@@ -27,7 +27,7 @@ static void list(void) {
     hid_free_enumeration(first);
 }
 
-static void open_path(const char* path) {
+static void openPath(const char* path) {
     hid_device* const opened = hid_open_path(path);
     printf("open: %s\n", opened == NULL ? "null" : "ok");
     if (opened != NULL) {
@@ -35,7 +35,7 @@ static void open_path(const char* path) {
     }
 }
 
-static void write_bytes(const char* text) {
+static void writeBytes(const char* text) {
     unsigned char bytes[2048];
     size_t size = 0;
     char* end = NULL;
@@ -48,15 +48,15 @@ static void write_bytes(const char* text) {
 }
 
 /* Trailing zeros are padding: they are not printed. */
-static void read_report(const char* milliseconds) {
+static void readReport(const char* milliseconds) {
     unsigned char report[2048];
     const int count = hid_read_timeout(device, report, sizeof report, atoi(milliseconds));
-    int shown_count = count;
-    while (shown_count > 0 && report[shown_count - 1] == 0) {
-        --shown_count;
+    int shownCount = count;
+    while (shownCount > 0 && report[shownCount - 1] == 0) {
+        --shownCount;
     }
     printf("read: %d", count);
-    for (int i = 0; i < shown_count; ++i) {
+    for (int i = 0; i < shownCount; ++i) {
         printf(" %02x", report[i]);
     }
     printf("\n");
@@ -70,11 +70,11 @@ static int play(const char* call) {
     } else if (strcmp(call, "list") == 0) {
         list();
     } else if (strncmp(call, "open ", 5) == 0) {
-        open_path(call + 5);
+        openPath(call + 5);
     } else if (strncmp(call, "write ", 6) == 0) {
-        write_bytes(call + 6);
+        writeBytes(call + 6);
     } else if (strncmp(call, "read ", 5) == 0) {
-        read_report(call + 5);
+        readReport(call + 5);
     } else if (strcmp(call, "close") == 0) {
         hid_close(device);
     } else {
