@@ -4,7 +4,7 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-currentStep="starting"
+currentStep=""
 
 elapsed() {
     printf '%d min %02d s' $((SECONDS / 60)) $((SECONDS % 60))
@@ -20,7 +20,7 @@ step() {
 reportFailure() {
     local status=$?
     if [ "$status" -ne 0 ]; then
-        printf '\n%s: FAILED at "%s" after %s\n' "$0" "$currentStep" "$(elapsed)" >&2
+        printf '\n%s: FAILED%s after %s\n' "$0" "${currentStep:+ at \"$currentStep\"}" "$(elapsed)" >&2
     fi
 }
 trap reportFailure EXIT
