@@ -7,26 +7,33 @@ set(veltrasdk_pkgconfig_directory ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 # The library
 install(TARGETS veltrasdk EXPORT veltrasdk
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        COMPONENT library NAMELINK_COMPONENT development)
 
 # What programs are built with; the library is all that a CMake consumer needs to find.
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/veltrasdk
-    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+    COMPONENT development)
 install(EXPORT veltrasdk FILE veltrasdk-config.cmake NAMESPACE veltrasdk::
-    DESTINATION ${veltrasdk_cmake_directory})
+    DESTINATION ${veltrasdk_cmake_directory}
+    COMPONENT development)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/veltrasdk-config-version.cmake
     COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/veltrasdk-config-version.cmake
-    DESTINATION ${veltrasdk_cmake_directory})
+    DESTINATION ${veltrasdk_cmake_directory}
+    COMPONENT development)
 
 file(RELATIVE_PATH veltrasdk_prefix_from_pc
     ${CMAKE_INSTALL_PREFIX}/${veltrasdk_pkgconfig_directory} ${CMAKE_INSTALL_PREFIX})
 configure_file(${PROJECT_SOURCE_DIR}/cmake/veltrasdk.pc.in ${PROJECT_BINARY_DIR}/veltrasdk.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/veltrasdk.pc
-    DESTINATION ${veltrasdk_pkgconfig_directory})
+    DESTINATION ${veltrasdk_pkgconfig_directory}
+    COMPONENT development)
 
 # The virtual adapter
 install(TARGETS veltra-virtual-adapter
-    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+    COMPONENT virtual_adapter)
 install(TARGETS veltra-virtual-adapter-preload
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/veltra-virtual-adapter)
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/veltra-virtual-adapter
+    COMPONENT virtual_adapter)

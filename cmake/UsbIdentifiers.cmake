@@ -16,6 +16,9 @@ foreach(identifier VENDOR_ID PRODUCT_ID_FULL_SPEED PRODUCT_ID_HIGH_SPEED)
         message(FATAL_ERROR "VELTRASDK_USB_${identifier} must fit 16 bits and not be 0; "
                             "it is ${value}")
     endif()
+    # As the kernel writes them, for udev: four lower-case hexadecimal digits.
+    math(EXPR digits "${value} + 0x10000" OUTPUT_FORMAT HEXADECIMAL)
+    string(SUBSTRING ${digits} 3 4 udev_${identifier})
 endforeach()
 
 math(EXPR usb_product_step
