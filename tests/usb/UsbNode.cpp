@@ -8,21 +8,14 @@
 #include <cerrno>
 #include <chrono>
 #include <cstddef>
-#include <cstdio>
 #include <cstring>
-#include <fcntl.h>
-#include <filesystem>
-#include <gtest/gtest.h>
 #include <iterator>
-#include <stdexcept>
 #include <sys/ioctl.h>
-#include <sys/stat.h>
 
 namespace test_support {
 
 using virtual_adapter::AdapterSettings;
 using virtual_adapter::Bytes;
-using virtual_adapter::FileDescriptor;
 using virtual_adapter::SetupPacket;
 using virtual_adapter::UsbResult;
 using virtual_adapter::UsbStatus;
@@ -39,55 +32,6 @@ constexpr int gone = -ESHUTDOWN;
 
 virtual_adapter::UsbDevice::Time now() {
     return std::chrono::steady_clock::now();
-}
-
-std::string hex(const Bytes& bytes) {
-    std::string text;
-    for (const uint8_t byte : bytes) {
-        std::array<char, 3> digits{};
-        std::snprintf(digits.data(), digits.size(), "%02X", byte);
-        text += digits.data();
-    }
-    return text;
-}
-
-std::string nodePath(unsigned port) {
-    return "/dev/bus/usb/001/00" + std::to_string(port + 1);
-}
-
-/// The device as the kernel describes it in /sys, in the test bed's notation.
-std::string describe(const AdapterSettings& settings, unsigned port) {
-    Bytes descriptors = deviceDescriptor(settings.identity);
-    const Bytes configuration = configurationDescriptor(settings.identity);
-    descriptors.insert(descriptors.end(), configuration.begin(), configuration.end());
-    const std::string number = std::to_string(port + 1);
-    const bool fullSpeed = speedOf(settings.identity) == virtual_adapter::UsbSpeed::Full;
-    return "P: /devices/usb1/1-" + std::to_string(port) +
-           "\nE: SUBSYSTEM=usb\nE: DEVTYPE=usb_device\nE: DEVNAME=" + nodePath(port) +
-           "\nE: BUSNUM=001\nE: DEVNUM=00" + number +
-           "\nE: MAJOR=189\nE: MINOR=" + std::to_string(port) +
-           "\nA: dev=189:" + std::to_string(port) + "\nA: busnum=1\nA: devnum=" + number +
-           "\nA: speed=" + (fullSpeed ? "12" : "480") +
-           "\nA: bConfigurationValue=1\nH: descriptors=" + hex(descriptors) + "\n";
-}
-
-/// A FIFO is writable or not as we like, which is how usbfs tells that there is a transfer to
-/// reap. A node that the test bed makes itself is always writable, and libusb spins on it.
-FileDescriptor makeReadiness(UMockdevTestbed* testbed, unsigned port) {
-    gchar* const root = umockdev_testbed_get_root_dir(testbed);
-    const std::filesystem::path node = root + nodePath(port);
-    g_free(root);
-    std::filesystem::create_directories(node.parent_path());
-    constexpr mode_t readableAndWritable = 0666;
-    FileDescriptor fifo;
-    if (mkfifo(node.c_str(), readableAndWritable) == 0) {
-        fifo = FileDescriptor(open(node.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC));
-    }
-    constexpr int oneSlot = 4096;
-    if (!fifo.isOpen() || fcntl(fifo.get(), F_SETPIPE_SZ, oneSlot) < 0) {
-        throw std::runtime_error("cannot make the device node " + node.string());
-    }
-    return fifo;
 }
 
 int statusOf(UsbStatus status) {
@@ -138,12 +82,11 @@ UsbNode::UsbNode(UMockdevTestbed* bed, const AdapterSettings& settings, unsigned
     : testbed(bed),
       port(busPort),
       sysPath("/sys/devices/usb1/1-" + std::to_string(busPort)),
-      readiness(makeReadiness(bed, busPort)),
+      deviceNode(bed, busPort),
       ioctls(umockdev_ioctl_base_new()),
       device(settings, [this](const UsbResult& result) { end(result); }) {
     {
         const std::lock_guard<std::mutex> lock(mutex);
-        showReadiness();
         // The kernel configures a device as soon as it appears.
         device.submit({0, 0, SetupPacket::fromBytes({0x00, 0x09, 1, 0, 0, 0, 0, 0}), 0, {}}, now());
     }
@@ -440,17 +383,7 @@ void UsbNode::leaveBus() {
 }
 
 void UsbNode::showReadiness() {
-    const bool ready = !done.empty();
-    if (ready == showsReady) {
-        return;
-    }
-    showsReady = ready;
-    uint8_t slot = 0;
-    const ssize_t moved =
-        ready ? read(readiness.get(), &slot, 1) : write(readiness.get(), &slot, 1);
-    if (moved != 1) {
-        ADD_FAILURE() << "the device node has lost its state";
-    }
+    deviceNode.showReadiness(!done.empty());
 }
 
 } // namespace test_support

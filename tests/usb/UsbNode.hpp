@@ -1,7 +1,7 @@
 #pragma once
 
-#include "attach/FileDescriptor.hpp"
 #include "device/UsbDevice.hpp"
+#include "usb/DeviceFiles.hpp"
 
 #include <umockdev.h>
 
@@ -95,7 +95,7 @@ private:
     UMockdevTestbed* testbed;
     unsigned port;
     std::string sysPath;
-    virtual_adapter::FileDescriptor readiness;
+    DeviceNode deviceNode;
     UMockdevIoctlBase* ioctls;
 
     std::mutex mutex;
@@ -109,7 +109,6 @@ private:
     size_t unreadReports = 0;
     size_t mostOutputTransfers = std::numeric_limits<size_t>::max();
     bool paced = true;
-    bool showsReady = true;
     bool pluggedIn = true;
     const UMockdevIoctlClient* owner = nullptr;
     Activity activity;

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "attach/FileDescriptor.hpp"
+#include "device/AdapterSettings.hpp"
+
+#include <umockdev.h>
+
+#include <string>
+
+namespace test_support {
+
+/// Where the test bed has the device node of the adapter at a port.
+std::string nodePath(unsigned port);
+
+/// The adapter as the kernel describes it in /sys, in the test bed's notation.
+std::string describe(const virtual_adapter::AdapterSettings& settings, unsigned port);
+
+/// The device node itself. It polls as writable while there is a transfer to reap, as usbfs does.
+class DeviceNode {
+public:
+    DeviceNode(UMockdevTestbed* testbed, unsigned port);
+
+    void showReadiness(bool ready);
+
+private:
+    virtual_adapter::FileDescriptor fifo;
+    bool showsReady = true;
+};
+
+} // namespace test_support
