@@ -1,6 +1,5 @@
 #include "driver/CommunicationManager.hpp"
 
-#include "driver/UsbTransferProtocol.hpp"
 #include "driver/VeltraDriver.hpp"
 
 CommunicationManager::CommunicationManager() : driver(std::make_unique<VeltraDriver>()) {
@@ -19,7 +18,7 @@ bool CommunicationManager::connect(const std::string& path, const std::string& s
     if (!driver->open(path, serialNumber)) {
         return false;
     }
-    protocol = std::make_unique<UsbTransferProtocol>(driver->getEndpointSize());
+    protocol.emplace(driver->getEndpointSize());
     return true;
 }
 
@@ -45,7 +44,7 @@ void CommunicationManager::onDriverResponseCallback(const std::vector<uint8_t>& 
     {
         const std::lock_guard<std::mutex> lock(protocolMutex);
         complete =
-            protocol != nullptr && protocol->receiveUsbInTransferPackets(receivedMessage, report);
+            protocol.has_value() && protocol->receiveUsbInTransferPackets(receivedMessage, report);
     }
     if (complete) {
         responseCallback(receivedMessage);

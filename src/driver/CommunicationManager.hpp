@@ -1,13 +1,15 @@
 #pragma once
 
+#include "driver/UsbTransferProtocol.hpp"
+
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
-class UsbTransferProtocol;
 class VeltraDriver;
 
 /// A link for whole messages: splits requests into reports, joins reports into messages.
@@ -40,7 +42,8 @@ private:
     // Guards `protocol`: the polling thread runs before connect has made the framing object. The
     // driver below, destroyed first, still uses it.
     std::mutex protocolMutex;
-    std::unique_ptr<UsbTransferProtocol> protocol;
+    // Held in place, as making it must not fail behind a link that is open already.
+    std::optional<UsbTransferProtocol> protocol;
     std::unique_ptr<VeltraDriver> driver;
     std::function<void(const std::vector<uint8_t>&)> responseCallback;
 };
