@@ -35,9 +35,12 @@ uint16_t VeltraSDK::i2cScanBus(std::vector<uint8_t>& addresses, uint8_t* sevenBi
     }
     return exchange([&](uint16_t id) { return asyncSdk->i2cScanBus(id, busIndex, flag); },
                     [&](const ResponseFrame& response) -> uint16_t {
-                        *sevenBitCount = response.u8(sevenBitCountOffset);
-                        *tenBitCount = response.u8(tenBitCountOffset);
-                        const size_t length = *sevenBitCount + 2U * *tenBitCount;
+                        const uint8_t sevenBit = response.u8(sevenBitCountOffset);
+                        const uint8_t tenBit = response.u8(tenBitCountOffset);
+                        const size_t length = sevenBit + 2U * tenBit;
+                        // The caller may want only one of them, and name one variable for both.
+                        *sevenBitCount = sevenBit;
+                        *tenBitCount = tenBit;
                         if (!response.holds(dataOffset + length)) {
                             return ResultCode_ShortResponse;
                         }

@@ -86,12 +86,23 @@ TEST_P(I2cFunctionTest, AWriteOfFourKibibytesGoesOutInSeveralReports) {
     EXPECT_EQ(VeltraSDK_I2cWrite(handle(), 0, 0x50, nullptr, 0, data.data(), 4096, false), 0);
 }
 
+TEST_P(I2cFunctionTest, AWriteOf65537BytesIsSentWholeWithALengthOfOne) {
+    const Bytes data = counting(65537);
+    Bytes request{0x01, 0x00, 0x04, 0x09, 0x00, 0x01, 0x00,
+                  0x50, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00};
+    request.insert(request.end(), data.begin(), data.end());
+    onWireLong(request, {0x01, 0x00, 0x04, 0x09, 0x00, 0x00});
+    EXPECT_EQ(VeltraSDK_I2cWrite(handle(), 0, 0x50, nullptr, 0, data.data(), 65537, false), 0);
+}
+
 TEST_P(I2cFunctionTest, AWriteWithBadArgumentsIsRefused) {
     const Bytes given(5);
     EXPECT_EQ(VeltraSDK_I2cWrite(handle(), 0, 0x50, given.data(), 5, given.data(), 1, false),
               refused);
     EXPECT_EQ(VeltraSDK_I2cWrite(handle(), 0, 0x50, nullptr, 1, given.data(), 1, false), refused);
     EXPECT_EQ(VeltraSDK_I2cWrite(handle(), 0, 0x50, given.data(), 1, nullptr, 1, false), refused);
+    EXPECT_EQ(VeltraSDK_I2cWrite(handle(), 0, 0x50, given.data(), 1, nullptr, 0x10000, false),
+              refused);
     expectNothingSent();
 }
 

@@ -70,8 +70,7 @@ std::string describe(const AdapterSettings& settings, unsigned port) {
            "\nA: bConfigurationValue=1\nH: descriptors=" + hex(descriptors) + "\n";
 }
 
-DeviceNode::DeviceNode(UMockdevTestbed* testbed, unsigned port)
-    : fifo(makeFifo(testbed, port)) {
+DeviceNode::DeviceNode(UMockdevTestbed* testbed, unsigned port) : fifo(makeFifo(testbed, port)) {
     showReadiness(false);
 }
 
