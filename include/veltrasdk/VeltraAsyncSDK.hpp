@@ -38,22 +38,27 @@ class RequestFrame;
  * @par Threads
  * Operations on one object must not overlap. The response callback runs on the object's polling
  * thread, one frame at a time, and must not call connect, disconnect, enterBootMode or the
- * destructor of the same object. Constructing, connecting, disconnecting and destroying must not
- * overlap between any two objects of the process, since hidapi's own calls are not safe against
- * each other.
+ * destructor of the same object. Constructing, connecting, disconnecting, entering boot mode and
+ * destroying must not overlap between any two objects of the process, since hidapi's own calls are
+ * not safe against each other.
  */
 class VELTRASDK_API VeltraAsyncSDK {
 public:
     /**
      * @brief Creates an object that is not connected, and initialises hidapi.
+     *
+     * @warning Connect one object at a time: destroying any object shuts hidapi down for the whole
+     * process, which hidapi's libusb back end does not survive while another object is connected.
      */
     VeltraAsyncSDK();
 
     /**
      * @brief Closes the link and shuts hidapi down, whatever other objects exist.
      *
-     * No callback runs after the destructor has returned. Destroying one object while another one
-     * is connected makes hidapi's libusb back end abort the process: connect one at a time.
+     * No callback runs after the destructor has returned.
+     *
+     * @warning Destroying one object while another one is connected makes hidapi's libusb back end
+     * abort the process: connect one object at a time.
      */
     ~VeltraAsyncSDK();
 
@@ -269,7 +274,7 @@ public:
      * @param optionFlag carried to the adapter; the operations of VeltraSDK pass false.
      * @param length the length field, sent as given: for a direct code the bytes of the data phase,
      *               for a broadcast the bytes behind the code, the defining byte counted.
-     * @param definingByte sent as given; the adapter uses it when @p type says so.
+     * @param definingByte sent as given; as 0 when @p type says that there is none.
      * @param data the bytes to write; with a read direction they are refused with
      *             #ResultCode_InvalidArgument.
      */

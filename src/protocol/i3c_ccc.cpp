@@ -16,6 +16,6 @@ uint16_t VeltraAsyncSDK::i3cCccTransfer(uint16_t transactionId, uint8_t address,
                     .u8(static_cast<uint8_t>(control & 0xFFU))
                     .u8(length)
                     .u8(static_cast<uint8_t>(code & 0xFFU))
-                    .u8(definingByte)
+                    .u8(type == I3cCccType_WithoutDefiningByte ? 0 : definingByte)
                     .bytes(data));
 }

@@ -78,8 +78,15 @@ TEST_P(I3cCccEncoderTest, BitsAboveTheControlByteAreCutOff) {
 
 TEST_P(I3cCccEncoderTest, AddressLengthAndDefiningByteAreSentAsGiven) {
     EXPECT_EQ(
-        sdk.i3cCccTransfer(1, 0xFF, write, sdr, false, plain, 0xFE, CCC_SETAASA, 0xFD, {0xFC}), 0);
-    expectSent({0x2B, 0x00, 0x01, 0x00, 0x09, 0x19, 0xFF, 0x00, 0xFE, 0x29, 0xFD, 0xFC});
+        sdk.i3cCccTransfer(1, 0xFF, write, sdr, false, defined, 0xFE, CCC_SETAASA, 0xFD, {0xFC}),
+        0);
+    expectSent({0x2B, 0x00, 0x01, 0x00, 0x09, 0x19, 0xFF, 0x10, 0xFE, 0x29, 0xFD, 0xFC});
+}
+
+TEST_P(I3cCccEncoderTest, TheDefiningByteIsZeroWhenTheTypeSaysThatThereIsNone) {
+    EXPECT_EQ(sdk.i3cCccTransfer(1, 0x30, write, sdr, false, plain, 1, CCC_ENECDirect, 0xFD, {9}),
+              0);
+    expectSent({0x2B, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x00, 0x01, 0x80, 0x00, 0x09});
 }
 
 TEST_P(I3cCccEncoderTest, DataLongerThanAPacketIsSentWhole) {
