@@ -48,9 +48,9 @@ class VeltraAsyncSDK;
  * @par Threads
  * Operations on one object must not overlap. The notification handler runs on the object's polling
  * thread, one notification at a time, while an operation may be waiting in another thread; it must
- * not call any operation of the same object. Constructing, connecting, disconnecting and
- * destroying must not overlap between any two objects of the process, since hidapi's own calls are
- * not safe against each other.
+ * not call any operation of the same object. Constructing, connecting, disconnecting, entering
+ * boot mode and destroying must not overlap between any two objects of the process, since hidapi's
+ * own calls are not safe against each other.
  *
  * @par Exceptions
  * The library throws nothing of its own. What its standard facilities throw (std::bad_alloc, say)
@@ -71,14 +71,19 @@ public:
      * @brief Creates an object that is not connected, and initialises hidapi.
      * @param timeoutMs how long an operation waits for its response, in ms. -1 waits without
      *                  limit; 0 and every other negative value do not wait.
+     *
+     * @warning Connect one object at a time: destroying any object shuts hidapi down for the whole
+     * process, which hidapi's libusb back end does not survive while another object is connected.
      */
     explicit VeltraSDK(int timeoutMs);
 
     /**
      * @brief Closes the link and shuts hidapi down, whatever other objects exist.
      *
-     * No handler runs after the destructor has returned. Destroying one object while another one
-     * is connected makes hidapi's libusb back end abort the process: connect one at a time.
+     * No handler runs after the destructor has returned.
+     *
+     * @warning Destroying one object while another one is connected makes hidapi's libusb back end
+     * abort the process: connect one object at a time.
      */
     ~VeltraSDK();
 
@@ -451,7 +456,8 @@ public:
 
     /**
      * @name I3C Common Command Codes: settings and broadcasts
-     * Each sends one write (0x1909), direct to a 7-bit address or broadcast to all targets.
+     * Each sends one transfer (0x1909), a write unless it says otherwise, direct to a 7-bit address
+     * or broadcast to all targets.
      */
     /** @{ */
 

@@ -12,7 +12,8 @@
  * adapter's status, 0 for success, or one of
  * - 0x2000, #ResultCode_NoResponse: no response came within the time-out;
  * - 0x4000, #ResultCode_NotConnected: the handle is null or not connected; nothing was sent;
- * - -32768 (0x8000), #ResultCode_InvalidArgument: an argument was refused; nothing was sent;
+ * - -32768 (0x8000), #ResultCode_InvalidArgument: an argument was refused; nothing was sent, except
+ *   where a function says otherwise;
  * - those that its description adds.
  *
  * @par Arguments
@@ -106,6 +107,9 @@ typedef void (*VeltraSDK_NotificationCallback)(const Notification* notification)
  * @param timeoutMs how long a call waits for its response, in ms. -1 waits without limit; 0 and
  *                  every other negative value do not wait.
  * @return the handle, never null; the caller releases it with VeltraSDK_Destroy().
+ *
+ * @warning Connect one handle at a time: destroying any handle shuts hidapi down for the whole
+ * process, which hidapi's libusb back end does not survive while another handle is connected.
  */
 VELTRASDK_API VeltraSDK_Handle* VeltraSDK_Create(int32_t timeoutMs);
 
@@ -634,7 +638,8 @@ VELTRASDK_API int16_t VeltraSDK_I3cCccGETSTATUS(VeltraSDK_Handle* handle, uint8_
 
 /**
  * @name I3C Common Command Codes: settings and broadcasts
- * Each sends one write (0x1909), direct to an address or broadcast to all targets.
+ * Each sends one transfer (0x1909), a write unless it says otherwise, direct to an address or
+ * broadcast to all targets.
  */
 /** @{ */
 
