@@ -17,26 +17,26 @@
  */
 struct VELTRASDK_API Notification {
     /** What the notification tells. */
-    NotificationKind kind;
+    NotificationKind kind{};
     /** The whole frame, from the transaction identifier on; not owned. */
-    const uint8_t* data;
+    const uint8_t* data = nullptr;
     /** The number of bytes at `data`. */
-    size_t size;
+    size_t size = 0;
 
     /** @return the joined target, or null; needs a frame of 15 bytes. */
-    const I3cHotJoinData* i3cHotJoin() const;
+    I3cHotJoinData* i3cHotJoin() const;
     /** @return the in-band interrupt, or null; needs a frame of 8 bytes. */
-    const I3cIbiData* i3cIbi() const;
+    I3cIbiData* i3cIbi() const;
     /** @return the GPIO event, or null; needs a frame of 7 bytes. */
-    const GpioData* gpio() const;
+    GpioData* gpio() const;
     /** @return the received bytes, or null; needs a frame of 8 bytes. */
-    const UartRxData* uartRx() const;
+    UartRxData* uartRx() const;
 
     /** @cond The views that the accessors fill; a new record has them all zero. */
-    mutable I3cHotJoinData i3cHotJoinView;
-    mutable I3cIbiData i3cIbiView;
-    mutable GpioData gpioView;
-    mutable UartRxData uartRxView;
+    mutable I3cHotJoinData i3cHotJoinView{};
+    mutable I3cIbiData i3cIbiView{};
+    mutable GpioData gpioView{};
+    mutable UartRxData uartRxView{};
     /** @endcond */
 };
 

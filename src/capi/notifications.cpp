@@ -23,8 +23,7 @@ void bridge(VeltraSDK_Handle& handle, const Notification& notification) {
 
 /// Decodes into @p out through a copy, since the caller's record may lie in read-only memory.
 template <typename View>
-bool decode(const Notification* notification, View* out,
-            const View* (Notification::*accessor)() const) {
+bool decode(const Notification* notification, View* out, View* (Notification::*accessor)() const) {
     if (notification == nullptr || out == nullptr) {
         return false;
     }

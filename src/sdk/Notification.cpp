@@ -23,7 +23,7 @@ bool is(const Notification& notification, NotificationKind kind, size_t shortest
 
 } // namespace
 
-const I3cHotJoinData* Notification::i3cHotJoin() const {
+I3cHotJoinData* Notification::i3cHotJoin() const {
     if (!is(*this, NotificationKind_I3cHotJoin, shortestHotJoin)) {
         return nullptr;
     }
@@ -31,7 +31,7 @@ const I3cHotJoinData* Notification::i3cHotJoin() const {
     return &i3cHotJoinView;
 }
 
-const I3cIbiData* Notification::i3cIbi() const {
+I3cIbiData* Notification::i3cIbi() const {
     if (!is(*this, NotificationKind_I3cIbi, shortestIbi)) {
         return nullptr;
     }
@@ -40,7 +40,7 @@ const I3cIbiData* Notification::i3cIbi() const {
     return &i3cIbiView;
 }
 
-const GpioData* Notification::gpio() const {
+GpioData* Notification::gpio() const {
     if (!is(*this, NotificationKind_Gpio, shortestGpio)) {
         return nullptr;
     }
@@ -48,7 +48,7 @@ const GpioData* Notification::gpio() const {
     return &gpioView;
 }
 
-const UartRxData* Notification::uartRx() const {
+UartRxData* Notification::uartRx() const {
     if (!is(*this, NotificationKind_UartRx, shortestUartRx)) {
         return nullptr;
     }

@@ -1,5 +1,8 @@
 #include "support/SdkTest.hpp"
 
+#include <array>
+#include <new>
+
 using namespace test_support;
 
 namespace {
@@ -46,6 +49,21 @@ bool viewsAreZero(const Notification& notification) {
     const auto isZero = [](const auto& view) { return memoryOf(view) == Bytes(sizeof(view)); };
     return isZero(notification.i3cHotJoinView) && isZero(notification.i3cIbiView) &&
            isZero(notification.gpioView) && isZero(notification.uartRxView);
+}
+
+TEST(Notification, ANewRecordIsEmptyWhateverTheMemoryHeld) {
+    alignas(Notification) std::array<uint8_t, sizeof(Notification)> memory{};
+    memory.fill(0xEE);
+    const auto* const notification = new (memory.data()) Notification;
+    EXPECT_EQ(notification->data, nullptr);
+    EXPECT_EQ(notification->size, 0U);
+    EXPECT_EQ(memoryOf(notification->i3cHotJoinView), Bytes(sizeof(I3cHotJoinData)));
+    EXPECT_EQ(notification->i3cIbiView.address, 0);
+    EXPECT_EQ(notification->i3cIbiView.payload, nullptr);
+    EXPECT_EQ(notification->i3cIbiView.payloadLength, 0U);
+    EXPECT_EQ(notification->gpioView.value, 0);
+    EXPECT_EQ(notification->uartRxView.data, nullptr);
+    EXPECT_EQ(notification->uartRxView.length, 0U);
 }
 
 // Routing.
