@@ -41,9 +41,10 @@ class VeltraAsyncSDK;
  * @par Late responses
  * The next response is taken as the answer of the operation that waits, whatever request it
  * answers. A response that arrives after its operation has timed out completes the next operation
- * at once. After #ResultCode_NoResponse, getDeviceInfo() tells whether the two sides are in step
- * again: it alone checks that the response is its own, and returns #ResultCode_UnexpectedResponse
- * until the late ones are used up.
+ * at once, whose own response then is the late one: the object stays one response behind, also
+ * after disconnecting. getDeviceInfo() and getUsbString() tell: they alone check that a response is
+ * their own, and return #ResultCode_UnexpectedResponse when it is not. To get back in step, give
+ * the adapter the time to answer, destroy the object, and connect a new one.
  *
  * @par Threads
  * Operations on one object must not overlap. The notification handler runs on the object's polling

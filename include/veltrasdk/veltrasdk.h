@@ -28,8 +28,11 @@
  *
  * @par Late responses
  * The next response is taken as the answer of the call that waits, whatever request it answers. A
- * response that arrives after its call has timed out completes the next call at once.
- * VeltraSDK_GetDeviceInfo() alone checks that a response is its own.
+ * response that arrives after its call has timed out completes the next call at once, whose own
+ * response then is the late one: the handle stays one response behind, also after disconnecting.
+ * VeltraSDK_GetDeviceInfo() tells: it alone checks that a response is its own, and returns
+ * #ResultCode_UnexpectedResponse when it is not. To get back in step, give the adapter the time to
+ * answer, destroy the handle, and connect a new one.
  *
  * @par Threads
  * Calls on one handle must not overlap. Notification callbacks run on the handle's polling thread,

@@ -197,6 +197,39 @@ TEST_P(LateResponseTest, ALateResponseOutlivesADisconnect) {
     EXPECT_EQ(readPin(sdk()), (PinRead{0x1234, GpioLogicLevel_High}));
 }
 
+TEST_P(LateResponseTest, AnObjectThatHasFallenBehindStaysBehind) {
+    EXPECT_EQ(readPin(sdk()).result, 0x2000);
+    deliver({0x1F, 0x00, 0x01, 0x00, 0x03, 0x14, 0x00, 0x00, 0x01});
+    Bytes text{0xEE};
+    for (uint8_t id = 2; id < 10; ++id) {
+        EXPECT_EQ(sdk().getUsbString(text, 1), 0x6000);
+        deliver({0x23, 0x00, id, 0x00, 0x07, 0x04, 0x00, 0x00, 0x02, 'A'});
+    }
+    sdk().disconnect();
+    ASSERT_TRUE(sdk().connect(""));
+    EXPECT_EQ(sdk().getUsbString(text, 1), 0x6000) << "reconnecting does not help";
+    EXPECT_EQ(text, Bytes{0xEE});
+}
+
+TEST_P(LateResponseTest, ANewObjectIsInStepOnceTheOldOneHasTakenTheLateResponses) {
+    {
+        VeltraSDK behind(0);
+        ASSERT_TRUE(behind.connect(""));
+        EXPECT_EQ(readPin(behind).result, 0x2000);
+        deliver({0x1F, 0x00, 0x01, 0x00, 0x03, 0x14, 0x11, 0x11, 0x00});
+        EXPECT_EQ(readPin(behind).result, 0x1111);
+        deliver({0x1F, 0x00, 0x02, 0x00, 0x03, 0x14, 0x22, 0x22, 0x00});
+    }
+    hid.expectWrite(
+        GetParam().output({0x17, 0x00, 0x01, 0x00, 0x07, 0x04, 0x01}),
+        {GetParam().input({0x23, 0x00, 0x01, 0x00, 0x07, 0x04, 0x00, 0x00, 0x02, 'A'})});
+    VeltraSDK object(patientMs);
+    ASSERT_TRUE(object.connect(""));
+    Bytes text;
+    EXPECT_EQ(object.getUsbString(text, 1), 0);
+    EXPECT_EQ(text, Bytes{'A'});
+}
+
 TEST_P(LateResponseTest, AResponseThatNobodyAskedForCompletesTheFirstOperation) {
     VeltraSDK& object = sdk();
     deliver({0x1F, 0x00, 0x99, 0x00, 0x05, 0x09, 0x34, 0x12, 0x01});
