@@ -28,6 +28,10 @@ if(NOT usb_product_step EQUAL 1)
                         "VELTRASDK_USB_PRODUCT_ID_FULL_SPEED + 1")
 endif()
 
+if(BUILD_TESTING AND NOT "${udev_VENDOR_ID}:${udev_PRODUCT_ID_FULL_SPEED}" STREQUAL "1209:0001")
+    message(FATAL_ERROR "The tests expect the default USB identifiers: add -D BUILD_TESTING=OFF")
+endif()
+
 add_library(veltrasdk_usb_identifiers INTERFACE)
 target_compile_definitions(veltrasdk_usb_identifiers INTERFACE
     VELTRASDK_USB_VENDOR_ID=${VELTRASDK_USB_VENDOR_ID}
