@@ -1,4 +1,5 @@
 #include "support/Process.hpp"
+#include "support/TemporaryDirectory.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -6,7 +7,6 @@
 #include <array>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <dlfcn.h>
 #include <filesystem>
 
@@ -331,14 +331,6 @@ TEST(RunEnvironment, TheLibraryExportsEightFunctions) {
 
 /// The executable somewhere else, with or without its library.
 class RunElsewhere : public testing::Test {
-public:
-    RunElsewhere() {
-        std::string pattern = testing::TempDir() + "veltra-virtual-adapter-XXXXXX";
-        directory = mkdtemp(pattern.data());
-    }
-
-    ~RunElsewhere() override { fs::remove_all(directory); }
-
 protected:
     static void copyTo(const fs::path& target, const std::string& source) {
         fs::create_directories(target);
@@ -351,7 +343,8 @@ protected:
                            hidProbe, "list"});
     }
 
-    fs::path directory;
+    TemporaryDirectory own;
+    const fs::path& directory = own.path();
 };
 
 TEST_F(RunElsewhere, TheInstalledLibraryIsFound) {

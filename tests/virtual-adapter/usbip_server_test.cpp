@@ -1,6 +1,7 @@
 #include "attach/ListeningSocket.hpp"
 #include "attach/UsbIpServer.hpp"
 #include "attach/Vhci.hpp"
+#include "support/TemporaryDirectory.hpp"
 
 #include <gtest/gtest.h>
 
@@ -136,12 +137,6 @@ TEST(UsbIpServer, TheStandardToolListsTheAdapter) {
 
 class VhciTest : public testing::Test {
 protected:
-    VhciTest() : directory(std::filesystem::path(testing::TempDir()) / "vhci") {
-        std::filesystem::remove_all(directory);
-        std::filesystem::create_directory(directory);
-    }
-    ~VhciTest() override { std::filesystem::remove_all(directory); }
-
     void write(const std::string& name, const std::string& text) const {
         std::ofstream(directory / name) << text;
     }
@@ -162,7 +157,8 @@ protected:
     }
 
     const std::string columns = "hub port sta spd dev      sockfd local_busid\n";
-    std::filesystem::path directory;
+    TemporaryDirectory own;
+    const std::filesystem::path& directory = own.path();
 };
 
 TEST_F(VhciTest, TheFirstFreeHighSpeedPortIsTaken) {
@@ -190,7 +186,10 @@ TEST_F(VhciTest, WithoutAFreePortTheMessageSaysSo) {
 TEST_F(VhciTest, WithoutTheRightTheMessageSaysWhoHasIt) {
     write("status", columns + "hs  0000 004 000 00000000 000000 0-0\n");
     write("attach", "");
-    std::filesystem::permissions(directory / "attach", std::filesystem::perms::none);
+    using std::filesystem::perms;
+    std::filesystem::permissions(directory / "attach", perms::none);
+    std::filesystem::permissions(directory,
+                                 perms::owner_all | perms::group_exec | perms::others_exec);
     const uid_t user = geteuid();
     constexpr uid_t nobody = 65534; // root may write everything
     ASSERT_TRUE(user != 0 || seteuid(nobody) == 0);
