@@ -3,23 +3,22 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <filesystem>
 
 using testing::HasSubstr;
+using testing::StartsWith;
 
 namespace {
 
 TEST(Serve, ATerminationSignalEndsItWithSuccess) {
-    const std::string log = testing::TempDir() + "/serve.log";
-    const ProcessResult result =
-        runProcess({"sh", "-c",
-                    "\"$0\" serve --port 0 --model high-speed --serial VA-7 > \"$1\" & server=$!\n"
-                    "until grep -q Serving \"$1\"; do sleep 0.05; done\n"
-                    "kill -TERM $server && wait $server && cat \"$1\"",
-                    VIRTUAL_ADAPTER, log});
-    EXPECT_EQ(result.status, 0) << result.errors;
-    EXPECT_THAT(result.output, HasSubstr("Serving the high-speed adapter VA-7"));
-    std::filesystem::remove(log);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        BackgroundProcess server(
+            {VIRTUAL_ADAPTER, "serve", "--port", "0", "--model", "high-speed", "--serial", "VA-7"});
+        EXPECT_THAT(server.nextLine(), StartsWith("Serving the high-speed adapter VA-7"));
+        server.send(signal);
+        EXPECT_EQ(server.wait(), 0) << signal;
+    }
 }
 
 TEST(Serve, AnAddressThatIsNotItsOwnIsAnError) {
