@@ -1,13 +1,19 @@
+#include "attach/FileDescriptor.hpp"
 #include "support/Process.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <netinet/in.h>
+#include <sys/socket.h>
+
+#include <array>
 #include <csignal>
 #include <filesystem>
 
 using testing::HasSubstr;
 using testing::StartsWith;
+using virtual_adapter::FileDescriptor;
 
 namespace {
 
@@ -19,6 +25,47 @@ TEST(Serve, ATerminationSignalEndsItWithSuccess) {
         server.send(signal);
         EXPECT_EQ(server.wait(), 0) << signal;
     }
+}
+
+/// Starts `serve` from a shell that ignores some signals, as nohup does.
+BackgroundProcess serveIgnoring(const std::string& signals) {
+    return BackgroundProcess(
+        {"sh", "-c", "trap '' " + signals + "; exec \"$0\" serve --port 0", VIRTUAL_ADAPTER});
+}
+
+/// Whether the server whose first line this is answers a list request.
+bool answers(const std::string& firstLine) {
+    const FileDescriptor client(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port =
+        htons(static_cast<uint16_t>(std::stoul(firstLine.substr(firstLine.rfind(' ')))));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    const timeval patience{30, 0};
+    setsockopt(client.get(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+    const std::array<uint8_t, 8> listRequest{0x01, 0x11, 0x80, 0x05, 0, 0, 0, 0};
+    std::array<uint8_t, 1> reply{};
+    return connect(client.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) ==
+               0 &&
+           send(client.get(), listRequest.data(), listRequest.size(), MSG_NOSIGNAL) == 8 &&
+           recv(client.get(), reply.data(), reply.size(), 0) == 1;
+}
+
+TEST(Serve, ASignalThatItsStarterIgnoresDoesNotEndIt) {
+    BackgroundProcess server = serveIgnoring("HUP INT");
+    const std::string firstLine = server.nextLine();
+    server.send(SIGHUP);
+    server.send(SIGINT);
+    EXPECT_TRUE(answers(firstLine)) << firstLine;
+    server.send(SIGTERM);
+    EXPECT_EQ(server.wait(), 0);
+}
+
+TEST(Serve, ItServesOnWhenItsStarterIgnoresEverySignal) {
+    BackgroundProcess server = serveIgnoring("HUP INT TERM");
+    const std::string firstLine = server.nextLine();
+    server.send(SIGTERM);
+    EXPECT_TRUE(answers(firstLine)) << firstLine;
 }
 
 TEST(Serve, AnAddressThatIsNotItsOwnIsAnError) {

@@ -8,14 +8,18 @@
 
 namespace virtual_adapter {
 
-/// Becomes readable when the process is asked to end, instead of ending it. Call it before the
-/// process has a second thread.
+/// Becomes readable when the process is asked to end, instead of ending it. What the starter of the
+/// process ignores, as nohup does, stays ignored. Call it before the process has a second thread.
 inline FileDescriptor terminationSignals() {
     sigset_t signals;
     sigemptyset(&signals);
-    sigaddset(&signals, SIGINT);
-    sigaddset(&signals, SIGTERM);
-    sigaddset(&signals, SIGHUP);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        struct sigaction inherited {};
+        sigaction(signal, nullptr, &inherited);
+        if (inherited.sa_handler != SIG_IGN) {
+            sigaddset(&signals, signal);
+        }
+    }
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     return FileDescriptor(signalfd(-1, &signals, SFD_CLOEXEC));
 }
