@@ -289,14 +289,28 @@ TEST(RunCommandLine, TheVersionIsTheProjects) {
 }
 
 TEST(RunEnvironment, ThePreloadedLibraryIsTheLast) {
-    EXPECT_EQ(run({}, {"printenv", "LD_PRELOAD"}).output, preloadList(preloadLibrary) + "\n");
-    const ProcessResult result = runProcess({virtualAdapter, "run", "--", "printenv", "LD_PRELOAD"},
-                                            {"LD_PRELOAD=" + preloadList("libm.so.6")});
-    EXPECT_EQ(result.output, preloadList(preloadList("libm.so.6:" + preloadLibrary)) + "\n");
+    const std::vector<std::pair<std::string, std::string>> cases{
+        {"LD_PRELOAD", preloadList(preloadLibrary)},
+        {"LD_PRELOAD=" + preloadList("libm.so.6"),
+         preloadList(preloadList("libm.so.6:" + preloadLibrary))}};
+    for (const auto& [inherited, expected] : cases) {
+        const ProcessResult result =
+            runProcess({virtualAdapter, "run", "--", "printenv", "LD_PRELOAD"}, {inherited});
+        EXPECT_EQ(result.output, expected + "\n");
+    }
+}
+
+/// Plays calls with the library preloaded and no settings but @p settings.
+ProcessResult playWithLibraryAlone(const Arguments& calls, const Arguments& settings = {}) {
+    const Arguments environment{"LD_PRELOAD=" + preloadList(preloadLibrary),
+                                "VELTRA_VIRTUAL_ADAPTER_MODEL", "VELTRA_VIRTUAL_ADAPTER_SERIAL",
+                                "VELTRA_VIRTUAL_ADAPTER_FAULT",
+                                "VELTRA_VIRTUAL_ADAPTER_FAULT_DELAY"};
+    return runProcess(Arguments{hidProbe} + calls, environment + settings);
 }
 
 TEST(RunEnvironment, TheLibraryAloneIsADefaultAdapter) {
-    EXPECT_EQ(runProcess({hidProbe, "list"}, {"LD_PRELOAD=" + preloadList(preloadLibrary)}).output,
+    EXPECT_EQ(playWithLibraryAlone({"list"}).output,
               listed(VELTRASDK_USB_PRODUCT_ID_FULL_SPEED, "Veltra | full-speed | VA-0001"));
 }
 
@@ -308,8 +322,7 @@ TEST(RunEnvironment, AnImpossibleSettingIsExplainedAndLeavesNoAdapter) {
         {"VELTRA_VIRTUAL_ADAPTER_FAULT_DELAY=-1", "expected milliseconds from 0 to 3600000"}};
     for (const auto& [variable, expectation] : cases) {
         const ProcessResult result =
-            runProcess({hidProbe, "init", "list", openIt, "exit"},
-                       {"LD_PRELOAD=" + preloadList(preloadLibrary), variable});
+            playWithLibraryAlone({"init", "list", openIt, "exit"}, {variable});
         EXPECT_EQ(result.output, "init: -1\nlist: nothing\nopen: null\nexit: 0\n");
         EXPECT_THAT(result.errors, AllOf(StartsWith("veltra-virtual-adapter: no adapter: "),
                                          HasSubstr(variable), EndsWith(": " + expectation + "\n")));
