@@ -12,6 +12,9 @@
 
 namespace {
 
+/// As env(1) refuses its own: the programs that `run` starts seldom end with it.
+constexpr int refusedCommandLine = 125;
+
 int runCommandLine(int argc, char** argv) {
     // What follows -- is another program's command line.
     char** const end = argv + argc;
@@ -27,7 +30,14 @@ int runCommandLine(int argc, char** argv) {
     virtual_adapter::addServeCommand(app);
     virtual_adapter::addAttachCommand(app);
 
-    CLI11_PARSE(app, static_cast<int>(separator - argv), argv);
+    try {
+        app.parse(static_cast<int>(separator - argv), argv);
+    } catch (const CLI::RuntimeError& failure) {
+        return failure.get_exit_code();
+    } catch (const CLI::ParseError& error) {
+        // Asking for help or the version ends the parsing too, with success.
+        return app.exit(error) == 0 ? 0 : refusedCommandLine;
+    }
     return 0;
 }
 

@@ -39,7 +39,13 @@ void setEnvironment(const std::string& variable, const std::string& value) {
 /// The library lies beside the executable in a build tree and in a directory of its own once
 /// installed.
 std::string findPreloadLibrary() {
-    const fs::path here = fs::read_symlink("/proc/self/exe").parent_path();
+    const char* const itself = "/proc/self/exe";
+    std::error_code error;
+    const fs::path here = fs::read_symlink(itself, error).parent_path();
+    if (error) {
+        fail(cannotSetUp,
+             std::string("cannot find its own directory: ") + itself + ": " + error.message());
+    }
     const fs::path installed = (here / VELTRA_PRELOAD_DIRECTORY).lexically_normal();
     for (const fs::path& directory : {here, installed}) {
         const fs::path library = directory / VELTRA_PRELOAD_LIBRARY;

@@ -233,27 +233,46 @@ TEST(RunCommandLine, AProgramThatCannotBeExecutedExitsWith126) {
     EXPECT_EQ(result.errors, "veltra-virtual-adapter: cannot start /: Permission denied\n");
 }
 
+/// The exit status of every command line that is refused.
+constexpr int refused = 125;
+
+TEST(RunCommandLine, EveryOptionTakesOneValueAndComesOnce) {
+    const std::vector<std::pair<Arguments, std::string>> cases{
+        {{"--model"}, "--model"},
+        {{"--serial"}, "--serial"},
+        {{"--fault-delay"}, "--fault-delay"},
+        {{"--model", "full-speed", "--model", "full-speed"}, "--model"},
+        {{"--fault", "none", "--fault=none"}, "--fault"},
+        {{"--model", "full-speed", "high-speed"}, "high-speed"}};
+    for (const auto& [options, named] : cases) {
+        const ProcessResult result = run(options, {hidProbe});
+        EXPECT_EQ(result.status, refused) << testing::PrintToString(options);
+        EXPECT_THAT(result.errors, HasSubstr(named));
+        EXPECT_EQ(result.output, "");
+    }
+}
+
 TEST(RunCommandLine, AProgramIsRequired) {
     for (const Arguments& arguments : {Arguments{"run"}, Arguments{"run", "--"}}) {
         const ProcessResult result = runProcess(Arguments{virtualAdapter} + arguments);
-        EXPECT_EQ(result.status, 106);
+        EXPECT_EQ(result.status, refused);
         EXPECT_THAT(result.errors, HasSubstr("-- PROGRAM is required"));
     }
 }
 
 TEST(RunCommandLine, ASubcommandIsRequired) {
-    EXPECT_EQ(runProcess({virtualAdapter}).status, 106);
+    EXPECT_EQ(runProcess({virtualAdapter}).status, refused);
 }
 
 TEST(RunCommandLine, OnlyRunTakesAProgram) {
     const ProcessResult result = runProcess({virtualAdapter, "serve", "--", hidProbe});
-    EXPECT_EQ(result.status, 109);
+    EXPECT_EQ(result.status, refused);
     EXPECT_THAT(result.errors, HasSubstr(hidProbe));
 }
 
 TEST(RunCommandLine, AnUnknownOptionIsRefused) {
     const ProcessResult result = run({"--colour", "blue"}, {hidProbe});
-    EXPECT_EQ(result.status, 109);
+    EXPECT_EQ(result.status, refused);
     EXPECT_THAT(result.errors, HasSubstr("--colour"));
 }
 
@@ -266,7 +285,7 @@ TEST(RunCommandLine, ABadValueIsRefusedWithWhatWasExpected) {
         {{"--fault-delay", "soon"}, "--fault-delay: expected milliseconds from 0 to 3600000"}};
     for (const auto& [options, message] : cases) {
         const ProcessResult result = run(options, {hidProbe});
-        EXPECT_EQ(result.status, 105);
+        EXPECT_EQ(result.status, refused);
         EXPECT_THAT(result.errors, StartsWith(message));
         EXPECT_EQ(result.output, "");
     }
@@ -286,6 +305,23 @@ TEST(RunCommandLine, TheVersionIsTheProjects) {
     const ProcessResult result = runProcess({virtualAdapter, "--version"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.output, PROJECT_VERSION_TEXT "\n");
+}
+
+TEST(RunCommandLine, WithoutProcTheMessageSaysWhatIsMissing) {
+    if (*sanitizerRuntime != 0) {
+        GTEST_SKIP() << "a sanitizer needs /proc itself";
+    }
+    const Arguments withoutProc{"unshare", "--map-root-user",
+                                "--mount", "sh",
+                                "-c",      "mount -t tmpfs none /proc && exec \"$0\" \"$@\""};
+    if (runProcess(withoutProc + Arguments{"true"}).status != 0) {
+        GTEST_SKIP() << "this machine grants no namespace of mounts";
+    }
+    const ProcessResult result =
+        runProcess(withoutProc + Arguments{virtualAdapter, "run", "--", "true"});
+    EXPECT_EQ(result.status, 125);
+    EXPECT_EQ(result.errors, "veltra-virtual-adapter: cannot find its own directory: "
+                             "/proc/self/exe: No such file or directory\n");
 }
 
 TEST(RunEnvironment, ThePreloadedLibraryIsTheLast) {

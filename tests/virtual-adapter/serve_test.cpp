@@ -79,7 +79,7 @@ TEST(Serve, AFaultOfTheHostIsRefused) {
     for (const std::string command : {"serve", "attach"}) {
         const ProcessResult result =
             runProcess({VIRTUAL_ADAPTER, command, "--fault", "no-permission"});
-        EXPECT_NE(result.status, 0) << command;
+        EXPECT_EQ(result.status, 125) << command;
         EXPECT_THAT(result.errors, HasSubstr("only 'run' has it")) << command;
     }
 }
