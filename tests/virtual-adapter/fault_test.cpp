@@ -99,6 +99,19 @@ TEST_F(FaultyLink, UnpluggingOnTheThirdRequestIsForGood) {
     EXPECT_TRUE(reportsUntil(link, start).empty());
 }
 
+TEST_F(FaultyLink, BootModeLeavesNothingToComeLater) {
+    const Bytes enterBootMode{0x13, 0x00, 0x04, 0x00, 0x02, 0x04};
+    AdapterLink link(fullSpeedModel, "VA-0001", {FaultKind::LateResponse, 40ms});
+    for (uint8_t identifier = 1; identifier <= 3; ++identifier) {
+        EXPECT_TRUE(link.writeReport(request(identifier), start));
+    }
+    EXPECT_TRUE(link.writeReport(enterBootMode, start));
+    EXPECT_FALSE(link.isOnBus());
+    EXPECT_EQ(reportsUntil(link, start), (std::vector<Bytes>{response(1), response(2)}));
+    EXPECT_EQ(link.nextInputDue(), std::nullopt);
+    EXPECT_TRUE(reportsUntil(link, start + 40ms).empty());
+}
+
 TEST_F(FaultyLink, AStallRefusesReportsFromTheThirdRequestOn) {
     AdapterLink link(fullSpeedModel, "VA-0001", {FaultKind::Stall});
     EXPECT_EQ(reportsAfter(link, 2), (std::vector<Bytes>{response(1), response(2)}));

@@ -20,6 +20,9 @@ bool AdapterLink::writeReport(const Bytes& report, Time now) {
         taken = takePacket(Bytes(packet, packetEnd), now);
         packet = packetEnd;
     } while (taken && packet != report.end());
+    if (!isOnBus()) {
+        forgetReportsAfter(now);
+    }
     return taken;
 }
 
@@ -45,6 +48,13 @@ void AdapterLink::send(const OutgoingFrame& outgoing, Time now) {
         packet.resize(protocol.getEndpointSize());
         inputReports.push_back({std::move(packet), due});
     }
+}
+
+void AdapterLink::forgetReportsAfter(Time now) {
+    // What is behind a late report is late too.
+    inputReports.erase(std::find_if(inputReports.begin(), inputReports.end(),
+                                    [=](const InputReport& report) { return report.due > now; }),
+                       inputReports.end());
 }
 
 std::optional<Bytes> AdapterLink::takeInputReport(Time now) {

@@ -38,7 +38,8 @@ public:
     /// How many input reports are waiting to be taken.
     [[nodiscard]] size_t inputReportCount() const { return inputReports.size(); }
 
-    /// Whether the adapter can be found. Unplugging and boot mode make it leave for good.
+    /// Whether the adapter can be found. Unplugging and boot mode make it leave for good; input
+    /// reports whose time has not come by then never come.
     [[nodiscard]] bool isOnBus() const { return !unplugged && !adapter.inBootMode(); }
 
 private:
@@ -49,6 +50,7 @@ private:
 
     bool takePacket(const Bytes& packet, Time now);
     void send(const OutgoingFrame& outgoing, Time now);
+    void forgetReportsAfter(Time now);
 
     Adapter adapter;
     FaultInjector faults;
