@@ -18,6 +18,12 @@
     static_assert(SIZE_OF_FIELD(Type, field) == (bytes), #field)
 
 EXPECT_SIZE(ResultCode, 2);
+static_assert(ResultCode_Success == 0x0000, "Success");
+static_assert(ResultCode_NoResponse == 0x2000, "NoResponse");
+static_assert(ResultCode_NotConnected == 0x4000, "NotConnected");
+static_assert(ResultCode_UnexpectedResponse == 0x6000, "UnexpectedResponse");
+static_assert(ResultCode_InvalidArgument == 0x8000, "InvalidArgument");
+static_assert(ResultCode_ShortResponse == 0xA000, "ShortResponse");
 
 EXPECT_SIZE(SpiBitOrder, 1);
 EXPECT_SIZE(SpiMode, 1);

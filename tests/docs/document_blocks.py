@@ -20,7 +20,7 @@ import sys
 
 BLOCK = re.compile(r"^(?:<!-- (run|save): ([\w.-]+) -->\n)?```(\w*)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 PROGRAMS = ("c", "cpp", "python")  # run_code_blocks.py runs all of these
-NOT_RUN = ("", "text")
+NOT_RUN = ("text",)
 
 
 def blocks(documents):
@@ -71,8 +71,18 @@ def is_run(label, source, root):
     return set(commands) <= set((root / ".ci/run").read_text().splitlines())
 
 
+def overlooked(documents):
+    """Yields every line that looks like a block and is in none: other fences, indented commands."""
+    for document in documents:
+        text = pathlib.Path(document).read_text()
+        rest = BLOCK.sub(lambda block: re.sub("[^\n]+", "", block.group()), text)
+        for number, line in enumerate(rest.splitlines(), start=1):
+            if re.match(r"\s*(```|~~~)|    |\t", line):
+                yield f"{document}:{number}: no block that is run: {line.strip()}"
+
+
 def check(root, *documents):
-    problems = []
+    problems = list(overlooked(documents))
     for where, mark, name, language, source in blocks(documents):
         if language in PROGRAMS or language in NOT_RUN:
             continue
