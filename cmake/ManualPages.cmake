@@ -1,4 +1,5 @@
-# The manual pages are made from the program's own --help, wherever help2man is installed.
+# The manual pages are made from the program's own --help and the sections in docs/manual, wherever
+# help2man is installed.
 find_program(HELP2MAN help2man)
 if(NOT HELP2MAN)
     return()
@@ -6,23 +7,24 @@ endif()
 
 set(manual_pages "")
 
-# Writes the page NAME from the help of the program with ARGN behind it.
-function(add_manual_page NAME)
-    set(page ${PROJECT_BINARY_DIR}/${NAME}.1)
-    list(JOIN ARGN " " command)
+# Writes a page of the name that the program and a command of it, if any, make.
+function(add_manual_page COMMAND SUMMARY)
+    string(JOIN "-" name veltra-virtual-adapter ${COMMAND})
+    set(page ${PROJECT_BINARY_DIR}/${name}.1)
+    set(sections ${PROJECT_SOURCE_DIR}/docs/manual/${name}.h2m)
     add_custom_command(OUTPUT ${page}
-        COMMAND ${HELP2MAN} --no-info --name "stand-in for a USB adapter"
-            --version-string "veltra-virtual-adapter ${PROJECT_VERSION}" --output ${page}
-            "$<TARGET_FILE:veltra-virtual-adapter> ${command}"
-        DEPENDS veltra-virtual-adapter
+        COMMAND ${HELP2MAN} --no-info --name ${SUMMARY} --include ${sections} --output ${page}
+            --source "libveltrasdk ${PROJECT_VERSION}" --version-string "${name} ${PROJECT_VERSION}"
+            "$<TARGET_FILE:veltra-virtual-adapter> ${COMMAND}"
+        DEPENDS veltra-virtual-adapter ${sections}
         VERBATIM)
     set(manual_pages ${manual_pages} ${page} PARENT_SCOPE)
 endfunction()
 
-add_manual_page(veltra-virtual-adapter)
-foreach(command IN ITEMS run serve attach)
-    add_manual_page(veltra-virtual-adapter-${command} ${command})
-endforeach()
+add_manual_page("" "stand-in for a USB adapter for I3C, I2C, SPI, UART and GPIO")
+add_manual_page(run "start a program that finds a virtual USB adapter")
+add_manual_page(serve "export a virtual USB adapter over USB/IP")
+add_manual_page(attach "plug a virtual USB adapter into this machine's kernel")
 
 add_custom_target(manual_pages ALL DEPENDS ${manual_pages})
 install(FILES ${manual_pages}
