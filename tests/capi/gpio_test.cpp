@@ -3,11 +3,14 @@
 namespace {
 
 using test_support::Bytes;
+using test_support::noResponse;
 using test_support::notConnected;
 using test_support::OwnedHandle;
 
 using GpioFunctionTest = test_support::SdkTest;
 INSTANTIATE_ON_BOTH_MODELS(GpioFunctionTest);
+using GpioFunctionWithoutWaitingTest = test_support::ImpatientSdkTest;
+INSTANTIATE_ON_BOTH_MODELS(GpioFunctionWithoutWaitingTest);
 
 TEST_P(GpioFunctionTest, SettingTheVoltageReturnsTheStatus) {
     onWire({0x1F, 0x00, 0x01, 0x00, 0x05, 0x04, 0xE4, 0x0C, 0x01},
@@ -72,6 +75,13 @@ TEST_P(GpioFunctionTest, ReadingAPinStoresTheLevelOrZeroWhereverTheResponseEnds)
                                       0x1234);
                             EXPECT_EQ(level, received[6]);
                         });
+}
+
+TEST_P(GpioFunctionWithoutWaitingTest, ReadingAPinWithoutAResponseLeavesTheLevel) {
+    onWire({0x17, 0x00, 0x01, 0x00, 0x03, 0x14, 0x05});
+    GpioLogicLevel level{0xEE};
+    EXPECT_EQ(VeltraSDK_GpioDigitalRead(handle(), GpioPinNumber_5, &level), noResponse);
+    EXPECT_EQ(level, 0xEE);
 }
 
 TEST_P(GpioFunctionTest, ConfiguringAnInterruptReturnsTheStatus) {

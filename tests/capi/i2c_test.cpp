@@ -4,12 +4,15 @@ namespace {
 
 using test_support::Bytes;
 using test_support::counting;
+using test_support::noResponse;
 using test_support::notConnected;
 using test_support::OwnedHandle;
 using test_support::refused;
 
 using I2cFunctionTest = test_support::SdkTest;
 INSTANTIATE_ON_BOTH_MODELS(I2cFunctionTest);
+using I2cFunctionWithoutWaitingTest = test_support::ImpatientSdkTest;
+INSTANTIATE_ON_BOTH_MODELS(I2cFunctionWithoutWaitingTest);
 
 constexpr int16_t shortResponse = -24576;
 
@@ -126,6 +129,14 @@ TEST_P(I2cFunctionTest, AFailedReadLeavesTheBuffer) {
     EXPECT_EQ(data, (Bytes{0xEE, 0xEE}));
 }
 
+TEST_P(I2cFunctionWithoutWaitingTest, AReadWithoutAResponseLeavesTheBuffer) {
+    onWire({0x3B, 0x00, 0x01, 0x00, 0x05, 0x09, 0x00, 0x02, 0x00, 0x50, 0x00, 0x00, 0x00, 0x00,
+            0x00, 0x00});
+    Bytes data(2, 0xEE);
+    EXPECT_EQ(VeltraSDK_I2cRead(handle(), 0, 0x50, nullptr, 0, 2, data.data(), false), noResponse);
+    EXPECT_EQ(data, (Bytes{0xEE, 0xEE}));
+}
+
 TEST_P(I2cFunctionTest, AReadOfNothingIsSent) {
     onWire({0x3B, 0x00, 0x01, 0x00, 0x05, 0x09, 0x00, 0x00, 0x00, 0x50, 0x00, 0x00, 0x00, 0x00,
             0x00, 0x00},
@@ -238,6 +249,19 @@ TEST_P(I2cFunctionTest, AFailedScanLeavesTheBuffer) {
         0x1234);
     EXPECT_EQ(sevenBitCount, 1);
     EXPECT_EQ(tenBitCount, 0);
+    EXPECT_EQ(addresses, (Bytes{0xEE}));
+}
+
+TEST_P(I2cFunctionWithoutWaitingTest, AScanWithoutAResponseLeavesTheBufferAndTheCounts) {
+    onWire({0x1B, 0x00, 0x01, 0x00, 0x06, 0x09, 0x00, 0x00});
+    Bytes addresses(1, 0xEE);
+    uint8_t sevenBitCount = 0xEE;
+    uint8_t tenBitCount = 0xEE;
+    EXPECT_EQ(
+        VeltraSDK_I2cScanBus(handle(), addresses.data(), 1, &sevenBitCount, &tenBitCount, 0, false),
+        noResponse);
+    EXPECT_EQ(sevenBitCount, 0xEE);
+    EXPECT_EQ(tenBitCount, 0xEE);
     EXPECT_EQ(addresses, (Bytes{0xEE}));
 }
 

@@ -5,6 +5,7 @@ namespace {
 
 using test_support::Bytes;
 using test_support::memoryOf;
+using test_support::noResponse;
 using test_support::notConnected;
 using test_support::refused;
 using test_support::sensor;
@@ -12,6 +13,8 @@ using test_support::sensors;
 
 using I3cBusFunctionTest = test_support::SdkTest;
 INSTANTIATE_ON_BOTH_MODELS(I3cBusFunctionTest);
+using I3cBusFunctionWithoutWaitingTest = test_support::ImpatientSdkTest;
+INSTANTIATE_ON_BOTH_MODELS(I3cBusFunctionWithoutWaitingTest);
 
 /// A response that carries the sensors.
 Bytes tableOf(const std::vector<I3cTargetInfo>& records, uint16_t status) {
@@ -143,6 +146,15 @@ TEST_P(I3cBusFunctionTest, ATableWithANonzeroStatusLeavesTheArrayAndTheCount) {
     EXPECT_EQ(memoryOf({table}), memoryOf({sensor}));
 }
 
+TEST_P(I3cBusFunctionWithoutWaitingTest, ATableWithoutAResponseLeavesTheArrayAndTheCount) {
+    onWire({0x13, 0x00, 0x01, 0x00, 0x06, 0x19});
+    I3cTargetInfo table = sensor;
+    uint8_t count = 0xEE;
+    EXPECT_EQ(VeltraSDK_I3cGetDeviceTable(handle(), &table, 1, &count), noResponse);
+    EXPECT_EQ(count, 0xEE);
+    EXPECT_EQ(memoryOf({table}), memoryOf({sensor}));
+}
+
 TEST_P(I3cBusFunctionTest, ATableThatAnnouncesMoreThanItCarriesIsFilledWithZeros) {
     onWire({0x13, 0x00, 0x01, 0x00, 0x06, 0x19},
            {0x23, 0x00, 0x01, 0x00, 0x06, 0x19, 0x00, 0x00, 0x02, 0x48});
@@ -175,6 +187,13 @@ TEST_P(I3cBusFunctionTest, ConfiguringATargetSendsItsAddressAndTheConfiguration)
     EXPECT_EQ(
         VeltraSDK_I3cSetTargetDeviceConfiguration(handle(), 0x0A, I3cTargetConfiguration_RejectIbi),
         0x1234);
+}
+
+TEST_P(I3cBusFunctionTest, ConfiguringATargetSendsTheAddressAndTheConfigurationUnchecked) {
+    onWire({0x1B, 0x00, 0x01, 0x00, 0x07, 0x19, 0xFF, 0xFE},
+           {0x1B, 0x00, 0x01, 0x00, 0x07, 0x19, 0x00, 0x00});
+    EXPECT_EQ(
+        VeltraSDK_I3cSetTargetDeviceConfiguration(handle(), 0xFF, I3cTargetConfiguration{0xFE}), 0);
 }
 
 /// Calls every function with good arguments and expects none of them to send anything.

@@ -9,7 +9,9 @@ namespace {
 using test_support::Bytes;
 using test_support::CccFrame;
 using test_support::cccFrames;
+using test_support::noResponse;
 using test_support::notConnected;
+using test_support::OwnedHandle;
 using test_support::refused;
 
 using I3cCccFunctionTest = test_support::SdkTest;
@@ -38,6 +40,16 @@ struct Outputs {
 
     Outputs() { bytes.fill(untouchedByte); }
 
+    /// Expects nothing to be written but the flag, which is to be @p expectedFlag.
+    void expectUntouched(uint8_t expectedFlag) const {
+        EXPECT_TRUE(written(0).empty());
+        EXPECT_EQ(count, untouchedByte);
+        EXPECT_EQ(byte, untouchedByte);
+        EXPECT_EQ(word, untouchedWord);
+        EXPECT_EQ(size, untouchedByte);
+        EXPECT_EQ(flag, expectedFlag);
+    }
+
     /// The first bytes of the buffer, if those behind them are untouched.
     [[nodiscard]] Bytes written(size_t number) const {
         for (size_t i = number; i < bytes.size(); ++i) {
@@ -50,9 +62,9 @@ struct Outputs {
 /// The calls that send the frames of the table.
 const std::map<std::string, int16_t (*)(VeltraSDK_Handle*, Outputs&)> calls{
     {"ENECBroadcast",
-     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccENECBroadcast(h, 0x09); }},
+     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccENECBroadcast(h, 0xFF); }},
     {"DISECBroadcast",
-     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccDISECBroadcast(h, 0x09); }},
+     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccDISECBroadcast(h, 0xFF); }},
     {"RSTDAA", [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccRSTDAA(h); }},
     {"ENTDAA", [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccENTDAA(h); }},
     {"SETMWLBroadcast",
@@ -72,76 +84,85 @@ const std::map<std::string, int16_t (*)(VeltraSDK_Handle*, Outputs&)> calls{
          return VeltraSDK_I3cCccRSTACTBroadcast(h, resetWholeTarget);
      }},
     {"ENECDirect",
-     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccENECDirect(h, 0x30, 0x09); }},
+     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccENECDirect(h, 0xFF, 0xFF); }},
     {"DISECDirect",
-     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccDISECDirect(h, 0x30, 0x09); }},
+     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccDISECDirect(h, 0xFF, 0xFF); }},
     {"SETDASA",
-     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccSETDASA(h, 0x50, 0x0A); }},
+     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccSETDASA(h, 0xFF, 0x0A); }},
     {"SETNEWDA",
-     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccSETNEWDA(h, 0x30, 0x31); }},
+     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccSETNEWDA(h, 0xFF, 0x31); }},
     {"SETMWLDirect",
-     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccSETMWLDirect(h, 0x30, 0x0100); }},
+     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccSETMWLDirect(h, 0xFF, 0x0100); }},
     {"SETMRLDirect",
      [](VeltraSDK_Handle* h, Outputs&) {
-         return VeltraSDK_I3cCccSETMRLDirect(h, 0x30, 0x0040, false, 8);
+         return VeltraSDK_I3cCccSETMRLDirect(h, 0xFF, 0x0040, false, 8);
      }},
     {"SETMRLDirect with IBI size",
      [](VeltraSDK_Handle* h, Outputs&) {
-         return VeltraSDK_I3cCccSETMRLDirect(h, 0x30, 0x0040, true, 8);
+         return VeltraSDK_I3cCccSETMRLDirect(h, 0xFF, 0x0040, true, 8);
      }},
     {"GETMWL",
-     [](VeltraSDK_Handle* h, Outputs& out) { return VeltraSDK_I3cCccGETMWL(h, 0x30, &out.word); }},
+     [](VeltraSDK_Handle* h, Outputs& out) { return VeltraSDK_I3cCccGETMWL(h, 0xFF, &out.word); }},
     {"GETMRL",
      [](VeltraSDK_Handle* h, Outputs& out) {
-         return VeltraSDK_I3cCccGETMRL(h, 0x30, &out.word, &out.size, &out.flag);
+         return VeltraSDK_I3cCccGETMRL(h, 0xFF, &out.word, &out.size, &out.flag);
      }},
     {"GETPID", [](VeltraSDK_Handle* h,
-                  Outputs& out) { return VeltraSDK_I3cCccGETPID(h, 0x30, out.bytes.data()); }},
+                  Outputs& out) { return VeltraSDK_I3cCccGETPID(h, 0xFF, out.bytes.data()); }},
     {"GETBCR",
-     [](VeltraSDK_Handle* h, Outputs& out) { return VeltraSDK_I3cCccGETBCR(h, 0x30, &out.byte); }},
+     [](VeltraSDK_Handle* h, Outputs& out) { return VeltraSDK_I3cCccGETBCR(h, 0xFF, &out.byte); }},
     {"GETDCR",
-     [](VeltraSDK_Handle* h, Outputs& out) { return VeltraSDK_I3cCccGETDCR(h, 0x30, &out.byte); }},
+     [](VeltraSDK_Handle* h, Outputs& out) { return VeltraSDK_I3cCccGETDCR(h, 0xFF, &out.byte); }},
     {"GETSTATUS",
      [](VeltraSDK_Handle* h, Outputs& out) {
-         return VeltraSDK_I3cCccGETSTATUS(h, 0x30, out.bytes.data(), &out.count, false, 0x91);
+         return VeltraSDK_I3cCccGETSTATUS(h, 0xFF, out.bytes.data(), &out.count, false, 0x91);
      }},
     {"GETSTATUS with defining byte",
      [](VeltraSDK_Handle* h, Outputs& out) {
-         return VeltraSDK_I3cCccGETSTATUS(h, 0x30, out.bytes.data(), &out.count, true, 0x91);
+         return VeltraSDK_I3cCccGETSTATUS(h, 0xFF, out.bytes.data(), &out.count, true, 0x91);
      }},
     {"GETCAPS",
      [](VeltraSDK_Handle* h, Outputs& out) {
-         return VeltraSDK_I3cCccGETCAPS(h, 0x30, out.bytes.data(), &out.count, false, 0x5A);
+         return VeltraSDK_I3cCccGETCAPS(h, 0xFF, out.bytes.data(), &out.count, false, 0x5A);
      }},
     {"GETCAPS with defining byte",
      [](VeltraSDK_Handle* h, Outputs& out) {
-         return VeltraSDK_I3cCccGETCAPS(h, 0x30, out.bytes.data(), &out.count, true, 0x00);
+         return VeltraSDK_I3cCccGETCAPS(h, 0xFF, out.bytes.data(), &out.count, true, 0x00);
      }},
     {"RSTACTDirect as a write",
      [](VeltraSDK_Handle* h, Outputs&) {
-         return VeltraSDK_I3cCccRSTACTDirect(h, 0x30, resetPeripheral, write, nullptr);
+         return VeltraSDK_I3cCccRSTACTDirect(h, 0xFF, resetPeripheral, write, nullptr);
      }},
     {"RSTACTDirect as a read",
      [](VeltraSDK_Handle* h, Outputs& out) {
-         return VeltraSDK_I3cCccRSTACTDirect(h, 0x30, timeToResetPeripheral, read, &out.byte);
+         return VeltraSDK_I3cCccRSTACTDirect(h, 0xFF, timeToResetPeripheral, read, &out.byte);
      }},
 };
 
-struct Destroyer {
-    void operator()(VeltraSDK_Handle* handle) const { VeltraSDK_Destroy(handle); }
-};
-using Handle = std::unique_ptr<VeltraSDK_Handle, Destroyer>;
+/// Calls the function that sends @p frame, on a new handle, for an identifier of 1.
+int16_t callOnNewHandle(const CccFrame& frame, int32_t timeoutMs, Outputs& outputs) {
+    const OwnedHandle handle(VeltraSDK_Create(timeoutMs));
+    EXPECT_TRUE(VeltraSDK_Connect(handle.get(), nullptr));
+    return calls.at(frame.name)(handle.get(), outputs);
+}
 
 TEST_P(I3cCccFunctionTest, EveryFunctionSendsTheFrameOfTheTableAndReturnsTheStatus) {
     ASSERT_EQ(calls.size(), cccFrames.size());
     for (const CccFrame& frame : cccFrames) {
         SCOPED_TRACE(frame.name);
-        // A new handle, for an identifier of 1.
-        const Handle handle(VeltraSDK_Create(test_support::patientMs));
-        ASSERT_TRUE(VeltraSDK_Connect(handle.get(), nullptr));
         onWire(frame.packet, {0x1B, 0x00, 0x01, 0x00, 0x09, 0x19, 0x34, 0x12});
         Outputs outputs;
-        EXPECT_EQ(calls.at(frame.name)(handle.get(), outputs), 0x1234);
+        EXPECT_EQ(callOnNewHandle(frame, test_support::patientMs, outputs), 0x1234);
+    }
+}
+
+TEST_P(I3cCccFunctionTest, NoFunctionWritesAnythingButTheFlagOfGETMRLWithoutAResponse) {
+    for (const CccFrame& frame : cccFrames) {
+        SCOPED_TRACE(frame.name);
+        onWire(frame.packet);
+        Outputs outputs;
+        EXPECT_EQ(callOnNewHandle(frame, 0, outputs), noResponse);
+        outputs.expectUntouched(frame.name == "GETMRL" ? 0 : untouchedByte);
     }
 }
 
@@ -150,27 +171,18 @@ TEST_P(I3cCccFunctionTest, NoFunctionSendsOrWritesAnythingWithANullHandle) {
         SCOPED_TRACE(name);
         Outputs outputs;
         EXPECT_EQ(call(nullptr, outputs), notConnected);
-        EXPECT_TRUE(outputs.written(0).empty());
-        EXPECT_EQ(outputs.count, untouchedByte);
-        EXPECT_EQ(outputs.byte, untouchedByte);
-        EXPECT_EQ(outputs.word, untouchedWord);
-        EXPECT_EQ(outputs.size, untouchedByte);
-        EXPECT_EQ(outputs.flag, untouchedByte);
+        outputs.expectUntouched(untouchedByte);
     }
     expectNothingSent();
 }
 
-TEST_P(I3cCccFunctionTest, NoFunctionSendsAnythingWithoutALink) {
+TEST_P(I3cCccFunctionTest, NoFunctionSendsOrWritesAnythingButTheFlagOfGETMRLWithoutALink) {
     VeltraSDK_Disconnect(handle());
     for (const auto& [name, call] : calls) {
         SCOPED_TRACE(name);
         Outputs outputs;
         EXPECT_EQ(call(handle(), outputs), notConnected);
-        EXPECT_TRUE(outputs.written(0).empty());
-        EXPECT_EQ(outputs.count, untouchedByte);
-        EXPECT_EQ(outputs.byte, untouchedByte);
-        EXPECT_EQ(outputs.word, untouchedWord);
-        EXPECT_EQ(outputs.size, untouchedByte);
+        outputs.expectUntouched(name == "GETMRL" ? 0 : untouchedByte);
     }
     expectNothingSent();
 }
@@ -249,12 +261,17 @@ TEST_P(I3cCccFunctionTest, GETMRLClearsTheFlagAndLeavesAnAbsentSize) {
     EXPECT_EQ(out.flag, 0);
 }
 
-TEST_P(I3cCccFunctionTest, GETMRLClearsTheFlagAlsoWithoutALink) {
-    VeltraSDK_Disconnect(handle());
+TEST_P(I3cCccFunctionTest, GETMRLClearsTheFlagBeforeItAsks) {
     Outputs out;
-    EXPECT_EQ(VeltraSDK_I3cCccGETMRL(handle(), 0x30, &out.word, &out.size, &out.flag),
-              notConnected);
-    EXPECT_EQ(out.flag, 0);
+    hid.respond([&](const Bytes& report) {
+        EXPECT_EQ(report, GetParam().output(
+                              {0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x03, 0x8C, 0x00}));
+        EXPECT_EQ(out.flag, 0);
+        return std::vector<Bytes>{GetParam().input({0x37, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00,
+                                                    0x00, 0x00, 0x00, 0x03, 0x00, 0x40, 0x08})};
+    });
+    EXPECT_EQ(VeltraSDK_I3cCccGETMRL(handle(), 0x30, &out.word, &out.size, &out.flag), 0);
+    EXPECT_EQ(out.flag, 1);
 }
 
 TEST_P(I3cCccFunctionTest, GETMRLNeedsNeitherTheSizeNorTheFlag) {
@@ -354,6 +371,11 @@ TEST_P(I3cCccFunctionTest, RSTACTInAnUnknownDirectionNeedsNoReplyPointer) {
            {0x2F, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x00, 0x00, 0x00, 0x01, 0x5A});
     EXPECT_EQ(VeltraSDK_I3cCccRSTACTDirect(handle(), 0x30, resetPeripheral,
                                            static_cast<I3cTransferDirection>(2), nullptr),
+              0);
+    onWire({0x27, 0x00, 0x02, 0x00, 0x09, 0x19, 0x30, 0x13, 0x01, 0x9A, 0x01},
+           {0x2F, 0x00, 0x02, 0x00, 0x09, 0x19, 0x00, 0x00, 0x00, 0x00, 0x00, 0x01, 0x5A});
+    EXPECT_EQ(VeltraSDK_I3cCccRSTACTDirect(handle(), 0x30, resetPeripheral,
+                                           static_cast<I3cTransferDirection>(3), nullptr),
               0);
 }
 

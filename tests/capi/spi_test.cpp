@@ -4,11 +4,14 @@ namespace {
 
 using test_support::Bytes;
 using test_support::counting;
+using test_support::noResponse;
 using test_support::notConnected;
 using test_support::OwnedHandle;
 
 using SpiFunctionTest = test_support::SdkTest;
 INSTANTIATE_ON_BOTH_MODELS(SpiFunctionTest);
+using SpiFunctionWithoutWaitingTest = test_support::ImpatientSdkTest;
+INSTANTIATE_ON_BOTH_MODELS(SpiFunctionWithoutWaitingTest);
 
 TEST_P(SpiFunctionTest, SettingTheBusVoltageReturnsTheStatus) {
     onWire({0x1F, 0x00, 0x01, 0x00, 0x05, 0x04, 0xE4, 0x0C, 0x01},
@@ -68,6 +71,14 @@ TEST_P(SpiFunctionTest, AFailedTransferLeavesTheBuffer) {
     const Bytes send{0x9F};
     Bytes received(1, 0xEE);
     EXPECT_EQ(VeltraSDK_SpiTransfer(handle(), send.data(), 1, received.data(), 1), -2);
+    EXPECT_EQ(received, (Bytes{0xEE}));
+}
+
+TEST_P(SpiFunctionWithoutWaitingTest, ATransferWithoutAResponseLeavesTheBuffer) {
+    onWire({0x27, 0x00, 0x01, 0x00, 0x04, 0x0D, 0x01, 0x00, 0x01, 0x00, 0x9F});
+    const Bytes send{0x9F};
+    Bytes received(1, 0xEE);
+    EXPECT_EQ(VeltraSDK_SpiTransfer(handle(), send.data(), 1, received.data(), 1), noResponse);
     EXPECT_EQ(received, (Bytes{0xEE}));
 }
 

@@ -169,6 +169,12 @@ TEST_P(I3cBusTest, ConfiguringATargetReturnsTheStatus) {
               0x1234);
 }
 
+TEST_P(I3cBusTest, ConfiguringATargetSendsTheAddressAndTheConfigurationUnchecked) {
+    onWire({0x1B, 0x00, 0x01, 0x00, 0x07, 0x19, 0xFF, 0xFE},
+           {0x1B, 0x00, 0x01, 0x00, 0x07, 0x19, 0x00, 0x00});
+    EXPECT_EQ(sdk().i3cSetTargetDeviceConfiguration(0xFF, I3cTargetConfiguration{0xFE}), 0);
+}
+
 TEST_P(I3cBusTest, NothingIsSentAndTheTableIsKeptWithoutALink) {
     VeltraSDK unconnected(test_support::patientMs);
     std::vector<I3cTargetInfo> table(3, sensor);

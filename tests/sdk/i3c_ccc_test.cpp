@@ -21,8 +21,8 @@ constexpr uint16_t untouchedWord = 0xEEEE;
 
 /// The calls that send the frames of the table.
 const std::map<std::string, uint16_t (*)(VeltraSDK&)> calls{
-    {"ENECBroadcast", [](VeltraSDK& sdk) { return sdk.i3cCccENECBroadcast(0x09); }},
-    {"DISECBroadcast", [](VeltraSDK& sdk) { return sdk.i3cCccDISECBroadcast(0x09); }},
+    {"ENECBroadcast", [](VeltraSDK& sdk) { return sdk.i3cCccENECBroadcast(0xFF); }},
+    {"DISECBroadcast", [](VeltraSDK& sdk) { return sdk.i3cCccDISECBroadcast(0xFF); }},
     {"RSTDAA", [](VeltraSDK& sdk) { return sdk.i3cCccRSTDAA(); }},
     {"ENTDAA", [](VeltraSDK& sdk) { return sdk.i3cCccENTDAA(); }},
     {"SETMWLBroadcast", [](VeltraSDK& sdk) { return sdk.i3cCccSETMWLBroadcast(0x0100); }},
@@ -38,69 +38,69 @@ const std::map<std::string, uint16_t (*)(VeltraSDK&)> calls{
      [](VeltraSDK& sdk) {
          return sdk.i3cCccRSTACTBroadcast(I3cTargetResetDefByte_ResetWholeTarget);
      }},
-    {"ENECDirect", [](VeltraSDK& sdk) { return sdk.i3cCccENECDirect(0x30, 0x09); }},
-    {"DISECDirect", [](VeltraSDK& sdk) { return sdk.i3cCccDISECDirect(0x30, 0x09); }},
-    {"SETDASA", [](VeltraSDK& sdk) { return sdk.i3cCccSETDASA(0x50, 0x0A); }},
-    {"SETNEWDA", [](VeltraSDK& sdk) { return sdk.i3cCccSETNEWDA(0x30, 0x31); }},
-    {"SETMWLDirect", [](VeltraSDK& sdk) { return sdk.i3cCccSETMWLDirect(0x30, 0x0100); }},
+    {"ENECDirect", [](VeltraSDK& sdk) { return sdk.i3cCccENECDirect(0xFF, 0xFF); }},
+    {"DISECDirect", [](VeltraSDK& sdk) { return sdk.i3cCccDISECDirect(0xFF, 0xFF); }},
+    {"SETDASA", [](VeltraSDK& sdk) { return sdk.i3cCccSETDASA(0xFF, 0x0A); }},
+    {"SETNEWDA", [](VeltraSDK& sdk) { return sdk.i3cCccSETNEWDA(0xFF, 0x31); }},
+    {"SETMWLDirect", [](VeltraSDK& sdk) { return sdk.i3cCccSETMWLDirect(0xFF, 0x0100); }},
     {"SETMRLDirect",
-     [](VeltraSDK& sdk) { return sdk.i3cCccSETMRLDirect(0x30, 0x0040, std::nullopt); }},
+     [](VeltraSDK& sdk) { return sdk.i3cCccSETMRLDirect(0xFF, 0x0040, std::nullopt); }},
     {"SETMRLDirect with IBI size",
-     [](VeltraSDK& sdk) { return sdk.i3cCccSETMRLDirect(0x30, 0x0040, uint8_t{8}); }},
+     [](VeltraSDK& sdk) { return sdk.i3cCccSETMRLDirect(0xFF, 0x0040, uint8_t{8}); }},
     {"GETMWL",
      [](VeltraSDK& sdk) {
          uint16_t mwl = 0;
-         return sdk.i3cCccGETMWL(0x30, mwl);
+         return sdk.i3cCccGETMWL(0xFF, mwl);
      }},
     {"GETMRL",
      [](VeltraSDK& sdk) {
          uint16_t mrl = 0;
          std::optional<uint8_t> ibiPayloadSize;
-         return sdk.i3cCccGETMRL(0x30, mrl, ibiPayloadSize);
+         return sdk.i3cCccGETMRL(0xFF, mrl, ibiPayloadSize);
      }},
     {"GETPID",
      [](VeltraSDK& sdk) {
          Bytes pid;
-         return sdk.i3cCccGETPID(0x30, pid);
+         return sdk.i3cCccGETPID(0xFF, pid);
      }},
     {"GETBCR",
      [](VeltraSDK& sdk) {
          uint8_t bcr = 0;
-         return sdk.i3cCccGETBCR(0x30, bcr);
+         return sdk.i3cCccGETBCR(0xFF, bcr);
      }},
     {"GETDCR",
      [](VeltraSDK& sdk) {
          uint8_t dcr = 0;
-         return sdk.i3cCccGETDCR(0x30, dcr);
+         return sdk.i3cCccGETDCR(0xFF, dcr);
      }},
     {"GETSTATUS",
      [](VeltraSDK& sdk) {
          Bytes status;
-         return sdk.i3cCccGETSTATUS(0x30, status, std::nullopt);
+         return sdk.i3cCccGETSTATUS(0xFF, status, std::nullopt);
      }},
     {"GETSTATUS with defining byte",
      [](VeltraSDK& sdk) {
          Bytes status;
-         return sdk.i3cCccGETSTATUS(0x30, status, uint8_t{0x91});
+         return sdk.i3cCccGETSTATUS(0xFF, status, uint8_t{0x91});
      }},
     {"GETCAPS",
      [](VeltraSDK& sdk) {
          Bytes capabilities;
-         return sdk.i3cCccGETCAPS(0x30, capabilities, std::nullopt);
+         return sdk.i3cCccGETCAPS(0xFF, capabilities, std::nullopt);
      }},
     {"GETCAPS with defining byte",
      [](VeltraSDK& sdk) {
          Bytes capabilities;
-         return sdk.i3cCccGETCAPS(0x30, capabilities, uint8_t{0x00});
+         return sdk.i3cCccGETCAPS(0xFF, capabilities, uint8_t{0x00});
      }},
     {"RSTACTDirect as a write",
      [](VeltraSDK& sdk) {
-         return sdk.i3cCccRSTACTDirect(0x30, I3cTargetResetDefByte_ResetPeripheral, write, nullptr);
+         return sdk.i3cCccRSTACTDirect(0xFF, I3cTargetResetDefByte_ResetPeripheral, write, nullptr);
      }},
     {"RSTACTDirect as a read",
      [](VeltraSDK& sdk) {
          uint8_t reply = 0;
-         return sdk.i3cCccRSTACTDirect(0x30, I3cTargetResetDefByte_TimeToResetPeripheral, read,
+         return sdk.i3cCccRSTACTDirect(0xFF, I3cTargetResetDefByte_TimeToResetPeripheral, read,
                                        &reply);
      }},
 };

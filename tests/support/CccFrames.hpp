@@ -13,7 +13,8 @@ struct CccFrame {
 };
 
 /// Every Common Command Code that the library sends, in each of its forms and in the order of their
-/// codes. Direct codes address target 0x30, broadcasts 0x7E.
+/// codes. Direct codes address target 0xFF and events are 0xFF, for the library sends unchecked
+/// what it is given; broadcasts address 0x7E.
 extern const std::vector<CccFrame> cccFrames;
 
 } // namespace test_support

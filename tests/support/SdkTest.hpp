@@ -15,6 +15,7 @@ namespace test_support {
 constexpr int patientMs = generousLimitMs;
 
 /// The C functions' own result codes.
+constexpr int16_t noResponse = 0x2000;
 constexpr int16_t notConnected = 0x4000;
 constexpr int16_t refused = -32768;
 
