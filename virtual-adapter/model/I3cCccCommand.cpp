@@ -58,6 +58,10 @@ bool namesEvents(CCC code) {
            code == CCC_DISECDirect;
 }
 
+bool assignsAddress(CCC code) {
+    return code == CCC_SETDASA || code == CCC_SETNEWDA;
+}
+
 } // namespace
 
 I3cCccCommand::I3cCccCommand(PayloadReader& request)
@@ -112,7 +116,9 @@ Status I3cCccCommand::check() const {
         return Status::MalformedRequest;
     }
     const bool knownEvents = !namesEvents(code()) || (given[0] & ~i3c_event::all) == 0;
-    return knownEvents ? Status::Success : Status::InvalidParameter;
+    // An address that is data lies above a zero bit.
+    const bool wholeAddress = !assignsAddress(code()) || given[0] % 2 == 0;
+    return knownEvents && wholeAddress ? Status::Success : Status::InvalidParameter;
 }
 
 } // namespace virtual_adapter

@@ -139,12 +139,7 @@ Status I3cCcc::broadcast(const I3cCccCommand& command) {
 }
 
 Status I3cCcc::write(const I3cCccCommand& command) {
-    // An address that is data lies above a zero bit.
     const Bytes operands = command.operands();
-    const bool assigns = command.code() == CCC_SETDASA || command.code() == CCC_SETNEWDA;
-    if (assigns && operands[0] % 2 != 0) {
-        return Status::InvalidParameter;
-    }
     if (command.code() == CCC_SETDASA) {
         return controller.getTable().assignFromStatic(command.address(), operands[0] / 2);
     }
