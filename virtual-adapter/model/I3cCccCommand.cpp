@@ -1,5 +1,6 @@
 #include "model/I3cCccCommand.hpp"
 
+#include "model/i3c_records.hpp"
 #include "model/targets/I3cTarget.hpp"
 
 #include <algorithm>
@@ -58,8 +59,12 @@ bool namesEvents(CCC code) {
            code == CCC_DISECDirect;
 }
 
-bool assignsAddress(CCC code) {
-    return code == CCC_SETDASA || code == CCC_SETNEWDA;
+/// An address that is data lies above a zero bit.
+Status checkAddressByte(uint8_t byte) {
+    if (byte % 2 != 0) {
+        return Status::InvalidParameter;
+    }
+    return isReservedI3cAddress(byte / 2) ? Status::AddressReserved : Status::Success;
 }
 
 } // namespace
@@ -115,10 +120,11 @@ Status I3cCccCommand::check() const {
     if (!counted || given.size() < format->fewestOperands || given.size() > format->mostOperands) {
         return Status::MalformedRequest;
     }
+    if (code() == CCC_SETDASA || code() == CCC_SETNEWDA) {
+        return checkAddressByte(given[0]);
+    }
     const bool knownEvents = !namesEvents(code()) || (given[0] & ~i3c_event::all) == 0;
-    // An address that is data lies above a zero bit.
-    const bool wholeAddress = !assignsAddress(code()) || given[0] % 2 == 0;
-    return knownEvents && wholeAddress ? Status::Success : Status::InvalidParameter;
+    return knownEvents ? Status::Success : Status::InvalidParameter;
 }
 
 } // namespace virtual_adapter
