@@ -165,6 +165,12 @@ TEST_F(I3cModel, TheLimitsHoldForHdrDdr) {
         bench.response({0x01, 0x00, 0x08, 0x19, 0x09, 0x03, 0x80, 0, 0, 0, 0, 0, 18, 0}).at(8), 16);
 }
 
+TEST_F(I3cModel, AnHdrDdrReadEndsWithAWholeWordBelowAnOddMaximumReadLength) {
+    EXPECT_EQ(bench.ccc({0x09, 0x00, 0x02, 0x8A, 0x00, 0x00, 17}), 0x0000U);
+    EXPECT_EQ(bench.response({0x01, 0x00, 0x08, 0x19, 0x09, 0x03, 0x80, 0, 0, 0, 0, 0, 18, 0}),
+              joined({{0x01, 0x00, 0x08, 0x19, 0x00, 0x00, 18, 0, 16, 0}, Bytes(16)}));
+}
+
 TEST_F(I3cModel, HdrDdrMovesWholeWordsInTheDirectionOfItsCommandCode) {
     // An odd number of bytes.
     EXPECT_EQ(bench.status({0x01, 0x00, 0x08, 0x19, 0x09, 0x02, 0x00, 0, 0, 0, 0, 0, 1, 0, 0xAA}),

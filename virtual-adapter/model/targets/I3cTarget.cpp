@@ -184,7 +184,9 @@ void I3cTarget::writeHdrDdr(uint8_t commandCode, const Bytes& bytes) {
 
 Bytes I3cTarget::readHdrDdr(uint8_t commandCode, size_t length) {
     selectByHdrCommand(commandCode);
-    return read(length);
+    // Words of two bytes are moved.
+    const size_t evenLimit = readLimit - readLimit % 2U;
+    return read(std::min(length, evenLimit));
 }
 
 void I3cTarget::selectByHdrCommand(uint8_t commandCode) {
