@@ -4,15 +4,8 @@ using virtual_adapter::Bytes;
 using virtual_adapter::Frame;
 using virtual_adapter::I3cModel;
 using virtual_adapter::joined;
-using virtual_adapter::noPid;
 
 namespace {
-
-// Transfer-control bytes: direction, mode and flags.
-constexpr uint8_t noStop = 0x10;
-constexpr uint8_t legacyWrite = 0x04;
-constexpr uint8_t legacyRead = 0x05;
-constexpr uint8_t skipBroadcast = 0x08;
 
 // --- SDR ----------------------------------------------------------------------------------------
 
@@ -220,101 +213,11 @@ TEST_F(I3cModel, ATransferOfAnotherLengthIsMalformed) {
     }
 }
 
-// --- Legacy I2C ---------------------------------------------------------------------------------
-
-TEST_F(I3cModel, TheLegacyEepromIsReadAtItsStaticAddress) {
-    EXPECT_EQ(bench.response({0x01, 0x00, 0x08, 0x19, 0x50, legacyRead, 0, 1, 0x00, 0, 0, 0, 5, 0}),
-              (Frame{0x01, 0x00, 0x08, 0x19, 0x00, 0x00, 5, 0, 5, 0, 'H', 'e', 'l', 'l', 'o'}));
-}
-
-TEST_F(I3cModel, TheLegacyEepromStoresAndIsBusyAfterwards) {
-    EXPECT_EQ(bench.status({0x01, 0x00, 0x08, 0x19, 0x50, legacyWrite, 0, 1, 0x40, 0, 0, 0, 2, 0,
-                            0xAA, 0xBB}),
-              0x0000U);
-    const Frame read{0x01, 0x00, 0x08, 0x19, 0x50, legacyRead, 0, 1, 0x40, 0, 0, 0, 2, 0};
-    EXPECT_EQ(bench.response(read), (Frame{0x01, 0x00, 0x08, 0x19, 0x06, 0x00, 2, 0, 0, 0}));
-    bench.response(read);
-    bench.response(read);
-    EXPECT_EQ(bench.response(read),
-              (Frame{0x01, 0x00, 0x08, 0x19, 0x00, 0x00, 2, 0, 2, 0, 0xAA, 0xBB}));
-}
-
-TEST_F(I3cModel, TheLegacySensorFollowsFastModeButNotFastModePlus) {
-    const Frame read{0x01, 0x00, 0x08, 0x19, 0x4F, legacyRead, 0, 1, 0x00, 0, 0, 0, 2, 0};
-    EXPECT_EQ(bench.status(read), 0x0006U);
-    EXPECT_EQ(bench.status({0x01, 0x00, 0x02, 0x19, 0, 0, 1, 0}), 0x0000U);
-    EXPECT_EQ(bench.response(read),
-              (Frame{0x01, 0x00, 0x08, 0x19, 0x00, 0x00, 2, 0, 2, 0, 0x14, 0x00}));
-}
-
-TEST_F(I3cModel, TheLegacySensorRefusesARegisterThatItDoesNotHave) {
-    bench.status({0x01, 0x00, 0x02, 0x19, 0, 0, 1, 0});
-    EXPECT_EQ(bench.status({0x01, 0x00, 0x08, 0x19, 0x4F, legacyWrite, 0, 1, 9, 0, 0, 0, 0, 0}),
-              0x0007U);
-}
-
-TEST_F(I3cModel, WithoutTheSupplyTheLegacyEepromKeepsItsBytesAndTheLegacySensorLosesThem) {
-    const Frame readEeprom{0x01, 0x00, 0x08, 0x19, 0x50, legacyRead, 0, 1, 0x40, 0, 0, 0, 1, 0};
-    const Frame readSensor{0x01, 0x00, 0x08, 0x19, 0x4F, legacyRead, 0, 1, 0x01, 0, 0, 0, 1, 0};
-    const Bytes slower{0x01, 0x00, 0x02, 0x19, 0, 0, 1, 0};
-    bench.status(slower);
-    bench.status({0x01, 0x00, 0x08, 0x19, 0x50, legacyWrite, 0, 1, 0x40, 0, 0, 0, 1, 0, 0xAA});
-    bench.status({0x01, 0x00, 0x08, 0x19, 0x4F, legacyWrite, 0, 1, 0x01, 0, 0, 0, 1, 0, 0x1F});
-    EXPECT_EQ(bench.response(readSensor).at(10), 0x1F);
-
-    EXPECT_EQ(bench.status({0x01, 0x00, 0x04, 0x04, 0x00, 0x00}), 0x0000U);
-    bench.startBus();
-    bench.status(slower);
-    EXPECT_EQ(bench.response(readSensor).at(10), 0x00);
-    for (int attempt = 0; attempt < 3; ++attempt) {
-        bench.response(readEeprom);
-    }
-    EXPECT_EQ(bench.response(readEeprom),
-              (Frame{0x01, 0x00, 0x08, 0x19, 0x00, 0x00, 1, 0, 1, 0, 0xAA}));
-}
-
-TEST_F(I3cModel, ALegacyTransferIsNotForADynamicAddress) {
-    EXPECT_EQ(bench.status({0x01, 0x00, 0x08, 0x19, 0x0A, legacyRead, 0, 0, 0, 0, 0, 0, 1, 0}),
-              0x0006U);
-    EXPECT_EQ(bench.status({0x01, 0x00, 0x08, 0x19, 0x30, legacyWrite, 0, 0, 0, 0, 0, 0, 0, 0}),
-              0x0006U);
-}
-
 // --- Transfer flags -----------------------------------------------------------------------------
 
 TEST_F(I3cModel, SkippingTheBroadcastAddressReachesTheSameTarget) {
-    EXPECT_EQ(bench.response(
-                  {0x01, 0x00, 0x08, 0x19, 0x0A, 0x01 | skipBroadcast, 0, 1, 0x00, 0, 0, 0, 1, 0}),
+    EXPECT_EQ(bench.response({0x01, 0x00, 0x08, 0x19, 0x0A, 0x09, 0, 1, 0x00, 0, 0, 0, 1, 0}),
               (Frame{0x01, 0x00, 0x08, 0x19, 0x00, 0x00, 1, 0, 1, 0, 0x19}));
-}
-
-TEST_F(I3cModel, ATargetWithoutDynamicAddressIsAnI2cDeviceWhereNoBroadcastAddressIsSent) {
-    bench.initBus({bench.record(0x54, 0x30, noPid)});
-    EXPECT_EQ(bench.status({0x01, 0x00, 0x08, 0x19, 0x48, legacyRead, 0, 1, 0, 0, 0, 0, 2, 0}),
-              0x0006U);
-    EXPECT_EQ(bench.response({0x01, 0x00, 0x08, 0x19, 0x48, legacyRead | skipBroadcast, 0, 1, 0x00,
-                              0, 0, 0, 2, 0}),
-              (Frame{0x01, 0x00, 0x08, 0x19, 0x00, 0x00, 2, 0, 2, 0, 0x19, 0x80}));
-    EXPECT_EQ(bench.status({0x01, 0x00, 0x08, 0x19, 0x54, legacyRead | skipBroadcast, 0, 0, 0, 0, 0,
-                            0, 1, 0}),
-              0x0006U);
-}
-
-TEST_F(I3cModel, AHeldBusReadsOnWithARepeatedStart) {
-    EXPECT_EQ(bench.status(
-                  {0x01, 0x00, 0x08, 0x19, 0x50, legacyWrite | noStop, 0, 1, 0x00, 0, 0, 0, 0, 0}),
-              0x0000U);
-    EXPECT_EQ(bench.response({0x01, 0x00, 0x08, 0x19, 0x50, legacyRead, 0, 0, 0, 0, 0, 0, 2, 0}),
-              (Frame{0x01, 0x00, 0x08, 0x19, 0x00, 0x00, 2, 0, 2, 0, 'H', 'e'}));
-}
-
-TEST_F(I3cModel, TheLegacyEepromStoresOnlyWithTheStop) {
-    EXPECT_EQ(bench.status({0x01, 0x00, 0x08, 0x19, 0x50, legacyWrite | noStop, 0, 1, 0x40, 0, 0, 0,
-                            1, 0, 0xAA}),
-              0x0000U);
-    // The repeated START gives the write up.
-    EXPECT_EQ(bench.response({0x01, 0x00, 0x08, 0x19, 0x50, legacyRead, 0, 1, 0x40, 0, 0, 0, 1, 0}),
-              (Frame{0x01, 0x00, 0x08, 0x19, 0x00, 0x00, 1, 0, 1, 0, 0xFF}));
 }
 
 // --- Bus patterns -------------------------------------------------------------------------------

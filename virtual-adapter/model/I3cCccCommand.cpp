@@ -14,8 +14,6 @@ constexpr unsigned directionBit = 0x01;
 constexpr unsigned modeAndOptionBits = 0x0E;
 constexpr unsigned typeShift = 4;
 
-constexpr uint8_t broadcastAddress = 0x7E;
-
 using Kind = I3cCccCommand::Kind;
 enum class DefiningByte { None, Optional, Required };
 
@@ -79,7 +77,7 @@ I3cCccCommand::I3cCccCommand(PayloadReader& request)
       checked(request.consumedExactly() ? check() : Status::MalformedRequest) {}
 
 Kind I3cCccCommand::kind() const {
-    if (targetAddress == broadcastAddress) {
+    if (targetAddress == i3cBroadcastAddress) {
         return Kind::Broadcast;
     }
     return (control & directionBit) != 0 ? Kind::Read : Kind::Write;
@@ -106,7 +104,7 @@ Status I3cCccCommand::check() const {
             return candidate.code == commandCode && candidate.kind == kind();
         });
     const bool broadcastRead = kind() == Kind::Broadcast && (control & directionBit) != 0;
-    if (format == formats.end() || broadcastRead || targetAddress > broadcastAddress ||
+    if (format == formats.end() || broadcastRead || targetAddress > i3cBroadcastAddress ||
         (control & modeAndOptionBits) != 0 || control >> typeShift > I3cCccType_WithDefiningByte) {
         return Status::InvalidParameter;
     }

@@ -1,5 +1,7 @@
 #include "model/I3cController.hpp"
 
+#include "model/i3c_records.hpp"
+
 #include <algorithm>
 #include <utility>
 
@@ -70,6 +72,10 @@ bool I3cController::isHeardBy(const I3cTarget& target) const {
 
 bool I3cController::isHeardByLegacy(uint8_t address) const {
     return I3cTargets::follows(address, static_cast<I2cTransferRate>(settings.i2cRate));
+}
+
+void I3cController::start() {
+    targets.legacy().getBus().start(i3cBroadcastAddress, I2cDirection::Write);
 }
 
 void I3cController::stop() {

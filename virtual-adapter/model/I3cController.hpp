@@ -49,6 +49,9 @@ public:
     /// Whether targets may join the running bus.
     void admitHotJoin(bool admitted) { hotJoinAdmitted = admitted; }
 
+    /// Sends a START, a repeated one on the held bus. A legacy transfer that was left open ends
+    /// there, without its STOP.
+    void start();
     /// Leaves the bus held: the next transfer begins with a repeated START.
     void hold() { held = true; }
     /// Sends a STOP. On the free bus the targets raise what they have pending.

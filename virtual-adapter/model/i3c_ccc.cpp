@@ -88,6 +88,7 @@ Answer I3cCcc::transfer(PayloadReader& request) {
         return status;
     }
     Bytes received;
+    controller.start();
     status = carryOut(command, received);
     controller.stop();
 

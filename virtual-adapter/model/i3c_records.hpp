@@ -10,6 +10,8 @@ namespace virtual_adapter {
 
 constexpr uint8_t lowestI3cAddress = 0x08;
 constexpr uint8_t highestI3cAddress = 0x77;
+/// Every target answers to it.
+constexpr uint8_t i3cBroadcastAddress = 0x7E;
 
 /// Whether no device may have the address on a bus that I3C and I2C share.
 bool isReservedI3cAddress(uint8_t address);

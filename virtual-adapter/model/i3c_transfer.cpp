@@ -1,6 +1,7 @@
 #include "model/i3c_transfer.hpp"
 
 #include "model/checks.hpp"
+#include "model/i3c_records.hpp"
 
 #include <algorithm>
 
@@ -15,7 +16,6 @@ constexpr unsigned flagsShift = 3;
 constexpr unsigned knownFlags = I3cTransferFlags_SkipBroadcastAddress | I3cTransferFlags_NoStop;
 
 constexpr size_t longestSubAddress = 4;
-constexpr uint8_t broadcastAddress = 0x7E;
 
 constexpr uint8_t hdrReadBit = 0x80;
 
@@ -49,7 +49,7 @@ struct I3cTransfer::Transfer {
     [[nodiscard]] bool has(I3cTransferFlags flag) const { return (flags() & flag) != 0; }
 
     [[nodiscard]] bool valuesKnown() const {
-        if (address >= broadcastAddress || mode() > I3cTransferMode_LegacyI2c ||
+        if (address >= i3cBroadcastAddress || mode() > I3cTransferMode_LegacyI2c ||
             (flags() & ~knownFlags) != 0 || subAddressLength > longestSubAddress) {
             return false;
         }
@@ -94,6 +94,7 @@ Answer I3cTransfer::transfer(PayloadReader& request) {
         return status;
     }
     Bytes received;
+    controller.start();
     status = carryOut(wanted, received);
     if (status == Status::Success && wanted.has(I3cTransferFlags_NoStop)) {
         controller.hold();
