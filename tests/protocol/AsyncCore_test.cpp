@@ -2,8 +2,11 @@
 
 #include <functional>
 #include <map>
+#include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 using namespace test_support;
 
@@ -216,6 +219,20 @@ TEST_P(AsyncCoreTest, ADisconnectOfAClosedLinkDoesNothing) {
     sdk.disconnect();
     sdk.disconnect();
     EXPECT_FALSE(sdk.isConnected());
+}
+
+TEST(AsyncCore, DestructionClosesTheLinkBeforeTheReceiverIsReleased) {
+    ScriptedHid hid;
+    hid.attach({"1-1:1.0", vendorId, fullSpeed.productId, L"VA-0001"});
+    std::optional<size_t> openDevices;
+    auto sdk = std::make_unique<VeltraAsyncSDK>();
+    std::shared_ptr<void> releasedWithTheReceiver(nullptr,
+                                                  [&](void*) { openDevices = hid.openDevices(); });
+    sdk->onResponse([held = std::move(releasedWithTheReceiver)](const Bytes&) {});
+    ASSERT_TRUE(sdk->connect(""));
+    ASSERT_EQ(openDevices, std::nullopt);
+    sdk.reset();
+    EXPECT_EQ(openDevices, 0U);
 }
 
 // Receiving.

@@ -1,8 +1,11 @@
 #include "support/SdkTest.hpp"
 
+#include <veltrasdk/VeltraAsyncSDK.hpp>
+
 #include <algorithm>
 #include <atomic>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -156,6 +159,23 @@ TEST_P(ThreadsTest, NoHandlerRunsAfterDestructionInAStormOfNotifications) {
         object.reset();
         EXPECT_GT(*notifications, 0U);
         notifications.reset();
+    }
+}
+
+TEST_P(ThreadsTest, NoReceiverRunsAfterDestructionInAStormOfFrames) {
+    hid.deliverEndlessly(GetParam().input(gpioEvent));
+    for (int i = 0; i < 50; ++i) {
+        unsigned frames = 0;
+        auto object = std::make_unique<VeltraAsyncSDK>();
+        // A receiver that ran too late would touch the memory that it owned.
+        object->onResponse([&frames, last = Bytes()](const Bytes& frame) mutable {
+            last = frame;
+            ++frames;
+        });
+        ASSERT_TRUE(object->connect(""));
+        ASSERT_TRUE(hid.waitForReads(hid.readCalls() + 3));
+        object.reset();
+        EXPECT_GT(frames, 0U);
     }
 }
 
