@@ -2,7 +2,9 @@
 #include "support/Model.hpp"
 #include "support/ThreadStart.hpp"
 
+#include <chrono>
 #include <functional>
+#include <future>
 
 #include <gtest/gtest.h>
 
@@ -157,6 +159,24 @@ TEST_P(CommunicationManagerTest, ConnectingAnOpenLinkEnumeratesNothingAndKeepsIt
     EXPECT_EQ(hid.enumerateCalls(), 1U);
     manager.sendRequest({0x55});
     EXPECT_EQ(messages(), (std::vector<Bytes>{{0x66}}));
+}
+
+TEST_P(CommunicationManagerTest, ConnectingAnOpenLinkDoesNotWaitForTheReceiverThatRuns) {
+    std::promise<void> entered;
+    std::promise<void> connectedAgain;
+    auto mayReturn = connectedAgain.get_future();
+    auto outcome = std::future_status::deferred;
+    manager.assignCallback([&](const Bytes&) {
+        entered.set_value();
+        outcome = mayReturn.wait_for(std::chrono::milliseconds(generousLimitMs));
+    });
+    ASSERT_TRUE(manager.connect("", ""));
+    deliver({GetParam().input({0x07, 0x00, 0x01})});
+    entered.get_future().wait();
+    EXPECT_TRUE(manager.connect("", ""));
+    connectedAgain.set_value();
+    ASSERT_TRUE(hid.waitUntilDrained());
+    EXPECT_EQ(outcome, std::future_status::ready) << "connecting waited for the receiver";
 }
 
 TEST_P(CommunicationManagerTest, AFailedConnectChangesNothing) {
