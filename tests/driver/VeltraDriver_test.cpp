@@ -241,6 +241,12 @@ TEST_F(VeltraDriverTest, ASerialNumberFoundBeforeOneThatCannotBeConvertedOpens) 
     EXPECT_TRUE(open("", "VA-0001"));
 }
 
+TEST_F(VeltraDriverTest, TheEnumerationIsFreedBeforeTheAdapterIsOpened) {
+    hid.attach(adapter("1-1:1.0", L"VA-0001"));
+    ASSERT_TRUE(open());
+    EXPECT_EQ(hid.listsOutAtOpening(), 0U);
+}
+
 TEST_F(VeltraDriverTest, AnAdapterThatCannotBeOpenedLeavesTheDriverClosed) {
     hid.attach(adapter("1-1:1.0", L"VA-0001"));
     hid.failOpening(true);

@@ -140,6 +140,11 @@ std::string ScriptedHid::openedPath() const {
     return lastOpenedPath;
 }
 
+size_t ScriptedHid::listsOutAtOpening() const {
+    const std::lock_guard<std::mutex> lock(mutex);
+    return openingListsOut;
+}
+
 size_t ScriptedHid::openDevices() const {
     const std::lock_guard<std::mutex> lock(mutex);
     return opened.size();
@@ -248,6 +253,7 @@ void ScriptedHid::freeEnumeration(void* list) {
 
 void* ScriptedHid::openPath(const char* path) {
     const std::lock_guard<std::mutex> lock(mutex);
+    openingListsOut = listsOut;
     if (openingFails) {
         return nullptr;
     }

@@ -72,6 +72,8 @@ public:
     [[nodiscard]] size_t enumerateCalls() const;
     /// The path of the last device opened.
     [[nodiscard]] std::string openedPath() const;
+    /// How many enumerations were not freed when hid_open_path was last called.
+    [[nodiscard]] size_t listsOutAtOpening() const;
     [[nodiscard]] size_t openDevices() const;
     /// How often hid_init and hid_exit were called.
     [[nodiscard]] size_t initCalls() const;
@@ -133,6 +135,7 @@ private:
     size_t reads = 0;
     size_t enumerations = 0;
     size_t listsOut = 0;
+    size_t openingListsOut = 0;
     size_t initialised = 0;
     size_t exited = 0;
     size_t readLength = 0;
