@@ -67,7 +67,10 @@ typedef struct UartRxData {
    with member functions that decode it. */
 struct Notification;
 #else
-/** A notification; valid, with all that it points to, only while the callback runs. */
+/**
+ * A notification; valid, with all that it points to, only while the callback runs. A copy of the
+ * record may be kept: point its `data` at a copy of the frame.
+ */
 typedef struct Notification {
     /** What the notification tells. */
     NotificationKind kind;

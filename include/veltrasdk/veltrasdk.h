@@ -8,23 +8,27 @@
  * VeltraSDK_onNotification().
  *
  * @par Result codes
- * A function that returns `int16_t` sends one request and waits for the response. It returns the
- * adapter's status, 0 for success, or one of
- * - 0x2000, #ResultCode_NoResponse: no response came within the time-out;
+ * A function that returns `int16_t` sends one request and waits for the response, unless its
+ * description says otherwise. It returns the adapter's status, 0 for success, or one of
+ * - 0x2000, #ResultCode_NoResponse: no response came within the time-out, also when the request
+ *   could not be written;
  * - 0x4000, #ResultCode_NotConnected: the handle is null or not connected; nothing was sent;
  * - -32768 (0x8000), #ResultCode_InvalidArgument: an argument was refused; nothing was sent, except
  *   where a function says otherwise;
  * - those that its description adds.
  *
+ * A null handle is told first, then an argument that is refused, and only then a link that is not
+ * connected.
+ *
  * @par Arguments
- * Addresses are 7 bits, unshifted. Voltages are in mV, clock rates in Hz, lengths in bytes.
- * Enumerations are passed on unchanged. Input buffers are copied during the call. "Refused" means
- * #ResultCode_InvalidArgument.
+ * "Refused" means #ResultCode_InvalidArgument. Arguments are sent as given, known to the adapter or
+ * not, unless their description says that they are refused. Input buffers are copied during the
+ * call. A pointer that must not be null is not checked.
  *
  * @par Outputs
- * Output buffers belong to the caller. Unless a function says otherwise, its outputs are written
- * only when the result is 0. A buffer without a capacity argument must hold what the function says;
- * the library does not know its size.
+ * Output buffers belong to the caller. Bytes that a response announces but does not carry read as
+ * 0. A buffer without a capacity argument must hold what the function says; the library does not
+ * know its size.
  *
  * @par Late responses
  * The next response is taken as the answer of the call that waits, whatever request it answers. A
@@ -65,7 +69,7 @@
 extern "C" {
 #endif
 
-/** An adapter's link; opaque. */
+/** An adapter's link; opaque. Made by VeltraSDK_Create(), released by VeltraSDK_Destroy(). */
 typedef struct VeltraSDK_Handle VeltraSDK_Handle;
 
 /**
@@ -98,7 +102,7 @@ typedef struct VeltraSDK_DeviceInfo {
 
 /**
  * Receives a notification on the handle's polling thread. The record and its data are valid only
- * during the call.
+ * during the call. A copy of the record may be kept: point its `data` at a copy of the frame.
  */
 typedef void (*VeltraSDK_NotificationCallback)(const Notification* notification);
 
@@ -118,7 +122,9 @@ VELTRASDK_API VeltraSDK_Handle* VeltraSDK_Create(int32_t timeoutMs);
 
 /**
  * @brief Closes the link, releases the handle and shuts hidapi down, whatever other handles exist.
+ *
  * Sends nothing. No callback runs after the return.
+ *
  * @param handle the handle; null does nothing.
  *
  * @warning hidapi is shut down for the whole process. Destroying one handle while another one is
@@ -126,51 +132,72 @@ VELTRASDK_API VeltraSDK_Handle* VeltraSDK_Create(int32_t timeoutMs);
  */
 VELTRASDK_API void VeltraSDK_Destroy(VeltraSDK_Handle* handle);
 
-/** @return the library's version, "1.2.3"; a constant that must not be released. */
+/**
+ * @brief Tells the library's version.
+ * @return the version, such as "1.2.3"; a constant that must not be released.
+ */
 VELTRASDK_API const char* VeltraSDK_GetVersion(void);
 
 /**
- * @brief Opens the link.
+ * @brief Opens the link to the adapter with a HID device path.
  * @param handle the handle.
  * @param path the HID device path, matched exactly; null or empty selects the first known adapter.
  * @return whether the link is open; false for a null handle. On an open link nothing is searched
  *         and it stays as it is.
+ * @throws std::system_error when the polling thread cannot be started; nothing is left open.
  */
 VELTRASDK_API bool VeltraSDK_Connect(VeltraSDK_Handle* handle, const char* path);
 
 /**
- * @brief Opens the link.
- * @param handle the handle.
- * @param serialNumber the USB serial number in UTF-8, matched exactly; empty selects the first
- *                     known adapter. Null throws std::logic_error, which a C program cannot catch.
- * @return whether the link is open; false for a null handle. On an open link nothing is searched
- *         and it stays as it is.
+ * @brief Opens the link to the adapter with a serial number.
  *
  * Without write permission on the adapter's device node its serial number cannot be read, and the
  * adapter is not found.
+ *
+ * @param handle the handle.
+ * @param serialNumber the USB serial number in UTF-8, matched exactly; empty selects the first
+ *                     known adapter.
+ * @return whether the link is open; false for a null handle. On an open link nothing is searched
+ *         and it stays as it is.
+ * @throws std::system_error when the polling thread cannot be started; nothing is left open.
+ * @throws std::range_error when a serial number met in the search, of any HID device, cannot be
+ *         converted, which a C program cannot catch.
+ * @throws std::logic_error when @p serialNumber is null and @p handle is not, which a C program
+ *         cannot catch.
  */
 VELTRASDK_API bool VeltraSDK_ConnectWithSerialNumber(VeltraSDK_Handle* handle,
                                                      const char* serialNumber);
 
 /**
  * @brief Closes the link, within about 100 ms plus a running callback's time.
+ *
+ * No callback runs after the return. A closed link stays as it is. The handle can be connected
+ * again, also to another adapter.
+ *
  * @param handle the handle; null does nothing.
  */
 VELTRASDK_API void VeltraSDK_Disconnect(VeltraSDK_Handle* handle);
 
 /**
- * @brief Reads the adapter's five strings; sends 0x0407 five times.
+ * @brief Reads the adapter's five identity strings; sends 0x0407 five times.
+ *
+ * Each of the five requests waits for its response with the time-out of the handle.
+ *
  * @param handle the handle.
- * @param[out] info the record to fill, not null; left as it was on any nonzero result. See
- *                  VeltraSDK_DeviceInfo for how to release the strings.
- * @return also 0x6000, #ResultCode_UnexpectedResponse, when a response answers another request.
+ * @param[out] info receives the strings, which then belong to the caller: see VeltraSDK_DeviceInfo
+ *                  for how to release them. Written only when the result is 0. Must not be null.
+ * @return the result code; the status of the responses is not looked at. Also
+ *         #ResultCode_UnexpectedResponse when a response answers another request.
  */
 VELTRASDK_API int16_t VeltraSDK_GetDeviceInfo(VeltraSDK_Handle* handle, VeltraSDK_DeviceInfo* info);
 
 /**
- * @brief Sends the adapter into its boot mode (0x0402) and closes the link; waits for nothing.
+ * @brief Sends the adapter into its boot mode and closes the link; sends 0x0402.
+ *
+ * No response is waited for. Closing takes as long as VeltraSDK_Disconnect().
+ *
  * @param handle the handle.
- * @return 0 when the command was handed to the link.
+ * @return the result code: 0 when the command was handed to the link, which is closed then.
  */
 VELTRASDK_API int16_t VeltraSDK_EnterBootMode(VeltraSDK_Handle* handle);
 
@@ -180,54 +207,60 @@ VELTRASDK_API int16_t VeltraSDK_EnterBootMode(VeltraSDK_Handle* handle);
 /** @{ */
 
 /**
- * @brief Installs the handle's notification callback; null silences notifications.
- * @param handle the handle, not null.
- * @param callback the callback.
+ * @brief Installs the handle's notification callback, which replaces the one before.
  *
- * Install it before connecting, or while no notification can arrive. The callback sees the first
- * 256 bytes of a frame. The frame's size is kept in 8 bits: a frame of 256 bytes or more arrives
- * with size 0, and every accessor refuses it.
+ * Install it before connecting, or while no notification can arrive: it is replaced without a lock.
+ * The callback sees the first 256 bytes of a frame. The frame's size is kept in 8 bits: a frame of
+ * 256 bytes or more arrives with size 0, and every accessor refuses it.
  *
  * The USB stack beneath keeps about 30 unread reports, so a callback has that many report times
  * (30 ms at full speed, 4 ms at high speed) before reports are lost.
+ *
+ * @param handle the handle; must not be null.
+ * @param callback the callback; null silences notifications.
  */
 VELTRASDK_API void VeltraSDK_onNotification(VeltraSDK_Handle* handle,
                                             VeltraSDK_NotificationCallback callback);
 
 /**
  * @brief Decodes a notification of kind #NotificationKind_I3cHotJoin.
- * @param notification the notification.
- * @param[out] out the joined target.
- * @return false, with nothing written, for a null pointer, another kind or a frame below 15 bytes.
+ * @param notification the notification; not changed.
+ * @param[out] out receives the joined target.
+ * @return whether it was decoded; false, with nothing written, for a null pointer, another kind or
+ *         a frame below 15 bytes.
  */
 VELTRASDK_API bool VeltraSDK_notificationAsI3cHotJoin(const Notification* notification,
                                                       I3cHotJoinData* out);
 
 /**
  * @brief Decodes a notification of kind #NotificationKind_I3cIbi.
- * @param notification the notification.
- * @param[out] out the in-band interrupt; its payload points into the notification's data, and its
- *                 length is the adapter's word: read at most `notification->size - 8` bytes.
- * @return false, with nothing written, for a null pointer, another kind or a frame below 8 bytes.
+ * @param notification the notification; not changed.
+ * @param[out] out receives the in-band interrupt. Its payload points into the notification's data,
+ *                 and its length is the adapter's word: read at most `notification->size - 8`
+ *                 bytes.
+ * @return whether it was decoded; false, with nothing written, for a null pointer, another kind or
+ *         a frame below 8 bytes.
  */
 VELTRASDK_API bool VeltraSDK_notificationAsI3cIbi(const Notification* notification,
                                                   I3cIbiData* out);
 
 /**
  * @brief Decodes a notification of kind #NotificationKind_Gpio.
- * @param notification the notification.
- * @param[out] out the adapter's event byte.
- * @return false, with nothing written, for a null pointer, another kind or a frame below 7 bytes.
+ * @param notification the notification; not changed.
+ * @param[out] out receives the adapter's event byte. The virtual adapter: the number of the pin.
+ * @return whether it was decoded; false, with nothing written, for a null pointer, another kind or
+ *         a frame below 7 bytes.
  */
 VELTRASDK_API bool VeltraSDK_notificationAsGpio(const Notification* notification,
                                                 unsigned char* out);
 
 /**
  * @brief Decodes a notification of kind #NotificationKind_UartRx.
- * @param notification the notification.
- * @param[out] out the received bytes; they lie in the notification's data, and their number is the
+ * @param notification the notification; not changed.
+ * @param[out] out receives the bytes. They lie in the notification's data, and their number is the
  *                 adapter's word: read at most `notification->size - 8` bytes.
- * @return false, with nothing written, for a null pointer, another kind or a frame below 8 bytes.
+ * @return whether it was decoded; false, with nothing written, for a null pointer, another kind or
+ *         a frame below 8 bytes.
  */
 VELTRASDK_API bool VeltraSDK_notificationAsUartRx(const Notification* notification,
                                                   UartRxData* out);
