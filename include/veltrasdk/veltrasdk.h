@@ -267,18 +267,20 @@ VELTRASDK_API bool VeltraSDK_notificationAsUartRx(const Notification* notificati
 
 /** @} */
 
-/**
- * @name I2C
- * The I/O voltage of I2C, SPI, UART and GPIO is one setting: the four functions that set it send
- * the same request.
- */
+/** @name I2C */
 /** @{ */
 
 /**
  * @brief Sets the I/O voltage; sends 0x0405.
+ *
+ * The voltage of I2C, SPI, UART and GPIO is one setting, and each of the four functions that set it
+ * sends this request.
+ *
  * @param handle the handle.
  * @param millivolts the voltage in mV.
- * @param flag the adapter's flag byte.
+ * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true switches
+ *             the output on, false off.
+ * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I2cSetBusVoltage(VeltraSDK_Handle* handle, uint16_t millivolts,
                                                  bool flag);
@@ -286,22 +288,34 @@ VELTRASDK_API int16_t VeltraSDK_I2cSetBusVoltage(VeltraSDK_Handle* handle, uint1
 /**
  * @brief Initialises a controller; sends 0x0901.
  * @param handle the handle.
- * @param busIndex the I2C bus.
- * @param clockHz the bus clock in Hz.
- * @param option the adapter's option byte.
+ * @param busIndex the I2C controller, 0 or 1.
+ * @param clockHz the clock rate in Hz.
+ * @param option passed on unchanged; its meaning is the adapter's. The virtual adapter: 0 sends an
+ *               address once, 1 sends one that is not acknowledged up to 16 times.
+ * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I2cControllerInit(VeltraSDK_Handle* handle, uint8_t busIndex,
                                                   uint32_t clockHz, uint8_t option);
 
-/** @brief Changes a controller's parameters; sends 0x0902. As VeltraSDK_I2cControllerInit(). */
+/**
+ * @brief Changes a controller's parameters; sends 0x0902.
+ * @param handle the handle.
+ * @param busIndex the I2C controller, 0 or 1.
+ * @param clockHz the clock rate in Hz.
+ * @param option passed on unchanged; its meaning is the adapter's. The virtual adapter: 0 sends an
+ *               address once, 1 sends one that is not acknowledged up to 16 times.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_I2cSetParameters(VeltraSDK_Handle* handle, uint8_t busIndex,
                                                  uint32_t clockHz, uint8_t option);
 
 /**
  * @brief Sets a bus's pull-up resistors; sends 0x0802.
  * @param handle the handle.
- * @param busIndex the I2C bus.
- * @param setting the adapter's pull-up setting.
+ * @param busIndex the I2C controller, 0 or 1.
+ * @param setting passed on unchanged; its meaning is the adapter's. The virtual adapter: 0 for
+ *                none, 1 for 10 kOhm, 2 for 4.7 kOhm, 3 for 2.2 kOhm.
+ * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I2cSetPullUpResistors(VeltraSDK_Handle* handle, uint8_t busIndex,
                                                       uint8_t setting);
@@ -309,16 +323,21 @@ VELTRASDK_API int16_t VeltraSDK_I2cSetPullUpResistors(VeltraSDK_Handle* handle, 
 /**
  * @brief Finds the targets of a bus; sends 0x0906.
  * @param handle the handle.
- * @param[out] addresses the list: the 7-bit addresses of one byte each, then the 10-bit ones of two
- *                       bytes each, as the adapter sent them. Null is refused.
+ * @param[out] addresses receives the list: the 7-bit addresses of one byte each, then the 10-bit
+ *                       ones of two bytes each, as the adapter sent them; written only when the
+ *                       result is 0. Null is refused.
  * @param size the bytes that @p addresses holds; a longer list is refused after the scan, with
  *             nothing copied.
- * @param[out] sevenBitCount the number of 7-bit addresses. Null is refused.
- * @param[out] tenBitCount the number of 10-bit addresses. Null is refused.
- * @param busIndex the I2C bus, 0 or 1; another is refused.
- * @param flag the adapter's flag byte.
- * @return also 0xA000, #ResultCode_ShortResponse, when the response does not carry the list that
- *         it announces. The two counts are written whenever a response arrived.
+ * @param[out] sevenBitCount receives the number of 7-bit addresses; written whenever a response
+ *                           arrived. Null is refused.
+ * @param[out] tenBitCount receives the number of 10-bit addresses; written whenever a response
+ *                         arrived. Null is refused. May be the same variable as @p sevenBitCount,
+ *                         and is written last.
+ * @param busIndex the I2C controller, 0 or 1; another is refused.
+ * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true looks
+ *             for 10-bit addresses too.
+ * @return the result code. Also #ResultCode_ShortResponse when the response does not carry the list
+ *         that it announces, whatever its status.
  */
 VELTRASDK_API int16_t VeltraSDK_I2cScanBus(VeltraSDK_Handle* handle, uint8_t* addresses,
                                            uint8_t size, uint8_t* sevenBitCount,
@@ -327,14 +346,17 @@ VELTRASDK_API int16_t VeltraSDK_I2cScanBus(VeltraSDK_Handle* handle, uint8_t* ad
 /**
  * @brief Writes to a target; sends 0x0904.
  * @param handle the handle.
- * @param busIndex the I2C bus.
- * @param targetAddress the target's address.
+ * @param busIndex the I2C controller, 0 or 1.
+ * @param targetAddress the target's address, 7 bits, unshifted.
  * @param registerAddress the register address, most significant byte first; null with a nonzero
  *                        length is refused.
- * @param registerAddressLength 0 to 4; more is refused.
- * @param data the data; null with a nonzero length is refused.
- * @param dataLength at most 65535; the request's length field holds it modulo 65536.
- * @param flag the adapter's flag byte.
+ * @param registerAddressLength the bytes of it, 0 to 4; more are refused.
+ * @param data the bytes to write; null with a nonzero length is refused.
+ * @param dataLength the bytes of it, at most 65535; the length field holds their number modulo
+ *                   65536.
+ * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true leaves
+ *             the STOP out, so that the next transfer begins with a repeated START.
+ * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I2cWrite(VeltraSDK_Handle* handle, uint8_t busIndex,
                                          uint8_t targetAddress, const uint8_t* registerAddress,
@@ -344,14 +366,17 @@ VELTRASDK_API int16_t VeltraSDK_I2cWrite(VeltraSDK_Handle* handle, uint8_t busIn
 /**
  * @brief Reads from a target; sends 0x0905.
  * @param handle the handle.
- * @param busIndex the I2C bus.
- * @param targetAddress the target's address.
+ * @param busIndex the I2C controller, 0 or 1.
+ * @param targetAddress the target's address, 7 bits, unshifted.
  * @param registerAddress the register address, most significant byte first; null with a nonzero
  *                        length is refused.
- * @param registerAddressLength 0 to 4; more is refused.
+ * @param registerAddressLength the bytes of it, 0 to 4; more are refused.
  * @param length the number of bytes to read.
- * @param[out] data receives exactly @p length bytes. Null is refused, also for length 0.
- * @param flag the adapter's flag byte.
+ * @param[out] data receives exactly @p length bytes, those that the response does not carry as 0;
+ *                  written only when the result is 0. Null is refused, also for length 0.
+ * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true leaves
+ *             the STOP out, so that the next transfer begins with a repeated START.
+ * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I2cRead(VeltraSDK_Handle* handle, uint8_t busIndex,
                                         uint8_t targetAddress, const uint8_t* registerAddress,
