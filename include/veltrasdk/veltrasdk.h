@@ -388,26 +388,48 @@ VELTRASDK_API int16_t VeltraSDK_I2cRead(VeltraSDK_Handle* handle, uint8_t busInd
 /** @name SPI */
 /** @{ */
 
-/** @brief Sets the I/O voltage; sends 0x0405. As VeltraSDK_I2cSetBusVoltage(). */
+/**
+ * @brief Sets the I/O voltage; sends 0x0405.
+ *
+ * The voltage of I2C, SPI, UART and GPIO is one setting, and each of the four functions that set it
+ * sends this request.
+ *
+ * @param handle the handle.
+ * @param millivolts the voltage in mV.
+ * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true switches
+ *             the output on, false off.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_SpiSetBusVoltage(VeltraSDK_Handle* handle, uint16_t millivolts,
                                                  bool flag);
 
 /**
  * @brief Initialises the controller; sends 0x0D01.
  * @param handle the handle.
- * @param bitOrder the bit order.
- * @param mode the clock polarity and phase.
- * @param dataWidth the word width.
- * @param chipSelect the chip-select line that transfers assert.
- * @param polarity the level it is asserted with.
- * @param clockHz the clock in Hz.
+ * @param bitOrder the bit order, passed on unchanged.
+ * @param mode the clock polarity and phase, passed on unchanged.
+ * @param dataWidth the word width, passed on unchanged.
+ * @param chipSelect the chip-select line that transfers assert, passed on unchanged.
+ * @param polarity the level that it is asserted with, passed on unchanged.
+ * @param clockHz the clock rate in Hz.
+ * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_SpiControllerInit(VeltraSDK_Handle* handle, SpiBitOrder bitOrder,
                                                   SpiMode mode, SpiDataWidth dataWidth,
                                                   SpiChipSelect chipSelect,
                                                   SpiChipSelectPolarity polarity, uint32_t clockHz);
 
-/** @brief Changes the parameters; sends 0x0D02. As VeltraSDK_SpiControllerInit(). */
+/**
+ * @brief Changes the controller's parameters; sends 0x0D02.
+ * @param handle the handle.
+ * @param bitOrder the bit order, passed on unchanged.
+ * @param mode the clock polarity and phase, passed on unchanged.
+ * @param dataWidth the word width, passed on unchanged.
+ * @param chipSelect the chip-select line that transfers assert, passed on unchanged.
+ * @param polarity the level that it is asserted with, passed on unchanged.
+ * @param clockHz the clock rate in Hz.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_SpiSetParameters(VeltraSDK_Handle* handle, SpiBitOrder bitOrder,
                                                  SpiMode mode, SpiDataWidth dataWidth,
                                                  SpiChipSelect chipSelect,
@@ -417,10 +439,13 @@ VELTRASDK_API int16_t VeltraSDK_SpiSetParameters(VeltraSDK_Handle* handle, SpiBi
  * @brief Runs a transfer; sends 0x0D04.
  * @param handle the handle.
  * @param send the bytes to send; null sends none.
- * @param sendLength the number of bytes to send.
- * @param[out] receive receives as many bytes as the response counts: give it room for what the
- *                     adapter can return, at most 65535 bytes. Null discards them.
- * @param length the requested length.
+ * @param sendLength the bytes of it, 0 to 65535; not used when @p send is null.
+ * @param[out] receive receives as many bytes as the response counts, at most 65535: give it that
+ *                     room unless the adapter is trusted to return no more than was asked for;
+ *                     written only when the result is 0. Null discards them.
+ * @param length the requested length in bytes. The virtual adapter: what is received while @p send
+ *               goes out counts too.
+ * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_SpiTransfer(VeltraSDK_Handle* handle, const uint8_t* send,
                                             uint16_t sendLength, uint8_t* receive, uint16_t length);
