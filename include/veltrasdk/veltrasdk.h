@@ -452,85 +452,142 @@ VELTRASDK_API int16_t VeltraSDK_SpiTransfer(VeltraSDK_Handle* handle, const uint
 
 /** @} */
 
-/**
- * @name UART
- * Received bytes arrive as notifications of kind #NotificationKind_UartRx.
- */
+/** @name UART */
 /** @{ */
 
-/** @brief Sets the I/O voltage; sends 0x0405. As VeltraSDK_I2cSetBusVoltage(). */
+/**
+ * @brief Sets the I/O voltage; sends 0x0405.
+ *
+ * The voltage of I2C, SPI, UART and GPIO is one setting, and each of the four functions that set it
+ * sends this request.
+ *
+ * @param handle the handle.
+ * @param millivolts the voltage in mV.
+ * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true switches
+ *             the output on, false off.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_UartSetBusVoltage(VeltraSDK_Handle* handle, uint16_t millivolts,
                                                   bool flag);
 
 /**
  * @brief Initialises the UART; sends 0x1002.
+ *
+ * Received bytes arrive as notifications of kind #NotificationKind_UartRx.
+ *
  * @param handle the handle.
- * @param baudRate the line rate.
- * @param handshake the hardware flow control.
- * @param parity the parity bit.
- * @param dataSize the number of data bits.
- * @param stopBit the number of stop bits.
+ * @param baudRate the line rate, passed on unchanged.
+ * @param handshake the hardware flow control, passed on unchanged.
+ * @param parity the parity bit, passed on unchanged.
+ * @param dataSize the number of data bits, passed on unchanged.
+ * @param stopBit the number of stop bits, passed on unchanged.
+ * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_UartInit(VeltraSDK_Handle* handle, UartBaudRate baudRate,
                                          UartHwHandshake handshake, UartParity parity,
                                          UartDataSize dataSize, UartStopBit stopBit);
 
-/** @brief Changes the line parameters; sends 0x1003. As VeltraSDK_UartInit(). */
+/**
+ * @brief Changes the UART's parameters; sends 0x1003.
+ *
+ * Received bytes arrive as notifications of kind #NotificationKind_UartRx.
+ *
+ * @param handle the handle.
+ * @param baudRate the line rate, passed on unchanged.
+ * @param handshake the hardware flow control, passed on unchanged.
+ * @param parity the parity bit, passed on unchanged.
+ * @param dataSize the number of data bits, passed on unchanged.
+ * @param stopBit the number of stop bits, passed on unchanged.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_UartSetParameters(VeltraSDK_Handle* handle, UartBaudRate baudRate,
                                                   UartHwHandshake handshake, UartParity parity,
                                                   UartDataSize dataSize, UartStopBit stopBit);
 
 /**
- * @brief Sends bytes; sends 0x1005.
+ * @brief Sends bytes over the line; sends 0x1005.
  * @param handle the handle.
- * @param message the bytes; must not be null unless @p length is 0.
- * @param length the number of bytes.
+ * @param message the bytes to send; must not be null unless @p length is 0.
+ * @param length the bytes of it, 0 to 65535.
+ * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_UartSendMessage(VeltraSDK_Handle* handle, const uint8_t* message,
                                                 uint16_t length);
 
 /** @} */
 
-/**
- * @name GPIO
- * Interrupts arrive as notifications of kind #NotificationKind_Gpio.
- */
+/** @name GPIO */
 /** @{ */
 
-/** @brief Sets the I/O voltage; sends 0x0405. As VeltraSDK_I2cSetBusVoltage(). */
+/**
+ * @brief Sets the I/O voltage; sends 0x0405.
+ *
+ * The voltage of I2C, SPI, UART and GPIO is one setting, and each of the four functions that set it
+ * sends this request.
+ *
+ * @param handle the handle.
+ * @param millivolts the voltage in mV.
+ * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true switches
+ *             the output on, false off.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_GpioSetVoltage(VeltraSDK_Handle* handle, uint16_t millivolts,
                                                bool flag);
 
 /**
  * @brief Configures a pin; sends 0x1401.
  * @param handle the handle.
- * @param pin the pin.
- * @param functionality what it is used for.
- * @param hasLevel whether @p level is given; without it the level is low.
- * @param level the initial level; sent for #GpioFunctionality_Output only.
+ * @param pin the pin, passed on unchanged.
+ * @param functionality what the pin is used for, passed on unchanged.
+ * @param hasLevel whether @p level is used; an output starts low without it.
+ * @param level the initial level of an output, passed on unchanged; not sent for another
+ *              functionality.
+ * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_GpioConfigurePin(VeltraSDK_Handle* handle, GpioPinNumber pin,
                                                  GpioFunctionality functionality, bool hasLevel,
                                                  GpioLogicLevel level);
 
-/** @brief Drives a pin; sends 0x1402. */
+/**
+ * @brief Drives a pin; sends 0x1402.
+ * @param handle the handle.
+ * @param pin the pin, passed on unchanged.
+ * @param level the level, passed on unchanged.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_GpioDigitalWrite(VeltraSDK_Handle* handle, GpioPinNumber pin,
                                                  GpioLogicLevel level);
 
 /**
  * @brief Reads a pin; sends 0x1403.
  * @param handle the handle.
- * @param pin the pin.
- * @param[out] level the pin's level, not null; written whenever a response arrived.
+ * @param pin the pin, passed on unchanged.
+ * @param[out] level receives the pin's level, the byte that the adapter sent; written whenever a
+ *                   response arrived. Must not be null.
+ * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_GpioDigitalRead(VeltraSDK_Handle* handle, GpioPinNumber pin,
                                                 GpioLogicLevel* level);
 
-/** @brief Arms a pin's interrupt; sends 0x1404. */
+/**
+ * @brief Arms a pin's interrupt; sends 0x1404.
+ *
+ * Interrupts arrive as notifications of kind #NotificationKind_Gpio.
+ *
+ * @param handle the handle.
+ * @param pin the pin, passed on unchanged.
+ * @param trigger what makes the pin send an interrupt, passed on unchanged.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_GpioConfigureInterrupt(VeltraSDK_Handle* handle, GpioPinNumber pin,
                                                        GpioTriggerType trigger);
 
-/** @brief Disarms a pin's interrupt; sends 0x1405. */
+/**
+ * @brief Disarms a pin's interrupt; sends 0x1405.
+ * @param handle the handle.
+ * @param pin the pin, passed on unchanged.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_GpioDisableInterrupt(VeltraSDK_Handle* handle, GpioPinNumber pin);
 
 /** @} */
