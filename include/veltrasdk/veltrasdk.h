@@ -599,16 +599,18 @@ VELTRASDK_API int16_t VeltraSDK_GpioDisableInterrupt(VeltraSDK_Handle* handle, G
  * @brief Sets the I3C bus voltage; sends 0x0404.
  * @param handle the handle.
  * @param millivolts the voltage in mV.
+ * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cSetBusVoltage(VeltraSDK_Handle* handle, uint16_t millivolts);
 
 /**
  * @brief Initialises the controller; sends 0x1901.
  * @param handle the handle.
- * @param pushPullRate the SCL rate of push-pull phases.
- * @param openDrainRate the SCL rate of open-drain phases.
- * @param i2cRate the SCL rate of legacy I2C transfers.
- * @param driveStrength the drive strength of the pins.
+ * @param pushPullRate the SCL rate of push-pull phases; its low byte is sent.
+ * @param openDrainRate the SCL rate of open-drain phases; its low byte is sent.
+ * @param i2cRate the SCL rate of legacy I2C transfers; its low byte is sent.
+ * @param driveStrength the drive strength of the pins; its low byte is sent.
+ * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cControllerInit(VeltraSDK_Handle* handle,
                                                   I3cPushPullRate pushPullRate,
@@ -616,21 +618,35 @@ VELTRASDK_API int16_t VeltraSDK_I3cControllerInit(VeltraSDK_Handle* handle,
                                                   I2cTransferRate i2cRate,
                                                   I3cDriveStrength driveStrength);
 
-/** @brief Changes the parameters; sends 0x1902. As VeltraSDK_I3cControllerInit(). */
+/**
+ * @brief Changes the controller's parameters; sends 0x1902.
+ * @param handle the handle.
+ * @param pushPullRate the SCL rate of push-pull phases; its low byte is sent.
+ * @param openDrainRate the SCL rate of open-drain phases; its low byte is sent.
+ * @param i2cRate the SCL rate of legacy I2C transfers; its low byte is sent.
+ * @param driveStrength the drive strength of the pins; its low byte is sent.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_I3cSetParameters(VeltraSDK_Handle* handle,
                                                  I3cPushPullRate pushPullRate,
                                                  I3cOpenDrainTransferRate openDrainRate,
                                                  I2cTransferRate i2cRate,
                                                  I3cDriveStrength driveStrength);
 
-/** @brief Resets the bus; sends 0x1905. */
+/**
+ * @brief Resets the bus; sends 0x1905.
+ * @param handle the handle.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_I3cResetBus(VeltraSDK_Handle* handle);
 
 /**
  * @brief Hands the controller the targets that the bus is to hold; sends 0x1904.
  * @param handle the handle.
  * @param targets the records, sent as they are; must not be null unless @p count is 0.
- * @param count the number of records.
+ * @param count the number of records, 0 to 255. The virtual adapter: with none it finds every
+ *              target.
+ * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cInitBus(VeltraSDK_Handle* handle, const I3cTargetInfo* targets,
                                            uint8_t count);
@@ -638,9 +654,12 @@ VELTRASDK_API int16_t VeltraSDK_I3cInitBus(VeltraSDK_Handle* handle, const I3cTa
 /**
  * @brief Reads the controller's device table; sends 0x1906.
  * @param handle the handle.
- * @param[out] table receives the records. Null is refused.
+ * @param[out] table receives the records; written only when the result is 0. Null is refused, also
+ *                   for capacity 0.
  * @param capacity the records that @p table holds; further ones are dropped without notice.
- * @param[out] count the number of records stored. Null is refused.
+ * @param[out] count receives the number of records stored; written only when the result is 0. Null
+ *                   is refused.
+ * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cGetDeviceTable(VeltraSDK_Handle* handle, I3cTargetInfo* table,
                                                   uint8_t capacity, uint8_t* count);
@@ -648,43 +667,82 @@ VELTRASDK_API int16_t VeltraSDK_I3cGetDeviceTable(VeltraSDK_Handle* handle, I3cT
 /**
  * @brief Changes how the controller treats one target; sends 0x1907.
  * @param handle the handle.
- * @param address the target's address.
- * @param configuration the configuration.
+ * @param address the target's dynamic address or the legacy I2C device's static one, 7 bits,
+ *                unshifted.
+ * @param configuration how the controller treats the target, passed on unchanged.
+ * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cSetTargetDeviceConfiguration(
     VeltraSDK_Handle* handle, uint8_t address, I3cTargetConfiguration configuration);
 
 /** @} */
 
-/**
- * @name I3C private transfers
- * All six send 0x1908. A sub-address has 0 to 4 bytes, sent in the order given: a longer one is
- * refused, and so is a null pointer with a nonzero length. A null data pointer of a write is
- * refused with a nonzero length. A read stores as many bytes as the response counts; the buffer
- * must hold the length asked for, and the adapter is trusted to return no more. A null buffer or
- * count pointer of a read is refused.
- */
+/** @name I3C private transfers */
 /** @{ */
 
-/** @brief Writes in SDR mode. */
+/**
+ * @brief Writes to a target in SDR mode; sends 0x1908.
+ * @param handle the handle.
+ * @param address the target's dynamic address, 7 bits, unshifted.
+ * @param subAddress the sub-address, sent in the order given; null with a nonzero length is
+ *                   refused.
+ * @param subAddressLength the bytes of it, 0 to 4; more are refused.
+ * @param data the bytes to write; null with a nonzero length is refused.
+ * @param dataLength the bytes of it, 0 to 65535.
+ * @param flags the options, values of #I3cTransferFlags; the low five bits are sent.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_I3cSdrWrite(VeltraSDK_Handle* handle, uint8_t address,
                                             const uint8_t* subAddress, uint8_t subAddressLength,
                                             const uint8_t* data, uint16_t dataLength,
                                             I3cTransferFlags flags);
 
-/** @brief Reads in SDR mode; @p count receives the number of bytes stored in @p data. */
+/**
+ * @brief Reads from a target in SDR mode; sends 0x1908.
+ * @param handle the handle.
+ * @param address the target's dynamic address, 7 bits, unshifted.
+ * @param subAddress the sub-address, sent in the order given; null with a nonzero length is
+ *                   refused.
+ * @param subAddressLength the bytes of it, 0 to 4; more are refused.
+ * @param length the number of bytes to read.
+ * @param[out] data receives as many bytes as the response counts, at most 65535: give it that room
+ *                  unless the adapter is trusted to return no more than was asked for; written only
+ *                  when the result is 0. Null is refused.
+ * @param[out] count receives the number of bytes stored; written only when the result is 0. Null is
+ *                   refused.
+ * @param flags the options, values of #I3cTransferFlags; the low five bits are sent.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_I3cSdrRead(VeltraSDK_Handle* handle, uint8_t address,
                                            const uint8_t* subAddress, uint8_t subAddressLength,
                                            uint16_t length, uint8_t* data, uint16_t* count,
                                            I3cTransferFlags flags);
 
-/** @brief Writes in HDR-DDR mode, with the 8-bit HDR command code @p hdrCommand. */
+/**
+ * @brief Writes to a target in HDR-DDR mode; sends 0x1908.
+ * @param handle the handle.
+ * @param address the target's dynamic address, 7 bits, unshifted.
+ * @param hdrCommand the HDR command code, passed on unchanged.
+ * @param data the bytes to write; null with a nonzero length is refused.
+ * @param dataLength the bytes of it, 0 to 65535.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_I3cHdrDdrWrite(VeltraSDK_Handle* handle, uint8_t address,
                                                uint8_t hdrCommand, const uint8_t* data,
                                                uint16_t dataLength);
 
 /**
- * @brief Reads in HDR-DDR mode, with the 8-bit HDR command code @p hdrCommand.
+ * @brief Reads from a target in HDR-DDR mode; sends 0x1908.
+ * @param handle the handle.
+ * @param address the target's dynamic address, 7 bits, unshifted.
+ * @param hdrCommand the HDR command code, passed on unchanged.
+ * @param length the number of bytes to read.
+ * @param[out] count receives the number of bytes stored; written only when the result is 0. Null is
+ *                   refused.
+ * @param[out] data receives as many bytes as the response counts, at most 65535: give it that room
+ *                  unless the adapter is trusted to return no more than was asked for; written only
+ *                  when the result is 0. Null is refused.
+ * @return the result code.
  *
  * @warning The count pointer stands before the buffer, the reverse of the other reads.
  */
@@ -692,23 +750,57 @@ VELTRASDK_API int16_t VeltraSDK_I3cHdrDdrRead(VeltraSDK_Handle* handle, uint8_t 
                                               uint8_t hdrCommand, uint16_t length, uint16_t* count,
                                               uint8_t* data);
 
-/** @brief Writes to a legacy I2C device on the I3C bus. */
+/**
+ * @brief Writes to a legacy I2C device on the I3C bus; sends 0x1908.
+ * @param handle the handle.
+ * @param address the device's static address, 7 bits, unshifted.
+ * @param subAddress the sub-address, sent in the order given; null with a nonzero length is
+ *                   refused.
+ * @param subAddressLength the bytes of it, 0 to 4; more are refused.
+ * @param data the bytes to write; null with a nonzero length is refused.
+ * @param dataLength the bytes of it, 0 to 65535.
+ * @param flags the options, values of #I3cTransferFlags; the low five bits are sent.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_I3cLegacyI2CWrite(VeltraSDK_Handle* handle, uint8_t address,
                                                   const uint8_t* subAddress,
                                                   uint8_t subAddressLength, const uint8_t* data,
                                                   uint16_t dataLength, I3cTransferFlags flags);
 
-/** @brief Reads from a legacy I2C device; @p count receives the number of bytes stored. */
+/**
+ * @brief Reads from a legacy I2C device on the I3C bus; sends 0x1908.
+ * @param handle the handle.
+ * @param address the device's static address, 7 bits, unshifted.
+ * @param subAddress the sub-address, sent in the order given; null with a nonzero length is
+ *                   refused.
+ * @param subAddressLength the bytes of it, 0 to 4; more are refused.
+ * @param length the number of bytes to read.
+ * @param[out] data receives as many bytes as the response counts, at most 65535: give it that room
+ *                  unless the adapter is trusted to return no more than was asked for; written only
+ *                  when the result is 0. Null is refused.
+ * @param[out] count receives the number of bytes stored; written only when the result is 0. Null is
+ *                   refused.
+ * @param flags the options, values of #I3cTransferFlags; the low five bits are sent.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_I3cLegacyI2CRead(VeltraSDK_Handle* handle, uint8_t address,
                                                  const uint8_t* subAddress,
                                                  uint8_t subAddressLength, uint16_t length,
                                                  uint8_t* data, uint16_t* count,
                                                  I3cTransferFlags flags);
 
-/** @brief Drives the target reset pattern; sends 0x190A: 0. */
+/**
+ * @brief Drives the target reset pattern; sends 0x190A.
+ * @param handle the handle.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_I3cTargetResetPattern(VeltraSDK_Handle* handle);
 
-/** @brief Drives the HDR exit pattern; sends 0x190A: 1. */
+/**
+ * @brief Drives the HDR exit pattern; sends 0x190A.
+ * @param handle the handle.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_I3cHdrExitPattern(VeltraSDK_Handle* handle);
 
 /** @} */
