@@ -805,65 +805,107 @@ VELTRASDK_API int16_t VeltraSDK_I3cHdrExitPattern(VeltraSDK_Handle* handle);
 
 /** @} */
 
-/**
- * @name I3C Common Command Codes: queries
- * Each sends one direct read (0x1909) to a dynamic address. A null output pointer is refused,
- * except where it may be null. Single values are written whenever a response arrived, whatever its
- * status; buffers only when the result is 0, with as many bytes as the response counts.
- */
+/** @name I3C Common Command Codes: queries */
 /** @{ */
 
-/** @brief GETPID: up to 255 bytes are stored in @p pid, 6 from a conforming target. */
+/**
+ * @brief Reads the provisioned identifier of one target: GETPID, a direct read; sends 0x1909.
+ * @param handle the handle.
+ * @param address the target's dynamic address, 7 bits, unshifted.
+ * @param[out] pid receives as many bytes as the response counts, at most 255: give it that room
+ *                 unless the adapter is trusted to return no more than was asked for; written only
+ *                 when the result is 0. Null is refused. Most significant byte first; 6 bytes are
+ *                 asked for.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_I3cCccGETPID(VeltraSDK_Handle* handle, uint8_t address,
                                              uint8_t* pid);
 
-/** @brief GETBCR. */
+/**
+ * @brief Reads the bus characteristics register of one target: GETBCR, a direct read; sends 0x1909.
+ * @param handle the handle.
+ * @param address the target's dynamic address, 7 bits, unshifted.
+ * @param[out] bcr receives the register; written whenever a response arrived. Null is refused.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_I3cCccGETBCR(VeltraSDK_Handle* handle, uint8_t address,
                                              uint8_t* bcr);
 
-/** @brief GETDCR. */
+/**
+ * @brief Reads the device characteristics register of one target: GETDCR, a direct read; sends
+ * 0x1909.
+ * @param handle the handle.
+ * @param address the target's dynamic address, 7 bits, unshifted.
+ * @param[out] dcr receives the register; written whenever a response arrived. Null is refused.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_I3cCccGETDCR(VeltraSDK_Handle* handle, uint8_t address,
                                              uint8_t* dcr);
 
-/** @brief GETMWL: the maximum write length in bytes. */
+/**
+ * @brief Reads the maximum write length of one target: GETMWL, a direct read; sends 0x1909.
+ * @param handle the handle.
+ * @param address the target's dynamic address, 7 bits, unshifted.
+ * @param[out] mwl receives the maximum write length in bytes; written whenever a response arrived.
+ *                 Null is refused.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_I3cCccGETMWL(VeltraSDK_Handle* handle, uint8_t address,
                                              uint16_t* mwl);
 
 /**
- * @brief GETMRL: the maximum read length in bytes.
+ * @brief Reads the maximum read length of one target: GETMRL, a direct read; sends 0x1909.
  * @param handle the handle.
- * @param address the target.
- * @param[out] mrl the maximum read length.
- * @param[out] ibiPayloadSize the maximum in-band interrupt payload size, written only when the
- *                            target returned one; may be null.
- * @param[out] hasIbiPayloadSize set to 0 before the request and to 1 when the target returned a
- *                               payload size; may be null.
+ * @param address the target's dynamic address, 7 bits, unshifted.
+ * @param[out] mrl receives the maximum read length in bytes; written whenever a response arrived.
+ *                 Null is refused.
+ * @param[out] ibiPayloadSize receives the maximum size of an in-band interrupt's payload in bytes;
+ *                            written only when a response arrived that counts exactly 3 bytes. May
+ *                            be null.
+ * @param[out] hasIbiPayloadSize set to 0 from the start of the call, also on a link that is not
+ *                               connected, and to 1 when a response arrived that counts exactly 3
+ *                               bytes; left as it was when the handle or @p mrl is null. May be
+ *                               null.
+ * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cCccGETMRL(VeltraSDK_Handle* handle, uint8_t address,
                                              uint16_t* mrl, uint8_t* ibiPayloadSize,
                                              uint8_t* hasIbiPayloadSize);
 
 /**
- * @brief GETCAPS.
+ * @brief Reads the optional feature capabilities of one target: GETCAPS, a direct read; sends
+ * 0x1909.
  * @param handle the handle.
- * @param address the target.
- * @param[out] capabilities up to 255 bytes, 4 or fewer from a conforming target.
- * @param[out] count the number of bytes stored.
+ * @param address the target's dynamic address, 7 bits, unshifted.
+ * @param[out] capabilities receives as many bytes as the response counts, at most 255: give it that
+ *                          room unless the adapter is trusted to return no more than was asked for;
+ *                          written only when the result is 0. Null is refused. In bus order; 4
+ *                          bytes are asked for.
+ * @param[out] count receives the number of bytes stored; written only when the result is 0. Null is
+ *                   refused.
  * @param hasDefiningByte whether @p definingByte is sent.
- * @param definingByte the defining byte.
+ * @param definingByte the defining byte, passed on unchanged; not used when @p hasDefiningByte is
+ *                     false.
+ * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cCccGETCAPS(VeltraSDK_Handle* handle, uint8_t address,
                                               uint8_t* capabilities, uint8_t* count,
                                               bool hasDefiningByte, uint8_t definingByte);
 
 /**
- * @brief GETSTATUS.
+ * @brief Reads the status of one target: GETSTATUS, a direct read; sends 0x1909.
  * @param handle the handle.
- * @param address the target.
- * @param[out] status up to 255 bytes, 2 from a conforming target.
- * @param[out] count the number of bytes stored.
+ * @param address the target's dynamic address, 7 bits, unshifted.
+ * @param[out] status receives as many bytes as the response counts, at most 255: give it that room
+ *                    unless the adapter is trusted to return no more than was asked for; written
+ *                    only when the result is 0. Null is refused. In bus order; 2 bytes are asked
+ *                    for.
+ * @param[out] count receives the number of bytes stored; written only when the result is 0. Null is
+ *                   refused.
  * @param hasDefiningByte whether @p definingByte is sent.
- * @param definingByte the defining byte.
+ * @param definingByte the defining byte, passed on unchanged; not used when @p hasDefiningByte is
+ *                     false.
+ * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cCccGETSTATUS(VeltraSDK_Handle* handle, uint8_t address,
                                                 uint8_t* status, uint8_t* count,
@@ -871,83 +913,165 @@ VELTRASDK_API int16_t VeltraSDK_I3cCccGETSTATUS(VeltraSDK_Handle* handle, uint8_
 
 /** @} */
 
-/**
- * @name I3C Common Command Codes: settings and broadcasts
- * Each sends one transfer (0x1909), a write unless it says otherwise, direct to an address or
- * broadcast to all targets.
- */
+/** @name I3C Common Command Codes: settings and broadcasts */
 /** @{ */
 
-/** @brief SETMWL, direct: the maximum write length in bytes. */
+/**
+ * @brief Sets the maximum write length of one target: SETMWL, a direct write; sends 0x1909.
+ * @param handle the handle.
+ * @param address the target's dynamic address, 7 bits, unshifted.
+ * @param mwl the maximum write length in bytes.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_I3cCccSETMWLDirect(VeltraSDK_Handle* handle, uint8_t address,
                                                    uint16_t mwl);
 
-/** @brief SETMWL, broadcast. */
+/**
+ * @brief Sets the maximum write length of all targets: SETMWL, a broadcast; sends 0x1909.
+ * @param handle the handle.
+ * @param mwl the maximum write length in bytes.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_I3cCccSETMWLBroadcast(VeltraSDK_Handle* handle, uint16_t mwl);
 
-/** @brief SETMRL, direct: the maximum read length and, when given, the IBI payload size. */
+/**
+ * @brief Sets the maximum read length of one target: SETMRL, a direct write; sends 0x1909.
+ * @param handle the handle.
+ * @param address the target's dynamic address, 7 bits, unshifted.
+ * @param mrl the maximum read length in bytes.
+ * @param hasIbiPayloadSize whether @p ibiPayloadSize is sent.
+ * @param ibiPayloadSize the maximum size of an in-band interrupt's payload in bytes; not used when
+ *                       @p hasIbiPayloadSize is false.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_I3cCccSETMRLDirect(VeltraSDK_Handle* handle, uint8_t address,
                                                    uint16_t mrl, bool hasIbiPayloadSize,
                                                    uint8_t ibiPayloadSize);
 
-/** @brief SETMRL, broadcast. */
+/**
+ * @brief Sets the maximum read length of all targets: SETMRL, a broadcast; sends 0x1909.
+ * @param handle the handle.
+ * @param mrl the maximum read length in bytes.
+ * @param hasIbiPayloadSize whether @p ibiPayloadSize is sent.
+ * @param ibiPayloadSize the maximum size of an in-band interrupt's payload in bytes; not used when
+ *                       @p hasIbiPayloadSize is false.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_I3cCccSETMRLBroadcast(VeltraSDK_Handle* handle, uint16_t mrl,
                                                       bool hasIbiPayloadSize,
                                                       uint8_t ibiPayloadSize);
 
-/** @brief SETNEWDA: gives the target another dynamic address. */
+/**
+ * @brief Changes the dynamic address of one target: SETNEWDA, a direct write; sends 0x1909.
+ * @param handle the handle.
+ * @param currentAddress the target's dynamic address, 7 bits, unshifted.
+ * @param newAddress the dynamic address that it gets, 7 bits, unshifted.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_I3cCccSETNEWDA(VeltraSDK_Handle* handle, uint8_t currentAddress,
                                                uint8_t newAddress);
 
-/** @brief SETDASA: gives the target with this static address a dynamic address. */
+/**
+ * @brief Gives the target with a static address a dynamic one: SETDASA, a direct write; sends
+ * 0x1909.
+ * @param handle the handle.
+ * @param staticAddress the target's static address, 7 bits, unshifted.
+ * @param dynamicAddress the dynamic address that it gets, 7 bits, unshifted.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_I3cCccSETDASA(VeltraSDK_Handle* handle, uint8_t staticAddress,
                                               uint8_t dynamicAddress);
 
 /**
- * @brief SETAASA: every target takes its static address.
+ * @brief Makes the static address of all targets their dynamic one: SETAASA, a broadcast; sends
+ * 0x1909.
  * @param handle the handle.
  * @param staticAddresses the addresses, sent as they are; must not be null unless @p count is 0.
- * @param count the number of addresses; the request's length field holds it modulo 256.
+ *                        The virtual adapter: those that take their static address, 7 bits,
+ *                        unshifted; every one when there are none.
+ * @param count the number of addresses; the length field holds it modulo 256.
+ * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cCccSETAASA(VeltraSDK_Handle* handle,
                                               const uint8_t* staticAddresses, size_t count);
 
-/** @brief ENEC, direct: enables the events whose bits are set. */
+/**
+ * @brief Enables events of one target: ENEC, a direct write; sends 0x1909.
+ * @param handle the handle.
+ * @param address the target's dynamic address, 7 bits, unshifted.
+ * @param events the bits of the events, passed on unchanged: 0x01 for in-band interrupts, 0x02 for
+ *               controller role requests, 0x08 for hot-joins.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_I3cCccENECDirect(VeltraSDK_Handle* handle, uint8_t address,
                                                  uint8_t events);
 
-/** @brief ENEC, broadcast. */
+/**
+ * @brief Enables events of all targets: ENEC, a broadcast; sends 0x1909.
+ * @param handle the handle.
+ * @param events the bits of the events, passed on unchanged: 0x01 for in-band interrupts, 0x02 for
+ *               controller role requests, 0x08 for hot-joins.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_I3cCccENECBroadcast(VeltraSDK_Handle* handle, uint8_t events);
 
-/** @brief DISEC, direct: disables the events whose bits are set. */
+/**
+ * @brief Disables events of one target: DISEC, a direct write; sends 0x1909.
+ * @param handle the handle.
+ * @param address the target's dynamic address, 7 bits, unshifted.
+ * @param events the bits of the events, passed on unchanged: 0x01 for in-band interrupts, 0x02 for
+ *               controller role requests, 0x08 for hot-joins.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_I3cCccDISECDirect(VeltraSDK_Handle* handle, uint8_t address,
                                                   uint8_t events);
 
-/** @brief DISEC, broadcast. */
+/**
+ * @brief Disables events of all targets: DISEC, a broadcast; sends 0x1909.
+ * @param handle the handle.
+ * @param events the bits of the events, passed on unchanged: 0x01 for in-band interrupts, 0x02 for
+ *               controller role requests, 0x08 for hot-joins.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_I3cCccDISECBroadcast(VeltraSDK_Handle* handle, uint8_t events);
 
 /**
- * @brief RSTACT, direct: a write arms a reset action, a read asks for the byte that the defining
- * byte selects.
+ * @brief Prepares the reset of one target, or asks about it: RSTACT, a direct write or read; sends
+ * 0x1909.
  * @param handle the handle.
- * @param address the target.
- * @param definingByte the reset action; its low byte is sent.
- * @param direction write or read.
- * @param[out] reply the byte of a read, written whenever a response arrived. Null is refused for a
- *                   read; a write does not use it.
+ * @param address the target's dynamic address, 7 bits, unshifted.
+ * @param definingByte the reset action of a write, or what a read asks for; its low byte is sent.
+ * @param direction #I3cTransferDirection_Write prepares the action, #I3cTransferDirection_Read asks
+ *                  for the byte that the defining byte selects.
+ * @param[out] reply receives the byte of a read; written whenever a response arrived. Null is
+ *                   refused for a read; a write does not use it.
+ * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cCccRSTACTDirect(VeltraSDK_Handle* handle, uint8_t address,
                                                    I3cTargetResetDefByte definingByte,
                                                    I3cTransferDirection direction, uint8_t* reply);
 
-/** @brief RSTACT, broadcast. */
+/**
+ * @brief Prepares the reset of all targets: RSTACT, a broadcast; sends 0x1909.
+ * @param handle the handle.
+ * @param definingByte the reset action; its low byte is sent.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_I3cCccRSTACTBroadcast(VeltraSDK_Handle* handle,
                                                       I3cTargetResetDefByte definingByte);
 
-/** @brief RSTDAA: every target forgets its dynamic address. */
+/**
+ * @brief Takes the dynamic addresses of all targets away: RSTDAA, a broadcast; sends 0x1909.
+ * @param handle the handle.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_I3cCccRSTDAA(VeltraSDK_Handle* handle);
 
-/** @brief ENTDAA: the controller assigns dynamic addresses. */
+/**
+ * @brief Assigns dynamic addresses to the targets without one: ENTDAA, a broadcast; sends 0x1909.
+ * @param handle the handle.
+ * @return the result code.
+ */
 VELTRASDK_API int16_t VeltraSDK_I3cCccENTDAA(VeltraSDK_Handle* handle);
 
 /** @} */
