@@ -29,14 +29,32 @@ class VeltraAsyncSDK;
  * @brief Drives one adapter: each operation sends one request and waits for the response.
  *
  * @par Result codes
- * Every operation returns the adapter's status, 0 for success, or one of #ResultCode:
- * #ResultCode_NotConnected at once when the link is not connected; #ResultCode_NoResponse when no
- * response came within the time-out; #ResultCode_InvalidArgument at once, with nothing sent, where
- * its description says so.
+ * Every operation returns the adapter's status, 0 for success, unless its description says
+ * otherwise, or one of #ResultCode:
+ * - #ResultCode_NotConnected at once, with nothing sent, when the link is not connected;
+ * - #ResultCode_NoResponse when no response came within the time-out, also when the request could
+ *   not be written;
+ * - #ResultCode_InvalidArgument at once, with nothing sent, for an argument that is refused;
+ * - those that its description adds.
+ *
+ * @par Refused arguments
+ * "Refused" means #ResultCode_InvalidArgument. When several reasons apply, the first of these is
+ * told: what i2cScanBus() refuses; a link that is not connected; what the request's encoder
+ * refuses, a register address or sub-address of more than 4 bytes. All other values are left to the
+ * adapter to judge.
+ *
+ * @par Arguments
+ * Inputs are copied into the request and outputs are written during the call; nothing of either is
+ * kept afterwards, the notification handler excepted.
  *
  * @par Outputs
  * Outputs are written whenever a response arrived, whatever its status, and left as they were when
- * none did. Bytes that a response announces but does not carry read as zero.
+ * none did. Bytes that a response announces but does not carry read as zero. Four functions deviate
+ * and say how: getUsbString(), getDeviceInfo(), i2cScanBus() and i3cCccRSTACTDirect().
+ *
+ * @par Time-outs
+ * The time-out holds for each operation, from the moment at which its request was written. Writing
+ * has a limit of its own: hidapi gives each report 1 s at most, whatever the time-out.
  *
  * @par Late responses
  * The next response is taken as the answer of the operation that waits, whatever request it
@@ -49,17 +67,18 @@ class VeltraAsyncSDK;
  * @par Threads
  * Operations on one object must not overlap. The notification handler runs on the object's polling
  * thread, one notification at a time, while an operation may be waiting in another thread; it must
- * not call any operation of the same object. Constructing, connecting, disconnecting, entering
- * boot mode and destroying must not overlap between any two objects of the process, since hidapi's
- * own calls are not safe against each other.
+ * not call any operation of the same object, nor replace the handler. Constructing, connecting,
+ * disconnecting, entering boot mode and destroying must not overlap between any two objects of the
+ * process, since hidapi's own calls are not safe against each other.
  *
  * @par Exceptions
  * The library throws nothing of its own. What its standard facilities throw (std::bad_alloc, say)
- * leaves the operation; leaving the notification handler, it ends the process.
+ * leaves the operation, and the object can be used or destroyed afterwards; leaving the
+ * notification handler, it ends the process.
  */
 class VELTRASDK_API VeltraSDK {
 public:
-    /** @brief The adapter's five identity strings; bytes as the adapter returned them. */
+    /** @brief The adapter's five identity strings: bytes as it returned them, at most 254 each. */
     struct DeviceInfo {
         std::string usbString1; /**< String index 1. */
         std::string usbString2; /**< String index 2. */
@@ -70,8 +89,9 @@ public:
 
     /**
      * @brief Creates an object that is not connected, and initialises hidapi.
-     * @param timeoutMs how long an operation waits for its response, in ms. -1 waits without
-     *                  limit; 0 and every other negative value do not wait.
+     * @param timeoutMs how long an operation waits for its response, in ms. -1 waits without limit,
+     *                  also when the request could not be written; 0 and every other negative value
+     *                  do not wait.
      *
      * @warning Connect one object at a time: destroying any object shuts hidapi down for the whole
      * process, which hidapi's libusb back end does not survive while another object is connected.
@@ -81,7 +101,8 @@ public:
     /**
      * @brief Closes the link and shuts hidapi down, whatever other objects exist.
      *
-     * No handler runs after the destructor has returned.
+     * A running handler is waited for, so it must not destroy the object; none runs after the
+     * destructor has returned.
      *
      * @warning Destroying one object while another one is connected makes hidapi's libusb back end
      * abort the process: connect one object at a time.
@@ -92,32 +113,53 @@ public:
     VeltraSDK& operator=(const VeltraSDK&) = delete;
 
     /**
-     * @brief Opens the link.
+     * @brief Opens the link to the adapter with a HID device path.
+     *
+     * On an open link nothing is searched and it stays as it is. An adapter that was unplugged
+     * leaves its link open, and operations return #ResultCode_NoResponse: disconnect() before
+     * connecting again.
+     *
      * @param path the HID device path, matched exactly; empty selects the first known adapter.
-     * @return whether the link is open. On an open link nothing is searched and it stays as it is.
+     * @return whether the link is open; false when no such adapter is there or it cannot be opened.
+     * @throws std::system_error when the polling thread cannot be started; nothing is left open.
      */
     bool connect(const std::string& path);
 
     /**
-     * @brief Opens the link.
+     * @brief Opens the link to the adapter with a serial number.
+     *
+     * On an open link nothing is searched and it stays as it is. An adapter that was unplugged
+     * leaves its link open, and operations return #ResultCode_NoResponse: disconnect() before
+     * connecting again. Without write permission on the adapter's device node its serial number
+     * cannot be read, and the adapter is not found.
+     *
      * @param serialNumber the USB serial number in UTF-8, matched exactly; empty selects the first
      *                     known adapter.
-     * @return whether the link is open. On an open link nothing is searched and it stays as it is.
+     * @return whether the link is open; false when no such adapter is there or it cannot be opened.
+     * @throws std::system_error when the polling thread cannot be started; nothing is left open.
      * @throws std::range_error when a serial number met in the search cannot be converted.
      */
     bool connectWithSerialNumber(const std::string& serialNumber);
 
-    /** @brief Closes the link, within about 100 ms plus the notification handler's run time. */
+    /**
+     * @brief Closes the link, within about 100 ms plus a running handler's time; sends nothing.
+     *
+     * No handler runs after the return. The handler stays installed and serves the next connection.
+     * On a closed link nothing happens.
+     */
     void disconnect();
 
     /**
-     * @brief Installs the notification handler, which replaces the one before; empty for none.
-     * @param handler receives each notification on the polling thread. The record is valid only
-     *                during the call. The USB stack beneath keeps about 30 unread reports, so a
-     *                handler has that many report times (30 ms at full speed, 4 ms at high speed)
-     *                before reports are lost.
+     * @brief Installs the notification handler, which replaces the one before.
      *
-     * Install it while not connected: it is replaced without a lock.
+     * Install it while not connected: it is replaced without a lock. The USB stack beneath keeps
+     * about 30 unread reports, so a handler has that many report times (30 ms at full speed, 4 ms
+     * at high speed) before reports are lost.
+     *
+     * @param handler receives each notification on the polling thread, those of kind
+     *                #NotificationKind_Unknown included; empty for none. The object keeps it until
+     *                it is replaced or the object is destroyed. The record is valid only during the
+     *                call.
      */
     void onNotification(std::function<void(const Notification&)> handler);
 
@@ -126,23 +168,35 @@ public:
 
     /**
      * @brief Reads one of the adapter's strings; sends 0x0407.
-     * @param[out] text replaced by the string's bytes; left as it was on any nonzero result.
-     * @param index the string's index, 1 to 5.
-     * @return 0 whatever the status of the response; #ResultCode_UnexpectedResponse when the
-     *         response answers another request.
+     * @param[out] text replaced by the string's bytes, at most 254, when the result is 0; left as
+     *                  it was on any other result, #ResultCode_UnexpectedResponse included.
+     * @param index the string's index, 1 to 5, passed on unchanged.
+     * @return the result code, 0 for a response of any status. Also #ResultCode_UnexpectedResponse
+     *         when the response answers another request.
      */
     uint16_t getUsbString(std::vector<uint8_t>& text, uint8_t index);
 
     /**
-     * @brief Reads the strings 1 to 5, one request each.
-     * @param[out] info on a nonzero result the strings read so far are set, the others unchanged.
-     * @return the first nonzero result of getUsbString(), else 0.
+     * @brief Reads the adapter's five strings, one request each; sends 0x0407 five times.
+     *
+     * It ends with the first string that cannot be read. Each of the five requests has the whole
+     * time-out.
+     *
+     * @param[out] info receives each string as it is read. On a nonzero result the strings up to
+     *                  the failing one are set, that one and those behind it are left as they were.
+     * @return the result code, 0 for responses of any status. Also #ResultCode_UnexpectedResponse
+     *         when a response answers another request.
      */
     uint16_t getDeviceInfo(DeviceInfo& info);
 
     /**
-     * @brief Sends the adapter into its boot mode (0x0402) and closes the link; waits for nothing.
-     * @return 0 when the command was handed to the link.
+     * @brief Sends the adapter into its boot mode and closes the link; sends 0x0402.
+     *
+     * No response is awaited. The link is closed as by disconnect(), and the object can connect
+     * again.
+     *
+     * @return 0 when the command was handed to the link, whether or not it could be written;
+     *         #ResultCode_NotConnected when the link is not connected.
      */
     uint16_t enterBootMode();
 
@@ -518,15 +572,31 @@ public:
 
     /** @} */
 
-    /** @name Engine */
+    /**
+     * @name Engine
+     * What the operations are built on; a program needs neither.
+     */
     /** @{ */
 
-    /** @return the next transaction identifier, 1 to 65535 and round to 1. */
+    /**
+     * @brief Takes the next transaction identifier, as every request does.
+     *
+     * The first one of an object is 1; 65535 is followed by 1. Neither a request that is not sent
+     * nor disconnecting gives an identifier back.
+     *
+     * @return the identifier, 1 to 65535.
+     */
     uint16_t generateTransactionId();
 
     /**
      * @brief Routes a frame from the adapter: a notification to its handler, a response to the
-     * operation that waits. Runs on the polling thread.
+     * operation that waits.
+     *
+     * The polling thread calls it with each frame that arrives.
+     *
+     * @param frame the whole frame, from the transaction identifier on: 0 marks a notification,
+     *              which the handler sees in place; any other value a response, which is copied. A
+     *              frame of fewer than 6 bytes is dropped.
      */
     void handleResponse(const std::vector<uint8_t>& frame);
 
