@@ -210,54 +210,78 @@ public:
     /** @{ */
 
     /**
-     * @brief Sets the I/O voltage; sends 0x0405.
+     * @brief Sets the I/O voltage of I2C, SPI, UART and GPIO; sends 0x0405.
      * @param millivolts the voltage in mV.
-     * @param flag the adapter's flag byte.
+     * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true
+     *             switches the output on, false off.
+     * @return the result code.
      */
     uint16_t i2cSetBusVoltage(uint16_t millivolts, bool flag);
 
     /**
      * @brief Initialises a controller; sends 0x0901.
-     * @param busIndex the I2C bus.
-     * @param clockHz the bus clock in Hz.
-     * @param option the adapter's option byte.
+     * @param busIndex the I2C controller, 0 or 1.
+     * @param clockHz the clock rate in Hz.
+     * @param option passed on unchanged; its meaning is the adapter's. The virtual adapter: 0 sends
+     *               an address once, 1 sends one that is not acknowledged up to 16 times.
+     * @return the result code.
      */
     uint16_t i2cControllerInit(uint8_t busIndex, uint32_t clockHz, uint8_t option);
 
-    /** @brief Changes a controller's parameters; sends 0x0902. Arguments as i2cControllerInit(). */
+    /**
+     * @brief Changes the parameters of an initialised controller; sends 0x0902.
+     * @param busIndex the I2C controller, 0 or 1.
+     * @param clockHz the clock rate in Hz.
+     * @param option passed on unchanged; its meaning is the adapter's. The virtual adapter: 0 sends
+     *               an address once, 1 sends one that is not acknowledged up to 16 times.
+     * @return the result code.
+     */
     uint16_t i2cSetParameters(uint8_t busIndex, uint32_t clockHz, uint8_t option);
 
     /**
-     * @brief Sets a bus's pull-up resistors; sends 0x0802.
-     * @param busIndex the I2C bus.
-     * @param setting the adapter's pull-up setting.
+     * @brief Sets the pull-up resistors of a bus; sends 0x0802.
+     * @param busIndex the I2C controller, 0 or 1.
+     * @param setting passed on unchanged; its meaning is the adapter's. The virtual adapter: 0 for
+     *                none, 1 for 10 kOhm, 2 for 4.7 kOhm, 3 for 2.2 kOhm.
+     * @return the result code.
      */
     uint16_t i2cSetPullUpResistors(uint8_t busIndex, uint8_t setting);
 
     /**
      * @brief Finds the targets of a bus; sends 0x0906.
-     * @param[out] addresses replaced by the list: the 7-bit addresses of one byte each, then the
-     *                       10-bit ones of two bytes each, as the adapter sent them; left as it was
-     *                       on #ResultCode_ShortResponse.
-     * @param[out] sevenBitCount the number of 7-bit addresses.
-     * @param[out] tenBitCount the number of 10-bit addresses.
-     * @param busIndex the I2C bus, 0 or 1.
-     * @param flag the adapter's flag byte.
-     * @return #ResultCode_InvalidArgument for another bus index or a null count pointer;
-     *         #ResultCode_ShortResponse when the response does not carry the list it announces (the
-     *         two counts are written).
+     *
+     * The two counts may go to one variable, which then holds the number of 10-bit addresses.
+     *
+     * @param[out] addresses replaced by the list whenever a response arrived that carries it, and
+     *                       left as it was on #ResultCode_ShortResponse: the 7-bit addresses of one
+     *                       byte each, unshifted, then the 10-bit ones of two bytes each, as the
+     *                       adapter sent them; at most 765 bytes.
+     * @param[out] sevenBitCount receives the number of 7-bit addresses whenever a response arrived.
+     *                           Null is refused.
+     * @param[out] tenBitCount receives the number of 10-bit addresses whenever a response arrived.
+     *                         Null is refused.
+     * @param busIndex the I2C controller, 0 or 1; another is refused.
+     * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true
+     *             looks for 10-bit addresses too.
+     * @return the result code. Also #ResultCode_ShortResponse, whatever the status, when the
+     *         response does not carry the list that its counts announce. Also
+     *         #ResultCode_InvalidArgument when an argument is refused, even when the link is not
+     *         connected.
      */
     uint16_t i2cScanBus(std::vector<uint8_t>& addresses, uint8_t* sevenBitCount,
                         uint8_t* tenBitCount, uint8_t busIndex, bool flag);
 
     /**
      * @brief Writes to a target; sends 0x0904.
-     * @param busIndex the I2C bus.
-     * @param targetAddress the 7-bit address, unshifted.
-     * @param registerAddress 0 to 4 bytes, most significant first.
-     * @param data at most 65535 bytes.
-     * @param flag the adapter's flag byte.
-     * @return #ResultCode_InvalidArgument for a longer register address.
+     * @param busIndex the I2C controller, 0 or 1.
+     * @param targetAddress the target's address, 7 bits, unshifted.
+     * @param registerAddress 0 to 4 bytes, most significant first; more are refused.
+     * @param data the bytes to write, at most 65535; the length field holds their number modulo
+     *             65536.
+     * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true
+     *             leaves the STOP out, so that the next transfer begins with a repeated START.
+     * @return the result code. Also #ResultCode_InvalidArgument when the register address is longer
+     *         than 4 bytes.
      */
     uint16_t i2cWrite(uint8_t busIndex, uint8_t targetAddress,
                       const std::vector<uint8_t>& registerAddress, const std::vector<uint8_t>& data,
@@ -265,13 +289,16 @@ public:
 
     /**
      * @brief Reads from a target; sends 0x0905.
-     * @param busIndex the I2C bus.
-     * @param targetAddress the 7-bit address, unshifted.
-     * @param registerAddress 0 to 4 bytes, most significant first.
+     * @param busIndex the I2C controller, 0 or 1.
+     * @param targetAddress the target's address, 7 bits, unshifted.
+     * @param registerAddress 0 to 4 bytes, most significant first; more are refused.
      * @param length the number of bytes to read.
-     * @param[out] data replaced by exactly @p length bytes.
-     * @param flag the adapter's flag byte.
-     * @return #ResultCode_InvalidArgument for a longer register address.
+     * @param[out] data replaced by exactly @p length bytes whenever a response arrived; those that
+     *                  the response does not carry are zero.
+     * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true
+     *             leaves the STOP out, so that the next transfer begins with a repeated START.
+     * @return the result code. Also #ResultCode_InvalidArgument when the register address is longer
+     *         than 4 bytes.
      */
     uint16_t i2cRead(uint8_t busIndex, uint8_t targetAddress,
                      const std::vector<uint8_t>& registerAddress, uint16_t length,
