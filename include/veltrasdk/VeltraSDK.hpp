@@ -309,33 +309,51 @@ public:
     /** @name SPI */
     /** @{ */
 
-    /** @brief Sets the I/O voltage; sends 0x0405. Arguments as i2cSetBusVoltage(). */
+    /**
+     * @brief Sets the I/O voltage of I2C, SPI, UART and GPIO; sends 0x0405.
+     * @param millivolts the voltage in mV.
+     * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true
+     *             switches the output on, false off.
+     * @return the result code.
+     */
     uint16_t spiSetBusVoltage(uint16_t millivolts, bool flag);
 
     /**
      * @brief Initialises the controller; sends 0x0D01.
-     * @param bitOrder the bit order.
-     * @param mode the clock polarity and phase.
-     * @param dataWidth the word width.
-     * @param chipSelect the chip-select line that transfers assert.
-     * @param polarity the level it is asserted with.
-     * @param clockHz the clock in Hz.
+     * @param bitOrder the bit order, passed on unchanged.
+     * @param mode the clock polarity and phase, passed on unchanged.
+     * @param dataWidth the word width, passed on unchanged.
+     * @param chipSelect the chip-select line that transfers assert, passed on unchanged.
+     * @param polarity the level that it is asserted with, passed on unchanged.
+     * @param clockHz the clock rate in Hz.
+     * @return the result code.
      */
     uint16_t spiControllerInit(SpiBitOrder bitOrder, SpiMode mode, SpiDataWidth dataWidth,
                                SpiChipSelect chipSelect, SpiChipSelectPolarity polarity,
                                uint32_t clockHz);
 
-    /** @brief Changes the controller's parameters; sends 0x0D02. As spiControllerInit(). */
+    /**
+     * @brief Changes the parameters of the initialised controller; sends 0x0D02.
+     * @param bitOrder the bit order, passed on unchanged.
+     * @param mode the clock polarity and phase, passed on unchanged.
+     * @param dataWidth the word width, passed on unchanged.
+     * @param chipSelect the chip-select line that transfers assert, passed on unchanged.
+     * @param polarity the level that it is asserted with, passed on unchanged.
+     * @param clockHz the clock rate in Hz.
+     * @return the result code.
+     */
     uint16_t spiSetParameters(SpiBitOrder bitOrder, SpiMode mode, SpiDataWidth dataWidth,
                               SpiChipSelect chipSelect, SpiChipSelectPolarity polarity,
                               uint32_t clockHz);
 
     /**
-     * @brief Runs a transfer; sends 0x0D04.
-     * @param send the bytes to send, at most 65535; not changed.
+     * @brief Runs a full-duplex transfer; sends 0x0D04.
+     * @param send the bytes to send, at most 65535; the length field holds their number modulo
+     *             65536. Not changed.
      * @param[out] received replaced by as many bytes as the response counts, which may be more or
-     *                      fewer than @p length.
+     *                      fewer than @p length and are at most 65535, whenever a response arrived.
      * @param length the requested length in bytes.
+     * @return the result code.
      */
     uint16_t spiTransfer(std::vector<uint8_t>& send, std::vector<uint8_t>& received,
                          uint16_t length);
@@ -348,27 +366,44 @@ public:
      */
     /** @{ */
 
-    /** @brief Sets the I/O voltage; sends 0x0405. Arguments as i2cSetBusVoltage(). */
+    /**
+     * @brief Sets the I/O voltage of I2C, SPI, UART and GPIO; sends 0x0405.
+     * @param millivolts the voltage in mV.
+     * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true
+     *             switches the output on, false off.
+     * @return the result code.
+     */
     uint16_t uartSetBusVoltage(uint16_t millivolts, bool flag);
 
     /**
      * @brief Initialises the UART; sends 0x1002.
-     * @param baudRate the line rate.
-     * @param handshake the hardware flow control.
-     * @param parity the parity bit.
-     * @param dataSize the number of data bits.
-     * @param stopBit the number of stop bits.
+     * @param baudRate the line rate, passed on unchanged.
+     * @param handshake the hardware flow control, passed on unchanged.
+     * @param parity the parity bit, passed on unchanged.
+     * @param dataSize the number of data bits, passed on unchanged.
+     * @param stopBit the number of stop bits, passed on unchanged.
+     * @return the result code.
      */
     uint16_t uartInit(UartBaudRate baudRate, UartHwHandshake handshake, UartParity parity,
                       UartDataSize dataSize, UartStopBit stopBit);
 
-    /** @brief Changes the line parameters; sends 0x1003. Arguments as uartInit(). */
+    /**
+     * @brief Changes the parameters of the initialised UART; sends 0x1003.
+     * @param baudRate the line rate, passed on unchanged.
+     * @param handshake the hardware flow control, passed on unchanged.
+     * @param parity the parity bit, passed on unchanged.
+     * @param dataSize the number of data bits, passed on unchanged.
+     * @param stopBit the number of stop bits, passed on unchanged.
+     * @return the result code.
+     */
     uint16_t uartSetParameters(UartBaudRate baudRate, UartHwHandshake handshake, UartParity parity,
                                UartDataSize dataSize, UartStopBit stopBit);
 
     /**
-     * @brief Sends bytes; sends 0x1005.
-     * @param message at most 65535 bytes, may be empty.
+     * @brief Sends bytes over the UART; sends 0x1005.
+     * @param message the bytes to send, at most 65535; the length field holds their number modulo
+     *                65536.
+     * @return the result code.
      */
     uint16_t uartSendMessage(const std::vector<uint8_t>& message);
 
@@ -380,32 +415,56 @@ public:
      */
     /** @{ */
 
-    /** @brief Sets the I/O voltage; sends 0x0405. Arguments as i2cSetBusVoltage(). */
+    /**
+     * @brief Sets the I/O voltage of I2C, SPI, UART and GPIO; sends 0x0405.
+     * @param millivolts the voltage in mV.
+     * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true
+     *             switches the output on, false off.
+     * @return the result code.
+     */
     uint16_t gpioSetVoltage(uint16_t millivolts, bool flag);
 
     /**
      * @brief Configures a pin; sends 0x1401.
-     * @param pin the pin.
-     * @param functionality what it is used for.
-     * @param level the initial level; sent for #GpioFunctionality_Output only.
+     * @param pin the pin, passed on unchanged.
+     * @param functionality what the pin is used for, passed on unchanged.
+     * @param level the initial level of an output, passed on unchanged; not sent for another
+     *              functionality than #GpioFunctionality_Output.
+     * @return the result code.
      */
     uint16_t gpioConfigurePin(GpioPinNumber pin, GpioFunctionality functionality,
                               GpioLogicLevel level);
 
-    /** @brief Drives a pin; sends 0x1402. */
+    /**
+     * @brief Drives a pin; sends 0x1402.
+     * @param pin the pin, passed on unchanged.
+     * @param level the level, passed on unchanged.
+     * @return the result code.
+     */
     uint16_t gpioDigitalWrite(GpioPinNumber pin, GpioLogicLevel level);
 
     /**
      * @brief Reads a pin; sends 0x1403.
-     * @param pin the pin.
-     * @param[out] level the pin's level.
+     * @param pin the pin, passed on unchanged.
+     * @param[out] level receives the pin's level whenever a response arrived, also a value that is
+     *                   no enumerator.
+     * @return the result code.
      */
     uint16_t gpioDigitalRead(GpioPinNumber pin, GpioLogicLevel& level);
 
-    /** @brief Arms a pin's interrupt; sends 0x1404. */
+    /**
+     * @brief Arms a pin's interrupt; sends 0x1404.
+     * @param pin the pin, passed on unchanged.
+     * @param trigger what makes the pin send an interrupt, passed on unchanged.
+     * @return the result code.
+     */
     uint16_t gpioConfigureInterrupt(GpioPinNumber pin, GpioTriggerType trigger);
 
-    /** @brief Disarms a pin's interrupt; sends 0x1405. */
+    /**
+     * @brief Disarms a pin's interrupt; sends 0x1405.
+     * @param pin the pin, passed on unchanged.
+     * @return the result code.
+     */
     uint16_t gpioDisableInterrupt(GpioPinNumber pin);
 
     /** @} */
