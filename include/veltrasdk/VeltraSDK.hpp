@@ -469,89 +469,168 @@ public:
 
     /** @} */
 
-    /** @name I3C bus */
+    /**
+     * @name I3C bus
+     * Targets that join the bus arrive as notifications of kind #NotificationKind_I3cHotJoin,
+     * in-band interrupts as notifications of kind #NotificationKind_I3cIbi.
+     */
     /** @{ */
 
     /**
      * @brief Sets the I3C bus voltage; sends 0x0404.
      * @param millivolts the voltage in mV.
+     * @return the result code.
      */
     uint16_t i3cSetBusVoltage(uint16_t millivolts);
 
     /**
      * @brief Initialises the controller; sends 0x1901.
-     * @param pushPullRate the SCL rate of push-pull phases.
-     * @param openDrainRate the SCL rate of open-drain phases.
-     * @param i2cRate the SCL rate of legacy I2C transfers.
-     * @param driveStrength the drive strength of the pins.
+     * @param pushPullRate the SCL rate of push-pull phases; its low byte is passed on unchanged.
+     * @param openDrainRate the SCL rate of open-drain phases; its low byte is passed on unchanged.
+     * @param i2cRate the SCL rate of legacy I2C transfers; its low byte is passed on unchanged.
+     * @param driveStrength the drive strength of the pins; its low byte is passed on unchanged.
+     * @return the result code.
      */
     uint16_t i3cControllerInit(I3cPushPullRate pushPullRate, I3cOpenDrainTransferRate openDrainRate,
                                I2cTransferRate i2cRate, I3cDriveStrength driveStrength);
 
-    /** @brief Changes the parameters; sends 0x1902. Arguments as i3cControllerInit(). */
+    /**
+     * @brief Changes the parameters of the initialised controller; sends 0x1902.
+     * @param pushPullRate the SCL rate of push-pull phases; its low byte is passed on unchanged.
+     * @param openDrainRate the SCL rate of open-drain phases; its low byte is passed on unchanged.
+     * @param i2cRate the SCL rate of legacy I2C transfers; its low byte is passed on unchanged.
+     * @param driveStrength the drive strength of the pins; its low byte is passed on unchanged.
+     * @return the result code.
+     */
     uint16_t i3cSetParameters(I3cPushPullRate pushPullRate, I3cOpenDrainTransferRate openDrainRate,
                               I2cTransferRate i2cRate, I3cDriveStrength driveStrength);
 
-    /** @brief Resets the bus; sends 0x1905. */
+    /**
+     * @brief Resets the bus; sends 0x1905.
+     * @return the result code.
+     */
     uint16_t i3cResetBus();
 
     /**
-     * @brief Hands the controller the targets that the bus is to hold; sends 0x1904.
-     * @param targets at most 255 records, sent as they are.
+     * @brief Initialises the bus with the targets that it is to hold; sends 0x1904.
+     * @param targets the records that the bus is to hold, sent as they are, at most 255; the number
+     *                sent is theirs modulo 256. The virtual adapter: an empty list finds every
+     *                target.
+     * @return the result code.
      */
     uint16_t i3cInitBus(std::vector<I3cTargetInfo> targets);
 
     /**
      * @brief Reads the controller's device table; sends 0x1906.
-     * @param[out] table replaced by the records of the response.
+     * @param[out] table replaced by as many records as the response counts, at most 255, whenever a
+     *                   response arrived.
+     * @return the result code.
      */
     uint16_t i3cGetDeviceTable(std::vector<I3cTargetInfo>& table);
 
     /**
      * @brief Changes how the controller treats one target; sends 0x1907.
-     * @param address the target's address, 7 bits.
-     * @param configuration the configuration.
+     * @param address the target's dynamic address or the legacy I2C device's static one, 7 bits,
+     *                unshifted.
+     * @param configuration how the controller treats the target, passed on unchanged.
+     * @return the result code.
      */
     uint16_t i3cSetTargetDeviceConfiguration(uint8_t address, I3cTargetConfiguration configuration);
 
     /** @} */
 
-    /**
-     * @name I3C private transfers
-     * All six send 0x1908. Addresses are 7 bits, unshifted; a sub-address has 0 to 4 bytes, sent in
-     * the order given, and a longer one is refused with #ResultCode_InvalidArgument. A write takes
-     * at most 65535 bytes. A read replaces @p data by as many bytes as the response counts, which
-     * may be more or fewer than @p length.
-     */
+    /** @name I3C private transfers and bus patterns */
     /** @{ */
 
-    /** @brief Writes in SDR mode. */
+    /**
+     * @brief Writes to a target in SDR mode; sends 0x1908.
+     * @param address the target's dynamic address, 7 bits, unshifted.
+     * @param subAddress 0 to 4 bytes, sent in the order given; more are refused.
+     * @param data the bytes to write, at most 65535; the length field holds their number modulo
+     *             65536.
+     * @param flags the options, values of #I3cTransferFlags; the low five bits are sent.
+     * @return the result code. Also #ResultCode_InvalidArgument when the sub-address is longer than
+     *         4 bytes.
+     */
     uint16_t i3cSdrWrite(uint8_t address, const std::vector<uint8_t>& subAddress,
                          const std::vector<uint8_t>& data, I3cTransferFlags flags);
 
-    /** @brief Reads in SDR mode. */
+    /**
+     * @brief Reads from a target in SDR mode; sends 0x1908.
+     * @param address the target's dynamic address, 7 bits, unshifted.
+     * @param subAddress 0 to 4 bytes, sent in the order given; more are refused.
+     * @param length the number of bytes to read.
+     * @param[out] data replaced by as many bytes as the response counts, which may be more or fewer
+     *                  than @p length and are at most 65535, whenever a response arrived.
+     * @param flags the options, values of #I3cTransferFlags; the low five bits are sent.
+     * @return the result code. Also #ResultCode_InvalidArgument when the sub-address is longer than
+     *         4 bytes.
+     */
     uint16_t i3cSdrRead(uint8_t address, const std::vector<uint8_t>& subAddress, uint16_t length,
                         std::vector<uint8_t>& data, I3cTransferFlags flags);
 
-    /** @brief Writes in HDR-DDR mode, with the 8-bit HDR command code @p hdrCommand. */
+    /**
+     * @brief Writes to a target in HDR-DDR mode; sends 0x1908.
+     * @param address the target's dynamic address, 7 bits, unshifted.
+     * @param hdrCommand the HDR command code, passed on unchanged.
+     * @param data the bytes to write, at most 65535; the length field holds their number modulo
+     *             65536.
+     * @return the result code.
+     */
     uint16_t i3cHdrDdrWrite(uint8_t address, uint8_t hdrCommand, const std::vector<uint8_t>& data);
 
-    /** @brief Reads in HDR-DDR mode, with the 8-bit HDR command code @p hdrCommand. */
+    /**
+     * @brief Reads from a target in HDR-DDR mode; sends 0x1908.
+     * @param address the target's dynamic address, 7 bits, unshifted.
+     * @param hdrCommand the HDR command code, passed on unchanged.
+     * @param length the number of bytes to read.
+     * @param[out] data replaced by as many bytes as the response counts, which may be more or fewer
+     *                  than @p length and are at most 65535, whenever a response arrived.
+     * @return the result code.
+     */
     uint16_t i3cHdrDdrRead(uint8_t address, uint8_t hdrCommand, uint16_t length,
                            std::vector<uint8_t>& data);
 
-    /** @brief Writes to a legacy I2C device on the I3C bus. */
+    /**
+     * @brief Writes to a legacy I2C device on the I3C bus; sends 0x1908.
+     * @param address the device's static address, 7 bits, unshifted.
+     * @param subAddress 0 to 4 bytes, sent in the order given; more are refused.
+     * @param data the bytes to write, at most 65535; the length field holds their number modulo
+     *             65536.
+     * @param flags the options, values of #I3cTransferFlags; the low five bits are sent.
+     * @return the result code. Also #ResultCode_InvalidArgument when the sub-address is longer than
+     *         4 bytes.
+     */
     uint16_t i3cLegacyI2cWrite(uint8_t address, const std::vector<uint8_t>& subAddress,
                                const std::vector<uint8_t>& data, I3cTransferFlags flags);
 
-    /** @brief Reads from a legacy I2C device on the I3C bus. */
+    /**
+     * @brief Reads from a legacy I2C device on the I3C bus; sends 0x1908.
+     * @param address the device's static address, 7 bits, unshifted.
+     * @param subAddress 0 to 4 bytes, sent in the order given; more are refused.
+     * @param length the number of bytes to read.
+     * @param[out] data replaced by as many bytes as the response counts, which may be more or fewer
+     *                  than @p length and are at most 65535, whenever a response arrived.
+     * @param flags the options, values of #I3cTransferFlags; the low five bits are sent.
+     * @return the result code. Also #ResultCode_InvalidArgument when the sub-address is longer than
+     *         4 bytes.
+     */
     uint16_t i3cLegacyI2cRead(uint8_t address, const std::vector<uint8_t>& subAddress,
                               uint16_t length, std::vector<uint8_t>& data, I3cTransferFlags flags);
 
-    /** @brief Drives the target reset pattern; sends 0x190A: 0. */
+    /**
+     * @brief Drives the target reset pattern; sends 0x190A: 0.
+     *
+     * Each target carries out the reset action that RSTACT has armed.
+     *
+     * @return the result code.
+     */
     uint16_t i3cTargetResetPattern();
 
-    /** @brief Drives the HDR exit pattern; sends 0x190A: 1. */
+    /**
+     * @brief Drives the HDR exit pattern; sends 0x190A: 1.
+     * @return the result code.
+     */
     uint16_t i3cHdrExitPattern();
 
     /** @} */
