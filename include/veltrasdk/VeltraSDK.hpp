@@ -635,104 +635,221 @@ public:
 
     /** @} */
 
-    /**
-     * @name I3C Common Command Codes: queries
-     * Each sends one direct read (0x1909) to a 7-bit dynamic address. Byte strings come in bus
-     * order, as many bytes as the response counts; 16-bit values are read most significant byte
-     * first at their fixed place, without regard to the count.
-     */
+    /** @name I3C Common Command Codes: queries */
     /** @{ */
 
-    /** @brief GETPID: replaces @p pid, 6 bytes from a conforming target. */
+    /**
+     * @brief Reads the provisioned identifier of one target: GETPID, a direct read; sends 0x1909.
+     * @param address the target's dynamic address, 7 bits, unshifted.
+     * @param[out] pid replaced by as many bytes as the response counts, at most 255, most
+     *                 significant first, whenever a response arrived; a conforming target returns
+     *                 6.
+     * @return the result code.
+     */
     uint16_t i3cCccGETPID(uint8_t address, std::vector<uint8_t>& pid);
 
-    /** @brief GETBCR. */
+    /**
+     * @brief Reads the bus characteristics register of one target: GETBCR, a direct read; sends
+     * 0x1909.
+     * @param address the target's dynamic address, 7 bits, unshifted.
+     * @param[out] bcr receives the register whenever a response arrived, whatever number of bytes
+     *                 it counts.
+     * @return the result code.
+     */
     uint16_t i3cCccGETBCR(uint8_t address, uint8_t& bcr);
 
-    /** @brief GETDCR. */
+    /**
+     * @brief Reads the device characteristics register of one target: GETDCR, a direct read; sends
+     * 0x1909.
+     * @param address the target's dynamic address, 7 bits, unshifted.
+     * @param[out] dcr receives the register whenever a response arrived, whatever number of bytes
+     *                 it counts.
+     * @return the result code.
+     */
     uint16_t i3cCccGETDCR(uint8_t address, uint8_t& dcr);
 
-    /** @brief GETMWL: the maximum write length in bytes. */
+    /**
+     * @brief Reads the maximum write length of one target: GETMWL, a direct read; sends 0x1909.
+     * @param address the target's dynamic address, 7 bits, unshifted.
+     * @param[out] mwl receives the maximum write length in bytes whenever a response arrived,
+     *                 whatever number of bytes it counts.
+     * @return the result code.
+     */
     uint16_t i3cCccGETMWL(uint8_t address, uint16_t& mwl);
 
     /**
-     * @brief GETMRL: the maximum read length in bytes.
-     * @param address the target.
-     * @param[out] mrl the maximum read length.
-     * @param[out] ibiPayloadSize the maximum in-band interrupt payload size; present only when the
-     *                            response counts exactly 3 bytes.
+     * @brief Reads the maximum read length of one target: GETMRL, a direct read; sends 0x1909.
+     * @param address the target's dynamic address, 7 bits, unshifted.
+     * @param[out] mrl receives the maximum read length in bytes whenever a response arrived,
+     *                 whatever number of bytes it counts.
+     * @param[out] ibiPayloadSize receives the maximum size of an in-band interrupt's payload in
+     *                            bytes when the response counts exactly 3 bytes; emptied when it
+     *                            counts another number.
+     * @return the result code.
      */
     uint16_t i3cCccGETMRL(uint8_t address, uint16_t& mrl, std::optional<uint8_t>& ibiPayloadSize);
 
-    /** @brief GETCAPS, with a defining byte when one is given: replaces @p capabilities. */
+    /**
+     * @brief Reads the optional feature capabilities of one target: GETCAPS, a direct read; sends
+     * 0x1909.
+     * @param address the target's dynamic address, 7 bits, unshifted.
+     * @param[out] capabilities replaced by as many bytes as the response counts, at most 255, in
+     *                          bus order, whenever a response arrived; 4 are asked for.
+     * @param definingByte the defining byte; empty sends the form without one, which differs from a
+     *                     defining byte of 0.
+     * @return the result code.
+     */
     uint16_t i3cCccGETCAPS(uint8_t address, std::vector<uint8_t>& capabilities,
                            std::optional<uint8_t> definingByte);
 
-    /** @brief GETSTATUS, with a defining byte when one is given: replaces @p status. */
+    /**
+     * @brief Reads the status of one target: GETSTATUS, a direct read; sends 0x1909.
+     * @param address the target's dynamic address, 7 bits, unshifted.
+     * @param[out] status replaced by as many bytes as the response counts, at most 255, in bus
+     *                    order, whenever a response arrived; 2 are asked for.
+     * @param definingByte the defining byte; empty sends the form without one, which differs from a
+     *                     defining byte of 0.
+     * @return the result code.
+     */
     uint16_t i3cCccGETSTATUS(uint8_t address, std::vector<uint8_t>& status,
                              std::optional<uint8_t> definingByte);
 
     /** @} */
 
-    /**
-     * @name I3C Common Command Codes: settings and broadcasts
-     * Each sends one transfer (0x1909), a write unless it says otherwise, direct to a 7-bit address
-     * or broadcast to all targets.
-     */
+    /** @name I3C Common Command Codes: settings and broadcasts */
     /** @{ */
 
-    /** @brief SETMWL, direct: the maximum write length in bytes. */
+    /**
+     * @brief Sets the maximum write length of one target: SETMWL, a direct write; sends 0x1909.
+     * @param address the target's dynamic address, 7 bits, unshifted.
+     * @param mwl the maximum write length in bytes.
+     * @return the result code.
+     */
     uint16_t i3cCccSETMWLDirect(uint8_t address, uint16_t mwl);
 
-    /** @brief SETMWL, broadcast. */
+    /**
+     * @brief Sets the maximum write length of all targets: SETMWL, a broadcast; sends 0x1909.
+     * @param mwl the maximum write length in bytes.
+     * @return the result code.
+     */
     uint16_t i3cCccSETMWLBroadcast(uint16_t mwl);
 
-    /** @brief SETMRL, direct: the maximum read length and, when given, the IBI payload size. */
+    /**
+     * @brief Sets the maximum read length of one target: SETMRL, a direct write; sends 0x1909.
+     * @param address the target's dynamic address, 7 bits, unshifted.
+     * @param mrl the maximum read length in bytes.
+     * @param ibiPayloadSize the maximum size of an in-band interrupt's payload in bytes; empty
+     *                       sends none.
+     * @return the result code.
+     */
     uint16_t i3cCccSETMRLDirect(uint8_t address, uint16_t mrl,
                                 std::optional<uint8_t> ibiPayloadSize);
 
-    /** @brief SETMRL, broadcast. */
+    /**
+     * @brief Sets the maximum read length of all targets: SETMRL, a broadcast; sends 0x1909.
+     * @param mrl the maximum read length in bytes.
+     * @param ibiPayloadSize the maximum size of an in-band interrupt's payload in bytes; empty
+     *                       sends none.
+     * @return the result code.
+     */
     uint16_t i3cCccSETMRLBroadcast(uint16_t mrl, std::optional<uint8_t> ibiPayloadSize);
 
-    /** @brief SETNEWDA: gives the target another dynamic address. */
+    /**
+     * @brief Gives one target another dynamic address: SETNEWDA, a direct write; sends 0x1909.
+     * @param currentAddress the target's present dynamic address, 7 bits, unshifted.
+     * @param newAddress the target's new dynamic address, 7 bits, unshifted; bit 7 is dropped.
+     * @return the result code.
+     */
     uint16_t i3cCccSETNEWDA(uint8_t currentAddress, uint8_t newAddress);
 
-    /** @brief SETDASA: gives the target with this static address a dynamic address. */
+    /**
+     * @brief Gives the target with a given static address a dynamic one: SETDASA, a direct write;
+     * sends 0x1909.
+     * @param staticAddress the target's static address, 7 bits, unshifted.
+     * @param dynamicAddress the target's new dynamic address, 7 bits, unshifted; bit 7 is dropped.
+     * @return the result code.
+     */
     uint16_t i3cCccSETDASA(uint8_t staticAddress, uint8_t dynamicAddress);
 
-    /** @brief SETAASA: every target takes its static address; the list is sent as it is. */
+    /**
+     * @brief Makes targets take their static address as dynamic address: SETAASA, a broadcast;
+     * sends 0x1909.
+     * @param staticAddresses the targets' static addresses, 7 bits, unshifted; may be empty. The
+     *                        length field holds their number modulo 256. Passed on unchanged; their
+     *                        meaning is the adapter's, since the code carries none on the bus. The
+     *                        virtual adapter: an empty list reaches all targets, any other those
+     *                        that it names.
+     * @return the result code.
+     */
     uint16_t i3cCccSETAASA(const std::vector<uint8_t>& staticAddresses);
 
-    /** @brief ENEC, direct: enables the events whose bits are set. */
+    /**
+     * @brief Enables events of one target: ENEC, a direct write; sends 0x1909.
+     * @param address the target's dynamic address, 7 bits, unshifted.
+     * @param events the events whose bits are set: 0x01 in-band interrupts, 0x02 requests of the
+     *               controller role, 0x08 hot-join; passed on unchanged.
+     * @return the result code.
+     */
     uint16_t i3cCccENECDirect(uint8_t address, uint8_t events);
 
-    /** @brief ENEC, broadcast. */
+    /**
+     * @brief Enables events of all targets: ENEC, a broadcast; sends 0x1909.
+     * @param events the events whose bits are set: 0x01 in-band interrupts, 0x02 requests of the
+     *               controller role, 0x08 hot-join; passed on unchanged.
+     * @return the result code.
+     */
     uint16_t i3cCccENECBroadcast(uint8_t events);
 
-    /** @brief DISEC, direct: disables the events whose bits are set. */
+    /**
+     * @brief Disables events of one target: DISEC, a direct write; sends 0x1909.
+     * @param address the target's dynamic address, 7 bits, unshifted.
+     * @param events the events whose bits are set: 0x01 in-band interrupts, 0x02 requests of the
+     *               controller role, 0x08 hot-join; passed on unchanged.
+     * @return the result code.
+     */
     uint16_t i3cCccDISECDirect(uint8_t address, uint8_t events);
 
-    /** @brief DISEC, broadcast. */
+    /**
+     * @brief Disables events of all targets: DISEC, a broadcast; sends 0x1909.
+     * @param events the events whose bits are set: 0x01 in-band interrupts, 0x02 requests of the
+     *               controller role, 0x08 hot-join; passed on unchanged.
+     * @return the result code.
+     */
     uint16_t i3cCccDISECBroadcast(uint8_t events);
 
     /**
-     * @brief RSTACT, direct: a write arms a reset action, a read asks for the byte that the
-     * defining byte selects.
-     * @param address the target.
-     * @param definingByte the reset action; its low byte is sent.
-     * @param direction write or read.
-     * @param[out] reply the byte of a read; may be null.
+     * @brief Arms or queries the reset action of one target: RSTACT, a direct write or read; sends
+     * 0x1909.
+     * @param address the target's dynamic address, 7 bits, unshifted.
+     * @param definingByte of a write the reset action, of a read what is asked for; its low byte is
+     *                     passed on unchanged.
+     * @param direction #I3cTransferDirection_Write arms the action, #I3cTransferDirection_Read asks
+     *                  for one byte. Another value is not refused: it is sent and stores nothing.
+     * @param[out] reply receives the byte of a read whenever a response arrived, whatever number of
+     *                   bytes it counts; left as it was in any other direction. May be null.
+     * @return the result code.
      */
     uint16_t i3cCccRSTACTDirect(uint8_t address, I3cTargetResetDefByte definingByte,
                                 I3cTransferDirection direction, uint8_t* reply);
 
-    /** @brief RSTACT, broadcast. */
+    /**
+     * @brief Arms the reset action of all targets: RSTACT, a broadcast; sends 0x1909.
+     * @param definingByte the reset action; its low byte is passed on unchanged.
+     * @return the result code.
+     */
     uint16_t i3cCccRSTACTBroadcast(I3cTargetResetDefByte definingByte);
 
-    /** @brief RSTDAA: every target forgets its dynamic address. */
+    /**
+     * @brief Takes the dynamic addresses of all targets away: RSTDAA, a broadcast; sends 0x1909.
+     * @return the result code.
+     */
     uint16_t i3cCccRSTDAA();
 
-    /** @brief ENTDAA: the controller assigns dynamic addresses. */
+    /**
+     * @brief Assigns dynamic addresses to all targets without one: ENTDAA, a broadcast; sends
+     * 0x1909.
+     * @return the result code.
+     */
     uint16_t i3cCccENTDAA();
 
     /** @} */
