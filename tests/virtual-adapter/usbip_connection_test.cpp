@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+using namespace std::chrono_literals;
 using namespace virtual_adapter;
 
 namespace {
@@ -136,6 +137,26 @@ TEST_F(UsbIpConnectionTest, BootModeEndsTheConnection) {
     ASSERT_EQ(replies.size(), 96U);
     EXPECT_EQ(Bytes(replies.begin() + 48, replies.end()),
               usbIpReturnSubmit(2, {2, UsbStatus::Unplugged, 0, {}}));
+    EXPECT_TRUE(host.connection.isOver());
+}
+
+TEST_F(UsbIpConnectionTest, BootModeThatHadToWaitEndsTheConnectionToo) {
+    port.settings.fault = {FaultKind::LateResponse, 40ms};
+    Host host(port);
+    ASSERT_TRUE(host.import());
+    host.say(submit(1, 0, 0, 0, selectConfiguration));
+    for (uint8_t sequence : {uint8_t{2}, uint8_t{3}}) {
+        host.write(sequence, askForString3);
+        host.say(submit(4, 1, 1, 64));
+    }
+    // The late response holds the others back until the adapter takes no more.
+    while (!host.write(5, askForString3).empty()) {
+    }
+    EXPECT_TRUE(host.write(6, enterBootMode).empty());
+    EXPECT_TRUE(host.say(submit(7, 1, 1, 64)).empty());
+    EXPECT_TRUE(host.say(submit(8, 1, 1, 64)).empty());
+    EXPECT_FALSE(host.connection.isOver());
+    host.connection.serve(start + 40ms);
     EXPECT_TRUE(host.connection.isOver());
 }
 

@@ -34,20 +34,19 @@ void UsbIpConnection::plugIn() {
 
 void UsbIpConnection::receive(const uint8_t* data, size_t size, Time now) {
     reader.append(data, size);
-    while (!over && !isPluggedIn()) {
+    while (!isOver() && !isPluggedIn()) {
         const std::optional<UsbIpRequest> request = reader.nextRequest();
         if (!request) {
             break;
         }
         std::visit([this](const auto& asked) { answer(asked); }, *request);
     }
-    while (!over && isPluggedIn()) {
+    while (!isOver() && isPluggedIn()) {
         std::optional<UsbIpCommand> command = reader.nextCommand();
         if (!command) {
             break;
         }
         std::visit([&](auto& asked) { carryOut(std::move(asked), now); }, *command);
-        over = over || !device->isOnBus();
     }
     over = over || reader.isMalformed();
 }
@@ -62,8 +61,12 @@ std::optional<UsbIpConnection::Time> UsbIpConnection::nextDue() const {
     return isPluggedIn() ? device->nextDue() : std::nullopt;
 }
 
+bool UsbIpConnection::isOver() const {
+    return over || (isPluggedIn() && !device->isOnBus());
+}
+
 bool UsbIpConnection::wantsInput() const {
-    return !over && outgoing.size() < mostUnsentBytes;
+    return !isOver() && outgoing.size() < mostUnsentBytes;
 }
 
 void UsbIpConnection::answer(const UsbIpListRequest& /*request*/) {

@@ -50,7 +50,7 @@ public:
 
     /// Whether the connection is to be closed once the output is sent: it has served its purpose,
     /// the host has broken the protocol, or the adapter has left the bus.
-    [[nodiscard]] bool isOver() const { return over; }
+    [[nodiscard]] bool isOver() const;
 
 private:
     void answer(const UsbIpListRequest& request);
@@ -64,6 +64,7 @@ private:
     Bytes outgoing;
     std::unique_ptr<UsbDevice> device;
     size_t pendingCommands = 0;
+    /// For another reason than that the adapter has left the bus.
     bool over = false;
 };
 
