@@ -171,6 +171,8 @@ TEST(FaultInjector, EveryCountIsMadeTooLong) {
     const std::vector<std::pair<Frame, Frame>> cases{
         // Identity string
         {{3, 0, 0x07, 0x04, 0, 0, 0x02, 'x'}, {3, 0, 0x07, 0x04, 0, 0, 0xFF, 'x'}},
+        // I2C read
+        {{3, 0, 0x05, 0x09, 0, 0, 0, 1, 0, 0xAA}, {3, 0, 0x05, 0x09, 0, 0, 0, 0xFF, 0xFF, 0xAA}},
         // I2C scan: two counts
         {{3, 0, 0x06, 0x09, 0, 0, 0, 1, 0, 0x50}, {3, 0, 0x06, 0x09, 0, 0, 0, 0xFF, 0xFF, 0x50}},
         // SPI transfer

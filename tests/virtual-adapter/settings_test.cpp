@@ -106,6 +106,12 @@ TEST(AdapterSettings, ASerialNumberFitsAUsbString) {
     EXPECT_EQ(refusalOf("--serial", triples), refusal);
 }
 
+TEST(AdapterSettings, ASerialNumberMayHoldEveryCharacter) {
+    for (const char* const text : {"\x01", "\xEF\xBF\xBD", "\xEF\xBF\xBF", "\xF4\x8F\xBF\xBF"}) {
+        EXPECT_EQ(refusalOf("--serial", text), "accepted") << text;
+    }
+}
+
 TEST(AdapterSettings, ASerialNumberIsUtf8) {
     for (const char* const text :
          {"\xFF", "x\xC3", "\xC0\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80"}) {

@@ -1,5 +1,7 @@
 #include "Bench.hpp"
 
+#include <algorithm>
+
 using virtual_adapter::Bench;
 using virtual_adapter::Frame;
 
@@ -34,6 +36,12 @@ class HighSpeedUartModel : public UartModel {
 protected:
     HighSpeedUartModel() : UartModel(virtual_adapter::highSpeedModel) {}
 };
+
+TEST_F(UartModel, TheLongestMessageComesBackIn1214Notifications) {
+    const std::vector<size_t> sizes = frameSizes(65535);
+    EXPECT_EQ(sizes.size(), 1U + 1214U);
+    EXPECT_LE(*std::max_element(sizes.begin(), sizes.end()), 62U) << "each is one report";
+}
 
 TEST(UartModelSetUp, EveryCommandIsRefusedWithoutTheIoVoltage) {
     Bench bench;

@@ -13,9 +13,6 @@ namespace {
 
 constexpr unsigned longestFaultDelay = 3'600'000;
 
-/// What stands for bytes that are not UTF-8.
-constexpr char32_t replacementCharacter = 0xFFFD;
-
 // A USB string descriptor has room for 126 UTF-16 units, the adapter's own identity strings for
 // 254 bytes.
 constexpr size_t longestUsbString = 126;
@@ -49,16 +46,14 @@ std::string writeModel(const AdapterSettings& settings) {
     return settings.identity.model.name;
 }
 
-/// Whether USB and the adapter's own identity strings have room for it.
+/// Whether it is text that USB and the adapter's own identity strings have room for.
 bool isSerialNumber(const std::string& text) {
     size_t units = 0;
     for (const char32_t character : charactersOfUtf8(text)) {
-        if (character == replacementCharacter) {
-            return false;
-        }
         units += utf16UnitsOf(character).size();
     }
-    return units >= 1 && units <= longestUsbString && text.size() <= longestIdentityString;
+    return isUtf8(text) && units >= 1 && units <= longestUsbString &&
+           text.size() <= longestIdentityString;
 }
 
 void readSerialNumber(AdapterSettings& settings, const std::string& text) {

@@ -35,8 +35,9 @@ struct CountField {
     size_t size;
 };
 
-constexpr std::array<CountField, 8> countFields{{
+constexpr std::array<CountField, 9> countFields{{
     {CommandCode::GetUsbString, 6, 1},
+    {CommandCode::I2cRead, 7, 2},
     {CommandCode::I2cScanBus, 7, 2},
     {CommandCode::SpiTransfer, 6, 2},
     {CommandCode::I3cGetDeviceTable, 6, 1},

@@ -9,8 +9,8 @@ namespace {
 
 constexpr uint8_t endpointNumberMask = 0x0F;
 
-/// With more answers than these unread, the adapter takes no request. The longest answer has 1057
-/// reports.
+/// With more answers than these unread, the adapter takes no request. The longest answer has 1,215
+/// reports: a UART message of 65,535 bytes that comes back at full speed.
 constexpr size_t mostUnreadReports = 4096;
 
 bool erase(std::deque<UsbTransfer>& transfers, uint64_t id) {

@@ -1,6 +1,7 @@
 #include "device/Utf16.hpp"
 
 #include <cstddef>
+#include <optional>
 
 namespace virtual_adapter {
 
@@ -36,25 +37,40 @@ bool isSurrogate(char32_t character) {
     return character >= 0xD800 && character <= 0xDFFF;
 }
 
+/// Takes the first character off @p text, or its first byte and nothing when no well-formed
+/// sequence starts there.
+std::optional<char32_t> takeCharacter(std::string_view& text) {
+    const Sequence sequence = sequenceStartedBy(static_cast<unsigned char>(text.front()));
+    char32_t character = sequence.leadBits;
+    bool wellFormed = sequence.length != 0 && sequence.length <= text.size();
+    for (size_t i = 1; wellFormed && i < sequence.length; ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        wellFormed = (byte & 0xC0U) == 0x80;
+        character = character << 6U | (byte & 0x3FU);
+    }
+    wellFormed = wellFormed && character >= sequence.smallest && character <= lastCharacter &&
+                 !isSurrogate(character);
+    text.remove_prefix(wellFormed ? sequence.length : 1);
+    return wellFormed ? std::optional(character) : std::nullopt;
+}
+
 } // namespace
 
 std::u32string charactersOfUtf8(std::string_view text) {
     std::u32string characters;
     while (!text.empty()) {
-        const Sequence sequence = sequenceStartedBy(static_cast<unsigned char>(text.front()));
-        char32_t character = sequence.leadBits;
-        bool wellFormed = sequence.length != 0 && sequence.length <= text.size();
-        for (size_t i = 1; wellFormed && i < sequence.length; ++i) {
-            const auto byte = static_cast<unsigned char>(text[i]);
-            wellFormed = (byte & 0xC0U) == 0x80;
-            character = character << 6U | (byte & 0x3FU);
-        }
-        wellFormed = wellFormed && character >= sequence.smallest && character <= lastCharacter &&
-                     !isSurrogate(character);
-        characters.push_back(wellFormed ? character : replacementCharacter);
-        text.remove_prefix(wellFormed ? sequence.length : 1);
+        characters.push_back(takeCharacter(text).value_or(replacementCharacter));
     }
     return characters;
+}
+
+bool isUtf8(std::string_view text) {
+    while (!text.empty()) {
+        if (!takeCharacter(text)) {
+            return false;
+        }
+    }
+    return true;
 }
 
 std::u16string utf16UnitsOf(char32_t character) {

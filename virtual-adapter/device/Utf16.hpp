@@ -9,6 +9,8 @@ namespace virtual_adapter {
 /// U+FFFD.
 std::u32string charactersOfUtf8(std::string_view text);
 
+bool isUtf8(std::string_view text);
+
 /// One unit, or a surrogate pair for a character beyond U+FFFF.
 std::u16string utf16UnitsOf(char32_t character);
 
