@@ -36,8 +36,10 @@ void attach(const AdapterSettings& settings) {
     // Flushed, because whoever plugs in waits for this line.
     std::cout << "Plugged the " << settings.identity.model.name << " adapter "
               << settings.serialNumber << " into vhci port " << port << std::endl;
-    server.run(stop);
-    controller.pullOut(port);
+    // When the kernel has let go by itself, the port may be another device's already.
+    if (server.run(stop) == UsbIpServer::End::Stopped) {
+        controller.pullOut(port);
+    }
 }
 
 } // namespace

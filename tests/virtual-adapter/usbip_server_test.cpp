@@ -106,7 +106,16 @@ TEST(UsbIpServer, WithoutAListenerItEndsWithItsLastHost) {
     server.plugInto(FileDescriptor(ends[0]));
     const FileDescriptor stop(eventfd(0, EFD_CLOEXEC));
     FileDescriptor(ends[1]).reset();
-    server.run(stop);
+    EXPECT_EQ(server.run(stop), UsbIpServer::End::NothingLeft);
+}
+
+TEST(UsbIpServer, AStopEndsItWithItsHostStillThere) {
+    std::array<int, 2> ends{};
+    ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, ends.data()), 0);
+    const FileDescriptor host(ends[1]);
+    UsbIpServer server{AdapterSettings{}};
+    server.plugInto(FileDescriptor(ends[0]));
+    EXPECT_EQ(server.run(FileDescriptor(eventfd(1, EFD_CLOEXEC))), UsbIpServer::End::Stopped);
 }
 
 TEST(ListeningSocket, AnAddressMustBeNumeric) {

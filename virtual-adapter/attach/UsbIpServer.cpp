@@ -51,9 +51,11 @@ void UsbIpServer::plugInto(FileDescriptor socket) {
     hosts.emplace_back(std::move(socket), port).connection.plugIn();
 }
 
-void UsbIpServer::run(const FileDescriptor& stop) {
-    while ((listener.isOpen() || !hosts.empty()) && serveOnce(stop)) {
+UsbIpServer::End UsbIpServer::run(const FileDescriptor& stop) {
+    const auto hasWork = [this] { return listener.isOpen() || !hosts.empty(); };
+    while (hasWork() && serveOnce(stop)) {
     }
+    return hasWork() ? End::Stopped : End::NothingLeft;
 }
 
 bool UsbIpServer::serveOnce(const FileDescriptor& stop) {

@@ -22,8 +22,10 @@ public:
     /// Plugs the adapter into the host at the other end of @p socket.
     void plugInto(FileDescriptor socket);
 
+    enum class End { Stopped, NothingLeft };
+
     /// Returns when @p stop becomes readable, or nothing is left to serve.
-    void run(const FileDescriptor& stop);
+    End run(const FileDescriptor& stop);
 
 private:
     using Time = UsbIpConnection::Time;
