@@ -27,6 +27,8 @@ protected:
         });
     }
 
+    void configure() { EXPECT_EQ(handle({0x00, 0x09, 1, 0, 0, 0, 0, 0}), accepted); }
+
     UsbControl control{fullSpeed, "VA-1"};
     std::vector<Bytes> reports;
     bool takesReports = true;
@@ -88,7 +90,7 @@ TEST_F(UsbControlTest, OnlyTheOneConfigurationCanBeSelected) {
 TEST_F(UsbControlTest, TheInterfaceHasOneSettingOnceItIsConfigured) {
     EXPECT_EQ(handle({0x81, 0x0A, 0, 0, 0, 0, 1, 0}), stall);
     EXPECT_EQ(handle({0x01, 0x0B, 0, 0, 0, 0, 0, 0}), stall);
-    handle({0x00, 0x09, 1, 0, 0, 0, 0, 0});
+    configure();
     EXPECT_EQ(handle({0x81, 0x0A, 0, 0, 0, 0, 1, 0}), Reply(Bytes{0}));
     EXPECT_EQ(handle({0x01, 0x0B, 0, 0, 0, 0, 0, 0}), accepted);
     EXPECT_EQ(handle({0x01, 0x0B, 1, 0, 0, 0, 0, 0}), stall) << "another setting";
@@ -96,6 +98,7 @@ TEST_F(UsbControlTest, TheInterfaceHasOneSettingOnceItIsConfigured) {
 }
 
 TEST_F(UsbControlTest, AnEndpointIsHaltedUntilTheHaltIsCleared) {
+    configure();
     EXPECT_EQ(handle({0x02, 0x03, 0, 0, 0x81, 0, 0, 0}), accepted);
     EXPECT_TRUE(control.isHalted(0x81));
     EXPECT_FALSE(control.isHalted(0x01));
@@ -106,12 +109,15 @@ TEST_F(UsbControlTest, AnEndpointIsHaltedUntilTheHaltIsCleared) {
 }
 
 TEST_F(UsbControlTest, SelectingTheConfigurationClearsEveryHalt) {
+    configure();
     handle({0x02, 0x03, 0, 0, 0x01, 0, 0, 0});
-    handle({0x00, 0x09, 1, 0, 0, 0, 0, 0});
+    EXPECT_TRUE(control.isHalted(0x01));
+    configure();
     EXPECT_FALSE(control.isHalted(0x01));
 }
 
 TEST_F(UsbControlTest, AnEndpointOrFeatureThatDoesNotExistStalls) {
+    configure();
     EXPECT_EQ(handle({0x02, 0x03, 0, 0, 0x82, 0, 0, 0}), stall);
     EXPECT_EQ(handle({0x02, 0x03, 0, 0, 0x81, 0x01, 0, 0}), stall);
     EXPECT_EQ(handle({0x02, 0x03, 1, 0, 0x81, 0, 0, 0}), stall);
@@ -119,18 +125,63 @@ TEST_F(UsbControlTest, AnEndpointOrFeatureThatDoesNotExistStalls) {
     EXPECT_EQ(handle({0x82, 0x00, 0, 0, 0x00, 0, 2, 0}), Reply(Bytes{0, 0})) << "control endpoint";
 }
 
+TEST_F(UsbControlTest, BeforeTheConfigurationThereIsOnlyTheControlEndpoint) {
+    EXPECT_EQ(handle({0x82, 0x00, 0, 0, 0x81, 0, 2, 0}), stall);
+    EXPECT_EQ(handle({0x02, 0x03, 0, 0, 0x81, 0, 0, 0}), stall);
+    EXPECT_EQ(handle({0x02, 0x01, 0, 0, 0x81, 0, 0, 0}), stall);
+    EXPECT_FALSE(control.isHalted(0x81));
+    EXPECT_EQ(handle({0x82, 0x00, 0, 0, 0x00, 0, 2, 0}), Reply(Bytes{0, 0}));
+}
+
+/// Every request to the interface but those for its descriptors, with interface @p number.
+std::vector<SetupBytes> requestsToInterface(uint8_t number) {
+    return {
+        {0x81, 0x00, 0, 0, number, 0, 2, 0},    // GET_STATUS
+        {0x81, 0x0A, 0, 0, number, 0, 1, 0},    // GET_INTERFACE
+        {0x01, 0x0B, 0, 0, number, 0, 0, 0},    // SET_INTERFACE
+        {0xA1, 0x01, 0, 1, number, 0, 0x40, 0}, // GET_REPORT
+        {0xA1, 0x02, 0, 0, number, 0, 1, 0},    // GET_IDLE
+        {0x21, 0x09, 0, 2, number, 0, 0, 0},    // SET_REPORT
+        {0x21, 0x0A, 0, 4, number, 0, 0, 0},    // SET_IDLE
+    };
+}
+
+TEST_F(UsbControlTest, TheInterfaceTakesRequestsOnceItIsConfigured) {
+    for (const SetupBytes& request : requestsToInterface(0)) {
+        EXPECT_EQ(handle(request), stall) << testing::PrintToString(request);
+    }
+    EXPECT_TRUE(reports.empty());
+    configure();
+    EXPECT_EQ(handle({0xA1, 0x02, 0, 0, 0, 0, 1, 0}), Reply(Bytes{0})) << "the idle rate is kept";
+    for (const SetupBytes& request : requestsToInterface(0)) {
+        EXPECT_NE(handle(request), stall) << testing::PrintToString(request);
+    }
+}
+
+TEST_F(UsbControlTest, AnInterfaceThatDoesNotExistStalls) {
+    configure();
+    for (const SetupBytes& request : requestsToInterface(1)) {
+        EXPECT_EQ(handle(request), stall) << testing::PrintToString(request);
+    }
+    EXPECT_TRUE(reports.empty());
+    EXPECT_EQ(handle({0xA1, 0x02, 0, 0, 0, 0, 1, 0}), Reply(Bytes{0})) << "the idle rate is kept";
+}
+
 TEST_F(UsbControlTest, ThereIsNothingToReportOfDeviceAndInterface) {
+    configure();
     EXPECT_EQ(handle({0x80, 0x00, 0, 0, 0, 0, 2, 0}), Reply(Bytes{0, 0}));
     EXPECT_EQ(handle({0x81, 0x00, 0, 0, 0, 0, 2, 0}), Reply(Bytes{0, 0}));
     EXPECT_EQ(handle({0x00, 0x05, 7, 0, 0, 0, 0, 0}), accepted) << "SET_ADDRESS";
 }
 
 TEST_F(UsbControlTest, TheIdleRateIsKept) {
+    configure();
     EXPECT_EQ(handle({0x21, 0x0A, 0, 0x7D, 0, 0, 0, 0}), accepted);
     EXPECT_EQ(handle({0xA1, 0x02, 0, 0, 0, 0, 1, 0}), Reply(Bytes{0x7D}));
 }
 
 TEST_F(UsbControlTest, AnOutputReportMayComeOverTheControlEndpoint) {
+    configure();
     EXPECT_EQ(handle({0x21, 0x09, 0, 2, 0, 0, 3, 0}, {1, 2, 3}), accepted);
     EXPECT_EQ(reports, (std::vector<Bytes>{{1, 2, 3}}));
     takesReports = false;
@@ -140,11 +191,13 @@ TEST_F(UsbControlTest, AnOutputReportMayComeOverTheControlEndpoint) {
 }
 
 TEST_F(UsbControlTest, AskedForAnInputReportTheDeviceSendsAnEmptyPacket) {
+    configure();
     EXPECT_EQ(handle({0xA1, 0x01, 0, 1, 0, 0, 0x40, 0}), Reply(Bytes(64)));
     EXPECT_EQ(handle({0xA1, 0x01, 0, 3, 0, 0, 0x40, 0}), stall) << "feature report";
 }
 
 TEST_F(UsbControlTest, AnUnknownRequestStalls) {
+    configure();
     EXPECT_EQ(handle({0xC0, 0x01, 0, 0, 0, 0, 0, 0}), stall) << "vendor request";
     EXPECT_EQ(handle({0x21, 0x0B, 0, 0, 0, 0, 0, 0}), stall) << "SET_PROTOCOL without a boot "
                                                                 "interface";

@@ -143,6 +143,38 @@ TEST_F(UsbDeviceTest, AHaltedEndpointStalls) {
                                     {4, UsbStatus::Completed}}));
 }
 
+TEST_F(UsbDeviceTest, HaltingAnEndpointEndsWhatIsPendingThere) {
+    device.acceptOutput(false, start);
+    read(1);
+    write(2, askForString3);
+    control(3, {0x02, 0x03, 0, 0, 0x81, 0, 0, 0});
+    EXPECT_EQ(outcomes(), (Outcomes{{3, UsbStatus::Completed}, {1, UsbStatus::Stalled}}));
+    results.clear();
+    control(4, {0x02, 0x03, 0, 0, 0x01, 0, 0, 0});
+    EXPECT_EQ(outcomes(), (Outcomes{{4, UsbStatus::Completed}, {2, UsbStatus::Stalled}}));
+}
+
+TEST_F(UsbDeviceTest, LeavingTheConfigurationEndsWhatIsPending) {
+    device.acceptOutput(false, start);
+    read(1);
+    write(2, askForString3);
+    control(3, {0x00, 0x09, 0, 0, 0, 0, 0, 0});
+    EXPECT_EQ(
+        outcomes(),
+        (Outcomes{{3, UsbStatus::Completed}, {1, UsbStatus::Stalled}, {2, UsbStatus::Stalled}}));
+    device.acceptOutput(true, start);
+    EXPECT_EQ(results.size(), 3U);
+}
+
+TEST_F(UsbDeviceTest, SelectingTheConfigurationAgainLeavesPendingTransfersAlone) {
+    read(1);
+    control(2, {0x00, 0x09, 1, 0, 0, 0, 0, 0});
+    write(3, askForString3);
+    EXPECT_EQ(outcomes(), (Outcomes{{2, UsbStatus::Completed},
+                                    {3, UsbStatus::Completed},
+                                    {1, UsbStatus::Completed}}));
+}
+
 TEST_F(UsbDeviceTest, OutputWaitsWhileItIsNotAccepted) {
     device.acceptOutput(false, start);
     write(1, askForString3);

@@ -27,6 +27,10 @@ enum class Request : uint16_t {
     HidSetIdle = 0x210A,
 };
 
+constexpr uint8_t recipientMask = 0x1F;
+constexpr uint8_t toInterface = 1;
+constexpr uint8_t toEndpoint = 2;
+constexpr uint16_t controlEndpoint = 0;
 constexpr uint16_t endpointHaltFeature = 0;
 constexpr uint8_t inputReportType = 1;
 constexpr uint8_t outputReportType = 2;
@@ -40,6 +44,10 @@ uint8_t highByte(uint16_t value) {
 
 uint8_t lowByte(uint16_t value) {
     return static_cast<uint8_t>(value & 0xFFU);
+}
+
+Request requestOf(const SetupPacket& setup) {
+    return static_cast<Request>(setup.requestType << 8U | setup.request);
 }
 
 std::optional<Bytes> existing(const Bytes& descriptor) {
@@ -74,7 +82,10 @@ bool UsbControl::isHalted(uint8_t endpointAddress) const {
 
 UsbControl::Reply UsbControl::reply(const SetupPacket& setup, const Bytes& hostData,
                                     const OutputReport& outputReport) {
-    switch (static_cast<Request>(setup.requestType << 8U | setup.request)) {
+    if (!hasRecipient(setup)) {
+        return stall;
+    }
+    switch (requestOf(setup)) {
     case Request::GetDeviceStatus:    // neither self-powered nor waking its host,
     case Request::GetInterfaceStatus: // and nothing is defined for an interface
         return Bytes{0, 0};
@@ -95,10 +106,9 @@ UsbControl::Reply UsbControl::reply(const SetupPacket& setup, const Bytes& hostD
     case Request::SetConfiguration:
         return setConfiguration(setup);
     case Request::GetInterface:
-        return isConfigured() && setup.index == onlyInterface ? Reply(Bytes{0}) : stall;
+        return Bytes{0};
     case Request::SetInterface:
-        return isConfigured() && setup.index == onlyInterface && setup.value == 0 ? accepted
-                                                                                  : stall;
+        return setup.value == 0 ? accepted : stall;
     case Request::HidGetReport:
         return getReport(setup);
     case Request::HidGetIdle:
@@ -111,6 +121,21 @@ UsbControl::Reply UsbControl::reply(const SetupPacket& setup, const Bytes& hostD
         return accepted;
     }
     return stall;
+}
+
+bool UsbControl::hasRecipient(const SetupPacket& setup) const {
+    switch (setup.requestType & recipientMask) {
+    case toInterface: {
+        // Descriptors may be read in every state (USB 2.0, section 9.4.3).
+        const bool isThere = isConfigured() || requestOf(setup) == Request::GetInterfaceDescriptor;
+        return isThere && setup.index == onlyInterface;
+    }
+    case toEndpoint:
+        return setup.index == controlEndpoint ||
+               (isConfigured() && isInterruptEndpoint(setup.index));
+    default:
+        return true;
+    }
 }
 
 UsbControl::Reply UsbControl::getDescriptor(const SetupPacket& setup) const {
@@ -132,9 +157,6 @@ UsbControl::Reply UsbControl::getDescriptor(const SetupPacket& setup) const {
 }
 
 UsbControl::Reply UsbControl::getInterfaceDescriptor(const SetupPacket& setup) const {
-    if (setup.index != onlyInterface) {
-        return stall;
-    }
     switch (highByte(setup.value)) {
     case hidDescriptorType:
         return hidDescriptor(identity);
@@ -156,14 +178,11 @@ UsbControl::Reply UsbControl::setConfiguration(const SetupPacket& setup) {
 }
 
 UsbControl::Reply UsbControl::getEndpointStatus(const SetupPacket& setup) const {
-    if (setup.index != 0 && !isInterruptEndpoint(setup.index)) {
-        return stall;
-    }
     return Bytes{static_cast<uint8_t>(isHalted(lowByte(setup.index)) ? 1 : 0), 0};
 }
 
 UsbControl::Reply UsbControl::setEndpointHalt(const SetupPacket& setup, bool halt) {
-    if (setup.value != endpointHaltFeature || !isInterruptEndpoint(setup.index)) {
+    if (setup.value != endpointHaltFeature || setup.index == controlEndpoint) {
         return stall;
     }
     if (halt) {

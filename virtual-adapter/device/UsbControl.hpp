@@ -45,6 +45,8 @@ private:
     using Reply = std::optional<Bytes>;
 
     Reply reply(const SetupPacket& setup, const Bytes& hostData, const OutputReport& outputReport);
+    /// Whether what the request is for exists, in the present configuration.
+    [[nodiscard]] bool hasRecipient(const SetupPacket& setup) const;
     [[nodiscard]] Reply getDescriptor(const SetupPacket& setup) const;
     [[nodiscard]] Reply getInterfaceDescriptor(const SetupPacket& setup) const;
     Reply setConfiguration(const SetupPacket& setup);

@@ -35,6 +35,7 @@ void UsbDevice::submit(UsbTransfer transfer, Time now) {
         end(transfer, UsbStatus::Unplugged);
     } else if ((transfer.endpointAddress & endpointNumberMask) == 0) {
         submitControl(transfer, now);
+        stallUnusableEndpoints();
     } else if (!isUsable(transfer.endpointAddress)) {
         end(transfer, UsbStatus::Stalled);
     } else if (transfer.endpointAddress == inEndpointAddress) {
@@ -70,12 +71,8 @@ void UsbDevice::acceptOutput(bool accept, Time now) {
 
 void UsbDevice::unplug() {
     unplugged = true;
-    for (std::deque<UsbTransfer>* pending : {&pendingInput, &pendingOutput}) {
-        for (const UsbTransfer& transfer : *pending) {
-            end(transfer, UsbStatus::Unplugged);
-        }
-        pending->clear();
-    }
+    endAll(pendingInput, UsbStatus::Unplugged);
+    endAll(pendingOutput, UsbStatus::Unplugged);
 }
 
 void UsbDevice::submitControl(const UsbTransfer& transfer, Time now) {
@@ -90,6 +87,15 @@ void UsbDevice::submitControl(const UsbTransfer& transfer, Time now) {
     reply->resize(std::min(reply->size(), transfer.length));
     const size_t length = transfer.setup.isDeviceToHost() ? reply->size() : transfer.data.size();
     end(transfer, UsbStatus::Completed, length, std::move(*reply));
+}
+
+void UsbDevice::stallUnusableEndpoints() {
+    if (!isUsable(inEndpointAddress)) {
+        endAll(pendingInput, UsbStatus::Stalled);
+    }
+    if (!isUsable(outEndpointAddress)) {
+        endAll(pendingOutput, UsbStatus::Stalled);
+    }
 }
 
 bool UsbDevice::serveOneOutput(Time now) {
@@ -129,6 +135,13 @@ bool UsbDevice::hasRoomForAnswers() const {
 bool UsbDevice::isUsable(uint8_t endpointAddress) const {
     return control.isConfigured() && !control.isHalted(endpointAddress) &&
            (endpointAddress == inEndpointAddress || endpointAddress == outEndpointAddress);
+}
+
+void UsbDevice::endAll(std::deque<UsbTransfer>& transfers, UsbStatus status) {
+    for (const UsbTransfer& transfer : transfers) {
+        end(transfer, status);
+    }
+    transfers.clear();
 }
 
 void UsbDevice::end(const UsbTransfer& transfer, UsbStatus status, size_t actualLength,

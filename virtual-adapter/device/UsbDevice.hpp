@@ -79,10 +79,13 @@ public:
 
 private:
     void submitControl(const UsbTransfer& transfer, Time now);
+    /// A request may have halted an endpoint, or taken both away.
+    void stallUnusableEndpoints();
     bool serveOneInput(Time now);
     bool serveOneOutput(Time now);
     [[nodiscard]] bool hasRoomForAnswers() const;
     [[nodiscard]] bool isUsable(uint8_t endpointAddress) const;
+    void endAll(std::deque<UsbTransfer>& transfers, UsbStatus status);
     void end(const UsbTransfer& transfer, UsbStatus status, size_t actualLength = 0,
              Bytes data = {});
 
