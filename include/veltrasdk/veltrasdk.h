@@ -17,18 +17,22 @@
  *   where a function says otherwise;
  * - those that its description adds.
  *
- * A null handle is told first, then an argument that is refused, and only then a link that is not
- * connected.
+ * When several reasons apply, the first of these is told: a null handle, an argument that is
+ * refused, a link that is not connected.
  *
  * @par Arguments
  * "Refused" means #ResultCode_InvalidArgument. Arguments are sent as given, known to the adapter or
  * not, unless their description says that they are refused. Input buffers are copied during the
- * call. A pointer that must not be null is not checked.
+ * call; nothing of them is kept. A pointer that must not be null is not checked.
  *
  * @par Outputs
  * Output buffers belong to the caller. Bytes that a response announces but does not carry read as
  * 0. A buffer without a capacity argument must hold what the function says; the library does not
  * know its size.
+ *
+ * @par Time-outs
+ * The time-out holds for each request, from the moment at which it was written. Writing has a limit
+ * of its own: hidapi gives each report 1 s at most, whatever the time-out.
  *
  * @par Late responses
  * The next response is taken as the answer of the call that waits, whatever request it answers. A
@@ -47,8 +51,9 @@
  * process, since hidapi's own calls are not safe against each other.
  *
  * @par Exceptions
- * The functions catch nothing: what is thrown beneath them (an allocation failure, say) reaches
- * the caller, and ends a C program.
+ * The functions catch nothing: what is thrown beneath them (std::bad_alloc, say) reaches the
+ * caller, and ends a C program. A C++ program can use or destroy the handle afterwards. What leaves
+ * a notification callback ends the process.
  */
 #ifndef VELTRASDK_VELTRASDK_H
 #define VELTRASDK_VELTRASDK_H
@@ -73,7 +78,7 @@ extern "C" {
 typedef struct VeltraSDK_Handle VeltraSDK_Handle;
 
 /**
- * The adapter's five identity strings.
+ * The adapter's five identity strings: bytes as it returned them, at most 254 each.
  *
  * Each string is a copy with a terminating NUL behind its bytes, allocated by the library with
  * `new char[]`. All five belong to the caller after each successful VeltraSDK_GetDeviceInfo(); the
@@ -111,8 +116,8 @@ typedef void (*VeltraSDK_NotificationCallback)(const Notification* notification)
 
 /**
  * @brief Creates a handle that is not connected, and initialises hidapi.
- * @param timeoutMs how long a call waits for its response, in ms. -1 waits without limit; 0 and
- *                  every other negative value do not wait.
+ * @param timeoutMs how long a call waits for its response, in ms. -1 waits without limit, also when
+ *                  the request could not be written; 0 and every other negative value do not wait.
  * @return the handle, never null; the caller releases it with VeltraSDK_Destroy().
  *
  * @warning Connect one handle at a time: destroying any handle shuts hidapi down for the whole
@@ -123,7 +128,8 @@ VELTRASDK_API VeltraSDK_Handle* VeltraSDK_Create(int32_t timeoutMs);
 /**
  * @brief Closes the link, releases the handle and shuts hidapi down, whatever other handles exist.
  *
- * Sends nothing. No callback runs after the return.
+ * Sends nothing. A running callback is waited for, so it must not destroy the handle; none runs
+ * after the return.
  *
  * @param handle the handle; null does nothing.
  *
@@ -140,10 +146,15 @@ VELTRASDK_API const char* VeltraSDK_GetVersion(void);
 
 /**
  * @brief Opens the link to the adapter with a HID device path.
+ *
+ * On an open link nothing is searched and it stays as it is. An adapter that was unplugged leaves
+ * its link open, and calls return #ResultCode_NoResponse: call VeltraSDK_Disconnect() before
+ * connecting again.
+ *
  * @param handle the handle.
  * @param path the HID device path, matched exactly; null or empty selects the first known adapter.
- * @return whether the link is open; false for a null handle. On an open link nothing is searched
- *         and it stays as it is.
+ * @return whether the link is open; false for a null handle, and when no such adapter is there or
+ *         it cannot be opened.
  * @throws std::system_error when the polling thread cannot be started; nothing is left open.
  */
 VELTRASDK_API bool VeltraSDK_Connect(VeltraSDK_Handle* handle, const char* path);
@@ -151,14 +162,16 @@ VELTRASDK_API bool VeltraSDK_Connect(VeltraSDK_Handle* handle, const char* path)
 /**
  * @brief Opens the link to the adapter with a serial number.
  *
- * Without write permission on the adapter's device node its serial number cannot be read, and the
- * adapter is not found.
+ * On an open link nothing is searched and it stays as it is. An adapter that was unplugged leaves
+ * its link open, and calls return #ResultCode_NoResponse: call VeltraSDK_Disconnect() before
+ * connecting again. Without write permission on the adapter's device node its serial number cannot
+ * be read, and the adapter is not found.
  *
  * @param handle the handle.
  * @param serialNumber the USB serial number in UTF-8, matched exactly; empty selects the first
  *                     known adapter.
- * @return whether the link is open; false for a null handle. On an open link nothing is searched
- *         and it stays as it is.
+ * @return whether the link is open; false for a null handle, and when no such adapter is there or
+ *         it cannot be opened.
  * @throws std::system_error when the polling thread cannot be started; nothing is left open.
  * @throws std::range_error when a serial number met in the search, of any HID device, cannot be
  *         converted, which a C program cannot catch.
@@ -169,35 +182,38 @@ VELTRASDK_API bool VeltraSDK_ConnectWithSerialNumber(VeltraSDK_Handle* handle,
                                                      const char* serialNumber);
 
 /**
- * @brief Closes the link, within about 100 ms plus a running callback's time.
+ * @brief Closes the link, within about 100 ms plus a running callback's time; sends nothing.
  *
- * No callback runs after the return. A closed link stays as it is. The handle can be connected
- * again, also to another adapter.
+ * No callback runs after the return. The callback stays installed and serves the next connection,
+ * which may be to another adapter. On a closed link nothing happens.
  *
  * @param handle the handle; null does nothing.
  */
 VELTRASDK_API void VeltraSDK_Disconnect(VeltraSDK_Handle* handle);
 
 /**
- * @brief Reads the adapter's five identity strings; sends 0x0407 five times.
+ * @brief Reads the adapter's five identity strings, one request each; sends 0x0407 five times.
  *
- * Each of the five requests waits for its response with the time-out of the handle.
+ * It ends with the first string that cannot be read. Each of the five requests has the whole
+ * time-out.
  *
  * @param handle the handle.
  * @param[out] info receives the strings, which then belong to the caller: see VeltraSDK_DeviceInfo
  *                  for how to release them. Written only when the result is 0. Must not be null.
- * @return the result code; the status of the responses is not looked at. Also
- *         #ResultCode_UnexpectedResponse when a response answers another request.
+ * @return the result code, 0 for responses of any status. Also #ResultCode_UnexpectedResponse when
+ *         a response answers another request.
  */
 VELTRASDK_API int16_t VeltraSDK_GetDeviceInfo(VeltraSDK_Handle* handle, VeltraSDK_DeviceInfo* info);
 
 /**
  * @brief Sends the adapter into its boot mode and closes the link; sends 0x0402.
  *
- * No response is waited for. Closing takes as long as VeltraSDK_Disconnect().
+ * No response is awaited. The link is closed as by VeltraSDK_Disconnect(), and the handle can
+ * connect again.
  *
  * @param handle the handle.
- * @return the result code: 0 when the command was handed to the link, which is closed then.
+ * @return 0 when the command was handed to the link, whether or not it could be written;
+ *         #ResultCode_NotConnected when the handle is null or not connected.
  */
 VELTRASDK_API int16_t VeltraSDK_EnterBootMode(VeltraSDK_Handle* handle);
 
@@ -217,7 +233,8 @@ VELTRASDK_API int16_t VeltraSDK_EnterBootMode(VeltraSDK_Handle* handle);
  * (30 ms at full speed, 4 ms at high speed) before reports are lost.
  *
  * @param handle the handle; must not be null.
- * @param callback the callback; null silences notifications.
+ * @param callback receives each notification on the polling thread, those of kind
+ *                 #NotificationKind_Unknown included; null silences notifications.
  */
 VELTRASDK_API void VeltraSDK_onNotification(VeltraSDK_Handle* handle,
                                             VeltraSDK_NotificationCallback callback);
@@ -271,10 +288,9 @@ VELTRASDK_API bool VeltraSDK_notificationAsUartRx(const Notification* notificati
 /** @{ */
 
 /**
- * @brief Sets the I/O voltage; sends 0x0405.
+ * @brief Sets the I/O voltage of I2C, SPI, UART and GPIO; sends 0x0405.
  *
- * The voltage of I2C, SPI, UART and GPIO is one setting, and each of the four functions that set it
- * sends this request.
+ * The voltage is one setting, and each of the four functions that set it sends this request.
  *
  * @param handle the handle.
  * @param millivolts the voltage in mV.
@@ -298,7 +314,7 @@ VELTRASDK_API int16_t VeltraSDK_I2cControllerInit(VeltraSDK_Handle* handle, uint
                                                   uint32_t clockHz, uint8_t option);
 
 /**
- * @brief Changes a controller's parameters; sends 0x0902.
+ * @brief Changes the parameters of an initialised controller; sends 0x0902.
  * @param handle the handle.
  * @param busIndex the I2C controller, 0 or 1.
  * @param clockHz the clock rate in Hz.
@@ -310,7 +326,7 @@ VELTRASDK_API int16_t VeltraSDK_I2cSetParameters(VeltraSDK_Handle* handle, uint8
                                                  uint32_t clockHz, uint8_t option);
 
 /**
- * @brief Sets a bus's pull-up resistors; sends 0x0802.
+ * @brief Sets the pull-up resistors of a bus; sends 0x0802.
  * @param handle the handle.
  * @param busIndex the I2C controller, 0 or 1.
  * @param setting passed on unchanged; its meaning is the adapter's. The virtual adapter: 0 for
@@ -322,22 +338,24 @@ VELTRASDK_API int16_t VeltraSDK_I2cSetPullUpResistors(VeltraSDK_Handle* handle, 
 
 /**
  * @brief Finds the targets of a bus; sends 0x0906.
+ *
+ * The two counts may go to one variable, which then holds the number of 10-bit addresses.
+ *
  * @param handle the handle.
- * @param[out] addresses receives the list: the 7-bit addresses of one byte each, then the 10-bit
- *                       ones of two bytes each, as the adapter sent them; written only when the
- *                       result is 0. Null is refused.
+ * @param[out] addresses receives the list: the 7-bit addresses of one byte each, unshifted, then
+ *                       the 10-bit ones of two bytes each, as the adapter sent them; written only
+ *                       when the result is 0. Null is refused.
  * @param size the bytes that @p addresses holds; a longer list is refused after the scan, with
  *             nothing copied.
  * @param[out] sevenBitCount receives the number of 7-bit addresses; written whenever a response
  *                           arrived. Null is refused.
  * @param[out] tenBitCount receives the number of 10-bit addresses; written whenever a response
- *                         arrived. Null is refused. May be the same variable as @p sevenBitCount,
- *                         and is written last.
+ *                         arrived. Null is refused.
  * @param busIndex the I2C controller, 0 or 1; another is refused.
  * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true looks
  *             for 10-bit addresses too.
- * @return the result code. Also #ResultCode_ShortResponse when the response does not carry the list
- *         that it announces, whatever its status.
+ * @return the result code. Also #ResultCode_ShortResponse, whatever the status, when the response
+ *         does not carry the list that its counts announce.
  */
 VELTRASDK_API int16_t VeltraSDK_I2cScanBus(VeltraSDK_Handle* handle, uint8_t* addresses,
                                            uint8_t size, uint8_t* sevenBitCount,
@@ -372,8 +390,8 @@ VELTRASDK_API int16_t VeltraSDK_I2cWrite(VeltraSDK_Handle* handle, uint8_t busIn
  *                        length is refused.
  * @param registerAddressLength the bytes of it, 0 to 4; more are refused.
  * @param length the number of bytes to read.
- * @param[out] data receives exactly @p length bytes, those that the response does not carry as 0;
- *                  written only when the result is 0. Null is refused, also for length 0.
+ * @param[out] data receives exactly @p length bytes, those that the response does not carry as
+ *                  zero; written only when the result is 0. Null is refused, also for length 0.
  * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true leaves
  *             the STOP out, so that the next transfer begins with a repeated START.
  * @return the result code.
@@ -389,10 +407,9 @@ VELTRASDK_API int16_t VeltraSDK_I2cRead(VeltraSDK_Handle* handle, uint8_t busInd
 /** @{ */
 
 /**
- * @brief Sets the I/O voltage; sends 0x0405.
+ * @brief Sets the I/O voltage of I2C, SPI, UART and GPIO; sends 0x0405.
  *
- * The voltage of I2C, SPI, UART and GPIO is one setting, and each of the four functions that set it
- * sends this request.
+ * The voltage is one setting, and each of the four functions that set it sends this request.
  *
  * @param handle the handle.
  * @param millivolts the voltage in mV.
@@ -420,7 +437,7 @@ VELTRASDK_API int16_t VeltraSDK_SpiControllerInit(VeltraSDK_Handle* handle, SpiB
                                                   SpiChipSelectPolarity polarity, uint32_t clockHz);
 
 /**
- * @brief Changes the controller's parameters; sends 0x0D02.
+ * @brief Changes the parameters of the initialised controller; sends 0x0D02.
  * @param handle the handle.
  * @param bitOrder the bit order, passed on unchanged.
  * @param mode the clock polarity and phase, passed on unchanged.
@@ -436,7 +453,7 @@ VELTRASDK_API int16_t VeltraSDK_SpiSetParameters(VeltraSDK_Handle* handle, SpiBi
                                                  SpiChipSelectPolarity polarity, uint32_t clockHz);
 
 /**
- * @brief Runs a transfer; sends 0x0D04.
+ * @brief Runs a full-duplex transfer; sends 0x0D04.
  * @param handle the handle.
  * @param send the bytes to send; null sends none.
  * @param sendLength the bytes of it, 0 to 65535; not used when @p send is null.
@@ -456,10 +473,9 @@ VELTRASDK_API int16_t VeltraSDK_SpiTransfer(VeltraSDK_Handle* handle, const uint
 /** @{ */
 
 /**
- * @brief Sets the I/O voltage; sends 0x0405.
+ * @brief Sets the I/O voltage of I2C, SPI, UART and GPIO; sends 0x0405.
  *
- * The voltage of I2C, SPI, UART and GPIO is one setting, and each of the four functions that set it
- * sends this request.
+ * The voltage is one setting, and each of the four functions that set it sends this request.
  *
  * @param handle the handle.
  * @param millivolts the voltage in mV.
@@ -488,7 +504,7 @@ VELTRASDK_API int16_t VeltraSDK_UartInit(VeltraSDK_Handle* handle, UartBaudRate 
                                          UartDataSize dataSize, UartStopBit stopBit);
 
 /**
- * @brief Changes the UART's parameters; sends 0x1003.
+ * @brief Changes the parameters of the initialised UART; sends 0x1003.
  *
  * Received bytes arrive as notifications of kind #NotificationKind_UartRx.
  *
@@ -505,7 +521,7 @@ VELTRASDK_API int16_t VeltraSDK_UartSetParameters(VeltraSDK_Handle* handle, Uart
                                                   UartDataSize dataSize, UartStopBit stopBit);
 
 /**
- * @brief Sends bytes over the line; sends 0x1005.
+ * @brief Sends bytes over the UART; sends 0x1005.
  * @param handle the handle.
  * @param message the bytes to send; must not be null unless @p length is 0.
  * @param length the bytes of it, 0 to 65535.
@@ -520,10 +536,9 @@ VELTRASDK_API int16_t VeltraSDK_UartSendMessage(VeltraSDK_Handle* handle, const 
 /** @{ */
 
 /**
- * @brief Sets the I/O voltage; sends 0x0405.
+ * @brief Sets the I/O voltage of I2C, SPI, UART and GPIO; sends 0x0405.
  *
- * The voltage of I2C, SPI, UART and GPIO is one setting, and each of the four functions that set it
- * sends this request.
+ * The voltage is one setting, and each of the four functions that set it sends this request.
  *
  * @param handle the handle.
  * @param millivolts the voltage in mV.
@@ -541,7 +556,7 @@ VELTRASDK_API int16_t VeltraSDK_GpioSetVoltage(VeltraSDK_Handle* handle, uint16_
  * @param functionality what the pin is used for, passed on unchanged.
  * @param hasLevel whether @p level is used; an output starts low without it.
  * @param level the initial level of an output, passed on unchanged; not sent for another
- *              functionality.
+ *              functionality than #GpioFunctionality_Output.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_GpioConfigurePin(VeltraSDK_Handle* handle, GpioPinNumber pin,
@@ -562,8 +577,8 @@ VELTRASDK_API int16_t VeltraSDK_GpioDigitalWrite(VeltraSDK_Handle* handle, GpioP
  * @brief Reads a pin; sends 0x1403.
  * @param handle the handle.
  * @param pin the pin, passed on unchanged.
- * @param[out] level receives the pin's level, the byte that the adapter sent; written whenever a
- *                   response arrived. Must not be null.
+ * @param[out] level receives the pin's level, also a value that is no enumerator; written whenever
+ *                   a response arrived. Must not be null.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_GpioDigitalRead(VeltraSDK_Handle* handle, GpioPinNumber pin,
@@ -606,10 +621,10 @@ VELTRASDK_API int16_t VeltraSDK_I3cSetBusVoltage(VeltraSDK_Handle* handle, uint1
 /**
  * @brief Initialises the controller; sends 0x1901.
  * @param handle the handle.
- * @param pushPullRate the SCL rate of push-pull phases; its low byte is sent.
- * @param openDrainRate the SCL rate of open-drain phases; its low byte is sent.
- * @param i2cRate the SCL rate of legacy I2C transfers; its low byte is sent.
- * @param driveStrength the drive strength of the pins; its low byte is sent.
+ * @param pushPullRate the SCL rate of push-pull phases; its low byte is passed on unchanged.
+ * @param openDrainRate the SCL rate of open-drain phases; its low byte is passed on unchanged.
+ * @param i2cRate the SCL rate of legacy I2C transfers; its low byte is passed on unchanged.
+ * @param driveStrength the drive strength of the pins; its low byte is passed on unchanged.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cControllerInit(VeltraSDK_Handle* handle,
@@ -619,12 +634,12 @@ VELTRASDK_API int16_t VeltraSDK_I3cControllerInit(VeltraSDK_Handle* handle,
                                                   I3cDriveStrength driveStrength);
 
 /**
- * @brief Changes the controller's parameters; sends 0x1902.
+ * @brief Changes the parameters of the initialised controller; sends 0x1902.
  * @param handle the handle.
- * @param pushPullRate the SCL rate of push-pull phases; its low byte is sent.
- * @param openDrainRate the SCL rate of open-drain phases; its low byte is sent.
- * @param i2cRate the SCL rate of legacy I2C transfers; its low byte is sent.
- * @param driveStrength the drive strength of the pins; its low byte is sent.
+ * @param pushPullRate the SCL rate of push-pull phases; its low byte is passed on unchanged.
+ * @param openDrainRate the SCL rate of open-drain phases; its low byte is passed on unchanged.
+ * @param i2cRate the SCL rate of legacy I2C transfers; its low byte is passed on unchanged.
+ * @param driveStrength the drive strength of the pins; its low byte is passed on unchanged.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cSetParameters(VeltraSDK_Handle* handle,
@@ -641,7 +656,11 @@ VELTRASDK_API int16_t VeltraSDK_I3cSetParameters(VeltraSDK_Handle* handle,
 VELTRASDK_API int16_t VeltraSDK_I3cResetBus(VeltraSDK_Handle* handle);
 
 /**
- * @brief Hands the controller the targets that the bus is to hold; sends 0x1904.
+ * @brief Initialises the bus with the targets that it is to hold; sends 0x1904.
+ *
+ * Targets that join the bus arrive as notifications of kind #NotificationKind_I3cHotJoin, in-band
+ * interrupts as notifications of kind #NotificationKind_I3cIbi.
+ *
  * @param handle the handle.
  * @param targets the records, sent as they are; must not be null unless @p count is 0.
  * @param count the number of records, 0 to 255. The virtual adapter: with none it finds every
@@ -790,14 +809,17 @@ VELTRASDK_API int16_t VeltraSDK_I3cLegacyI2CRead(VeltraSDK_Handle* handle, uint8
                                                  I3cTransferFlags flags);
 
 /**
- * @brief Drives the target reset pattern; sends 0x190A.
+ * @brief Drives the target reset pattern; sends 0x190A: 0.
+ *
+ * Each target carries out the reset action that RSTACT has armed.
+ *
  * @param handle the handle.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cTargetResetPattern(VeltraSDK_Handle* handle);
 
 /**
- * @brief Drives the HDR exit pattern; sends 0x190A.
+ * @brief Drives the HDR exit pattern; sends 0x190A: 1.
  * @param handle the handle.
  * @return the result code.
  */
@@ -815,7 +837,7 @@ VELTRASDK_API int16_t VeltraSDK_I3cHdrExitPattern(VeltraSDK_Handle* handle);
  * @param[out] pid receives as many bytes as the response counts, at most 255: give it that room
  *                 unless the adapter is trusted to return no more than was asked for; written only
  *                 when the result is 0. Null is refused. Most significant byte first; 6 bytes are
- *                 asked for.
+ *                 asked for, and a conforming target returns as many.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cCccGETPID(VeltraSDK_Handle* handle, uint8_t address,
@@ -825,7 +847,8 @@ VELTRASDK_API int16_t VeltraSDK_I3cCccGETPID(VeltraSDK_Handle* handle, uint8_t a
  * @brief Reads the bus characteristics register of one target: GETBCR, a direct read; sends 0x1909.
  * @param handle the handle.
  * @param address the target's dynamic address, 7 bits, unshifted.
- * @param[out] bcr receives the register; written whenever a response arrived. Null is refused.
+ * @param[out] bcr receives the register, whatever number of bytes the response counts; written
+ *                 whenever a response arrived. Null is refused.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cCccGETBCR(VeltraSDK_Handle* handle, uint8_t address,
@@ -836,7 +859,8 @@ VELTRASDK_API int16_t VeltraSDK_I3cCccGETBCR(VeltraSDK_Handle* handle, uint8_t a
  * 0x1909.
  * @param handle the handle.
  * @param address the target's dynamic address, 7 bits, unshifted.
- * @param[out] dcr receives the register; written whenever a response arrived. Null is refused.
+ * @param[out] dcr receives the register, whatever number of bytes the response counts; written
+ *                 whenever a response arrived. Null is refused.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cCccGETDCR(VeltraSDK_Handle* handle, uint8_t address,
@@ -846,8 +870,8 @@ VELTRASDK_API int16_t VeltraSDK_I3cCccGETDCR(VeltraSDK_Handle* handle, uint8_t a
  * @brief Reads the maximum write length of one target: GETMWL, a direct read; sends 0x1909.
  * @param handle the handle.
  * @param address the target's dynamic address, 7 bits, unshifted.
- * @param[out] mwl receives the maximum write length in bytes; written whenever a response arrived.
- *                 Null is refused.
+ * @param[out] mwl receives the maximum write length in bytes, whatever number of bytes the response
+ *                 counts; written whenever a response arrived. Null is refused.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cCccGETMWL(VeltraSDK_Handle* handle, uint8_t address,
@@ -857,8 +881,8 @@ VELTRASDK_API int16_t VeltraSDK_I3cCccGETMWL(VeltraSDK_Handle* handle, uint8_t a
  * @brief Reads the maximum read length of one target: GETMRL, a direct read; sends 0x1909.
  * @param handle the handle.
  * @param address the target's dynamic address, 7 bits, unshifted.
- * @param[out] mrl receives the maximum read length in bytes; written whenever a response arrived.
- *                 Null is refused.
+ * @param[out] mrl receives the maximum read length in bytes, whatever number of bytes the response
+ *                 counts; written whenever a response arrived. Null is refused.
  * @param[out] ibiPayloadSize receives the maximum size of an in-band interrupt's payload in bytes;
  *                            written only when a response arrived that counts exactly 3 bytes. May
  *                            be null.
@@ -885,7 +909,7 @@ VELTRASDK_API int16_t VeltraSDK_I3cCccGETMRL(VeltraSDK_Handle* handle, uint8_t a
  *                   refused.
  * @param hasDefiningByte whether @p definingByte is sent.
  * @param definingByte the defining byte, passed on unchanged; not used when @p hasDefiningByte is
- *                     false.
+ *                     false, which differs from a defining byte of 0.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cCccGETCAPS(VeltraSDK_Handle* handle, uint8_t address,
@@ -904,7 +928,7 @@ VELTRASDK_API int16_t VeltraSDK_I3cCccGETCAPS(VeltraSDK_Handle* handle, uint8_t 
  *                   refused.
  * @param hasDefiningByte whether @p definingByte is sent.
  * @param definingByte the defining byte, passed on unchanged; not used when @p hasDefiningByte is
- *                     false.
+ *                     false, which differs from a defining byte of 0.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cCccGETSTATUS(VeltraSDK_Handle* handle, uint8_t address,
@@ -962,34 +986,35 @@ VELTRASDK_API int16_t VeltraSDK_I3cCccSETMRLBroadcast(VeltraSDK_Handle* handle, 
                                                       uint8_t ibiPayloadSize);
 
 /**
- * @brief Changes the dynamic address of one target: SETNEWDA, a direct write; sends 0x1909.
+ * @brief Gives one target another dynamic address: SETNEWDA, a direct write; sends 0x1909.
  * @param handle the handle.
- * @param currentAddress the target's dynamic address, 7 bits, unshifted.
- * @param newAddress the dynamic address that it gets, 7 bits, unshifted.
+ * @param currentAddress the target's present dynamic address, 7 bits, unshifted.
+ * @param newAddress the target's new dynamic address, 7 bits, unshifted; bit 7 is dropped.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cCccSETNEWDA(VeltraSDK_Handle* handle, uint8_t currentAddress,
                                                uint8_t newAddress);
 
 /**
- * @brief Gives the target with a static address a dynamic one: SETDASA, a direct write; sends
+ * @brief Gives the target with a given static address a dynamic one: SETDASA, a direct write; sends
  * 0x1909.
  * @param handle the handle.
  * @param staticAddress the target's static address, 7 bits, unshifted.
- * @param dynamicAddress the dynamic address that it gets, 7 bits, unshifted.
+ * @param dynamicAddress the target's new dynamic address, 7 bits, unshifted; bit 7 is dropped.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cCccSETDASA(VeltraSDK_Handle* handle, uint8_t staticAddress,
                                               uint8_t dynamicAddress);
 
 /**
- * @brief Makes the static address of all targets their dynamic one: SETAASA, a broadcast; sends
+ * @brief Makes targets take their static address as dynamic address: SETAASA, a broadcast; sends
  * 0x1909.
  * @param handle the handle.
- * @param staticAddresses the addresses, sent as they are; must not be null unless @p count is 0.
- *                        The virtual adapter: those that take their static address, 7 bits,
- *                        unshifted; every one when there are none.
- * @param count the number of addresses; the length field holds it modulo 256.
+ * @param staticAddresses the targets' static addresses, 7 bits, unshifted; must not be null unless
+ *                        @p count is 0. Passed on unchanged; their meaning is the adapter's, since
+ *                        the code carries none on the bus. The virtual adapter: an empty list
+ *                        reaches all targets, any other those that it names.
+ * @param count the number of addresses, 0 to 255; the length field holds it modulo 256.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cCccSETAASA(VeltraSDK_Handle* handle,
@@ -999,8 +1024,8 @@ VELTRASDK_API int16_t VeltraSDK_I3cCccSETAASA(VeltraSDK_Handle* handle,
  * @brief Enables events of one target: ENEC, a direct write; sends 0x1909.
  * @param handle the handle.
  * @param address the target's dynamic address, 7 bits, unshifted.
- * @param events the bits of the events, passed on unchanged: 0x01 for in-band interrupts, 0x02 for
- *               controller role requests, 0x08 for hot-joins.
+ * @param events the events whose bits are set: 0x01 in-band interrupts, 0x02 requests of the
+ *               controller role, 0x08 hot-join; passed on unchanged.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cCccENECDirect(VeltraSDK_Handle* handle, uint8_t address,
@@ -1009,8 +1034,8 @@ VELTRASDK_API int16_t VeltraSDK_I3cCccENECDirect(VeltraSDK_Handle* handle, uint8
 /**
  * @brief Enables events of all targets: ENEC, a broadcast; sends 0x1909.
  * @param handle the handle.
- * @param events the bits of the events, passed on unchanged: 0x01 for in-band interrupts, 0x02 for
- *               controller role requests, 0x08 for hot-joins.
+ * @param events the events whose bits are set: 0x01 in-band interrupts, 0x02 requests of the
+ *               controller role, 0x08 hot-join; passed on unchanged.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cCccENECBroadcast(VeltraSDK_Handle* handle, uint8_t events);
@@ -1019,8 +1044,8 @@ VELTRASDK_API int16_t VeltraSDK_I3cCccENECBroadcast(VeltraSDK_Handle* handle, ui
  * @brief Disables events of one target: DISEC, a direct write; sends 0x1909.
  * @param handle the handle.
  * @param address the target's dynamic address, 7 bits, unshifted.
- * @param events the bits of the events, passed on unchanged: 0x01 for in-band interrupts, 0x02 for
- *               controller role requests, 0x08 for hot-joins.
+ * @param events the events whose bits are set: 0x01 in-band interrupts, 0x02 requests of the
+ *               controller role, 0x08 hot-join; passed on unchanged.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cCccDISECDirect(VeltraSDK_Handle* handle, uint8_t address,
@@ -1029,22 +1054,24 @@ VELTRASDK_API int16_t VeltraSDK_I3cCccDISECDirect(VeltraSDK_Handle* handle, uint
 /**
  * @brief Disables events of all targets: DISEC, a broadcast; sends 0x1909.
  * @param handle the handle.
- * @param events the bits of the events, passed on unchanged: 0x01 for in-band interrupts, 0x02 for
- *               controller role requests, 0x08 for hot-joins.
+ * @param events the events whose bits are set: 0x01 in-band interrupts, 0x02 requests of the
+ *               controller role, 0x08 hot-join; passed on unchanged.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cCccDISECBroadcast(VeltraSDK_Handle* handle, uint8_t events);
 
 /**
- * @brief Prepares the reset of one target, or asks about it: RSTACT, a direct write or read; sends
+ * @brief Arms or queries the reset action of one target: RSTACT, a direct write or read; sends
  * 0x1909.
  * @param handle the handle.
  * @param address the target's dynamic address, 7 bits, unshifted.
- * @param definingByte the reset action of a write, or what a read asks for; its low byte is sent.
- * @param direction #I3cTransferDirection_Write prepares the action, #I3cTransferDirection_Read asks
- *                  for the byte that the defining byte selects.
- * @param[out] reply receives the byte of a read; written whenever a response arrived. Null is
- *                   refused for a read; a write does not use it.
+ * @param definingByte of a write the reset action, of a read what is asked for; its low byte is
+ *                     passed on unchanged.
+ * @param direction #I3cTransferDirection_Write arms the action, #I3cTransferDirection_Read asks for
+ *                  one byte. Another value is not refused: it is sent and stores nothing.
+ * @param[out] reply receives the byte of a read, whatever number of bytes the response counts;
+ *                   written whenever a response arrived. Null is refused for a read; another
+ *                   direction does not use it.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cCccRSTACTDirect(VeltraSDK_Handle* handle, uint8_t address,
@@ -1052,9 +1079,9 @@ VELTRASDK_API int16_t VeltraSDK_I3cCccRSTACTDirect(VeltraSDK_Handle* handle, uin
                                                    I3cTransferDirection direction, uint8_t* reply);
 
 /**
- * @brief Prepares the reset of all targets: RSTACT, a broadcast; sends 0x1909.
+ * @brief Arms the reset action of all targets: RSTACT, a broadcast; sends 0x1909.
  * @param handle the handle.
- * @param definingByte the reset action; its low byte is sent.
+ * @param definingByte the reset action; its low byte is passed on unchanged.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cCccRSTACTBroadcast(VeltraSDK_Handle* handle,
@@ -1068,7 +1095,7 @@ VELTRASDK_API int16_t VeltraSDK_I3cCccRSTACTBroadcast(VeltraSDK_Handle* handle,
 VELTRASDK_API int16_t VeltraSDK_I3cCccRSTDAA(VeltraSDK_Handle* handle);
 
 /**
- * @brief Assigns dynamic addresses to the targets without one: ENTDAA, a broadcast; sends 0x1909.
+ * @brief Assigns dynamic addresses to all targets without one: ENTDAA, a broadcast; sends 0x1909.
  * @param handle the handle.
  * @return the result code.
  */
