@@ -189,14 +189,14 @@ def check_limit(name, number):
 checks = {"request": check_request, "response": check_response, "notification": check_notification}
 seen = collections.defaultdict(set)
 for line in frames.splitlines():
-    kind, content, *values = line.split("\t")
+    kind, content, values = line.split("\t")
     before = len(failures)
     if kind in checks:
         content = bytes.fromhex(content)
         code = code_of(content[2:] if kind == "request" else content)
         seen[kind].add(code)
         try:
-            checks[kind](content, dict(value.split("=") for value in values))
+            checks[kind](content, dict(re.findall("([^,=]+)=([^,]*)(?:, )?", values)))
         except (AttributeError, KeyError, TypeError, ValueError) as error:
             failures.append(f"the row is missing, names other fields or cannot be read: {error!r}")
         failures[before:] = [f"{kind} {code}: {failure}" for failure in failures[before:]]

@@ -13,19 +13,15 @@
 #include <cstdlib>
 #include <iostream>
 #include <string>
+#include <utility>
+#include <vector>
 
 using namespace test_support;
 
 namespace {
 
-/// A field's bytes, or the word that the page has for its value.
-struct Field {
-    std::string name;
-    Bytes bytes;
-    std::string word = {};
-};
-
-using Fields = std::vector<Field>;
+/// The fields of a payload: names and bytes.
+using Fields = std::vector<std::pair<std::string, Bytes>>;
 
 void require(bool condition, const std::string& what) {
     if (!condition) {
@@ -44,17 +40,17 @@ std::string hexadecimal(const Bytes& bytes) {
     return text;
 }
 
-void print(const std::string& kind, const Bytes& bytes, const Fields& fields = {}) {
-    std::cout << kind << "\t" << hexadecimal(bytes);
-    for (const Field& field : fields) {
-        std::cout << "\t" << field.name << "=";
-        std::cout << (field.word.empty() ? hexadecimal(field.bytes) : field.word);
-    }
-    std::cout << "\n";
+/// @p fields reads `name=bytes, name=bytes`; a word of the page may stand for the bytes.
+void print(const std::string& kind, const std::string& content, const std::string& fields = "") {
+    std::cout << kind << "\t" << content << "\t" << fields << "\n";
 }
 
-void print(const std::string& name, size_t number) {
-    std::cout << name << "\t" << number << "\n";
+std::string text(const Fields& fields) {
+    std::string listed;
+    for (const auto& [name, bytes] : fields) {
+        listed += (listed.empty() ? "" : ", ") + name + "=" + hexadecimal(bytes);
+    }
+    return listed;
 }
 
 Bytes oneByte(size_t value) {
@@ -74,175 +70,168 @@ void attach(ScriptedHid& hid, const Model& model) {
     hid.attach({"1-1:1.0", vendorId, model.productId, L"VA-0001"});
 }
 
-void printRequests() {
-    constexpr uint16_t id = 0x0201;
-    ScriptedHid hid;
-    attach(hid, highSpeed);
-    VeltraAsyncSDK sdk;
-    require(sdk.connect(""), "the scripted adapter is not found");
-    size_t requests = 0;
-    const auto sent = [&](uint16_t result, const Fields& fields) {
+/// The encoders, each called with arguments that differ.
+class Requests {
+public:
+    Requests() {
+        attach(hid, highSpeed);
+        require(sdk.connect(""), "the scripted adapter is not found");
+    }
+
+    void printAll() {
+        printVoltages();
+        printI2c();
+        printSpi();
+        printUart();
+        printGpio();
+        printI3cBus();
+        printI3cTransfers();
+        printI3cCccs();
+        sent(sdk.getUsbString(id, 0x11), "index=11");
+        sent(sdk.enterBootMode(id), "");
+    }
+
+private:
+    static constexpr uint16_t id = 0x0201;
+
+    /// What an encoder has just sent, given its result and the fields that it was called for.
+    void sent(uint16_t result, const std::string& fields) {
         const std::vector<Bytes> reports = hid.writes();
         require(result == ResultCode_Success && reports.size() == ++requests,
                 "a request is not one report");
         const Bytes& report = reports.back();
         const auto frame = report.begin() + 3;
-        print("request", Bytes(frame, frame + (report[1] | report[2] << 8) / 4), fields);
-    };
+        const Bytes content(frame, frame + (report[1] | report[2] << 8) / 4);
+        print("request", hexadecimal(content), fields);
+    }
 
-    sent(sdk.getUsbString(id, 0x11), {{"index", {0x11}}});
-    sent(sdk.i3cSetBusVoltage(id, 0x2211), {{"mV", {0x11, 0x22}}});
-    const Fields voltage{{"mV", {0x11, 0x22}}, {"flag", {0x01}}};
-    sent(sdk.setI2cSpiUartGpioVoltage(id, 0x2211, true), voltage);
-    sent(sdk.i2cSetBusVoltage(id, 0x2211, true), voltage);
-    sent(sdk.spiSetBusVoltage(id, 0x2211, true), voltage);
-    sent(sdk.uartSetBusVoltage(id, 0x2211, true), voltage);
-    sent(sdk.gpioSetVoltage(id, 0x2211, true), voltage);
+    void printVoltages() {
+        sent(sdk.i3cSetBusVoltage(id, 0x2211), "mV=1122");
+        sent(sdk.setI2cSpiUartGpioVoltage(id, 0x2211, true), "mV=1122, flag=01");
+        sent(sdk.i2cSetBusVoltage(id, 0x2211, true), "mV=1122, flag=01");
+        sent(sdk.spiSetBusVoltage(id, 0x2211, true), "mV=1122, flag=01");
+        sent(sdk.uartSetBusVoltage(id, 0x2211, true), "mV=1122, flag=01");
+        sent(sdk.gpioSetVoltage(id, 0x2211, true), "mV=1122, flag=01");
+    }
 
-    sent(sdk.i2cSetPullUpResistors(id, 0x11, 0x22), {{"bus index", {0x11}}, {"setting", {0x22}}});
-    const Fields i2c{
-        {"bus index", {0x11}}, {"clock in Hz", {0x21, 0x22, 0x23, 0x24}}, {"option", {0x33}}};
-    sent(sdk.i2cControllerInit(id, 0x11, 0x24232221, 0x33), i2c);
-    sent(sdk.i2cSetParameters(id, 0x11, 0x24232221, 0x33), i2c);
-    sent(sdk.i2cWrite(id, 0x11, 0x22, {0x12, 0x34}, {0xD1, 0xD2, 0xD3}, true),
-         {{"bus index", {0x11}},
-          {"data length", {0x03, 0x00}},
-          {"target address", {0x22}},
-          {"register-address length", {0x02}},
-          {"register address", {0x34, 0x12, 0x00, 0x00}},
-          {"flag", {0x01}},
-          {"data", {0xD1, 0xD2, 0xD3}}});
-    sent(sdk.i2cRead(id, 0x11, 0x22, {0x12, 0x34}, 0x5544, true),
-         {{"bus index", {0x11}},
-          {"length to read", {0x44, 0x55}},
-          {"target address", {0x22}},
-          {"register-address length", {0x02}},
-          {"register address", {0x34, 0x12, 0x00, 0x00}},
-          {"flag", {0x01}}});
-    sent(sdk.i2cScanBus(id, 0x11, true), {{"bus index", {0x11}}, {"flag", {0x01}}});
+    void printI2c() {
+        const std::string parameters = "bus index=11, clock in Hz=21222324, option=33";
+        sent(sdk.i2cSetPullUpResistors(id, 0x11, 0x22), "bus index=11, setting=22");
+        sent(sdk.i2cControllerInit(id, 0x11, 0x24232221, 0x33), parameters);
+        sent(sdk.i2cSetParameters(id, 0x11, 0x24232221, 0x33), parameters);
+        sent(sdk.i2cWrite(id, 0x11, 0x22, {0x12, 0x34}, data, true),
+             "bus index=11, data length=0200, target address=22, register-address length=02, "
+             "register address=34120000, flag=01, data=D1D2");
+        sent(sdk.i2cRead(id, 0x11, 0x22, {0x12, 0x34}, 0x5544, true),
+             "bus index=11, length to read=4455, target address=22, register-address length=02, "
+             "register address=34120000, flag=01");
+        sent(sdk.i2cScanBus(id, 0x11, true), "bus index=11, flag=01");
+    }
 
-    const auto bitOrder = static_cast<SpiBitOrder>(0x11);
-    const auto spiMode = static_cast<SpiMode>(0x22);
-    const auto dataWidth = static_cast<SpiDataWidth>(0x33);
-    const auto chipSelect = static_cast<SpiChipSelect>(0x44);
-    const auto polarity = static_cast<SpiChipSelectPolarity>(0x55);
-    const Fields spi{{"bit order", {0x11}},  {"mode", {0x22}},
-                     {"data width", {0x33}}, {"chip select", {0x44}},
-                     {"polarity", {0x55}},   {"clock in Hz", {0x61, 0x62, 0x63, 0x64}}};
-    sent(sdk.spiControllerInit(id, bitOrder, spiMode, dataWidth, chipSelect, polarity, 0x64636261),
-         spi);
-    sent(sdk.spiSetParameters(id, bitOrder, spiMode, dataWidth, chipSelect, polarity, 0x64636261),
-         spi);
-    Bytes spiData{0xD1, 0xD2, 0xD3};
-    sent(sdk.spiTransfer(id, spiData, 0x5544), {{"number of bytes to send", {0x03, 0x00}},
-                                                {"requested length", {0x44, 0x55}},
-                                                {"bytes", {0xD1, 0xD2, 0xD3}}});
+    void printSpi() {
+        const auto order = static_cast<SpiBitOrder>(0x11);
+        const auto mode = static_cast<SpiMode>(0x22);
+        const auto width = static_cast<SpiDataWidth>(0x33);
+        const auto select = static_cast<SpiChipSelect>(0x44);
+        const auto polarity = static_cast<SpiChipSelectPolarity>(0x55);
+        const std::string parameters = "bit order=11, mode=22, data width=33, chip select=44, "
+                                       "polarity=55, clock in Hz=61626364";
+        sent(sdk.spiControllerInit(id, order, mode, width, select, polarity, 0x64636261),
+             parameters);
+        sent(sdk.spiSetParameters(id, order, mode, width, select, polarity, 0x64636261),
+             parameters);
+        sent(sdk.spiTransfer(id, data, 0x5544),
+             "number of bytes to send=0200, requested length=4455, bytes=D1D2");
+    }
 
-    const auto baudRate = static_cast<UartBaudRate>(0x11);
-    const auto handshake = static_cast<UartHwHandshake>(0x22);
-    const auto parity = static_cast<UartParity>(0x33);
-    const auto dataSize = static_cast<UartDataSize>(0x44);
-    const auto stopBit = static_cast<UartStopBit>(0x55);
-    const Fields uart{{"baud rate", {0x11}},
-                      {"handshake", {0x22}},
-                      {"parity", {0x33}},
-                      {"data size", {0x44}},
-                      {"stop bits", {0x55}}};
-    sent(sdk.uartInit(id, baudRate, handshake, parity, dataSize, stopBit), uart);
-    sent(sdk.uartSetParameters(id, baudRate, handshake, parity, dataSize, stopBit), uart);
-    sent(sdk.uartSendMessage(id, {0xD1, 0xD2, 0xD3}),
-         {{"number of bytes", {0x03, 0x00}}, {"bytes", {0xD1, 0xD2, 0xD3}}});
+    void printUart() {
+        const auto baudRate = static_cast<UartBaudRate>(0x11);
+        const auto handshake = static_cast<UartHwHandshake>(0x22);
+        const auto parity = static_cast<UartParity>(0x33);
+        const auto dataSize = static_cast<UartDataSize>(0x44);
+        const auto stopBit = static_cast<UartStopBit>(0x55);
+        const std::string parameters =
+            "baud rate=11, handshake=22, parity=33, data size=44, stop bits=55";
+        sent(sdk.uartInit(id, baudRate, handshake, parity, dataSize, stopBit), parameters);
+        sent(sdk.uartSetParameters(id, baudRate, handshake, parity, dataSize, stopBit), parameters);
+        sent(sdk.uartSendMessage(id, data), "number of bytes=0200, bytes=D1D2");
+    }
 
-    const auto pin = static_cast<GpioPinNumber>(0x11);
-    const auto level = static_cast<GpioLogicLevel>(0x22);
-    sent(sdk.gpioConfigurePin(id, pin, GpioFunctionality_Output, level),
-         {{"pin", {0x11}}, {"functionality", {0x01}}, {"level", {0x22}}});
-    sent(sdk.gpioConfigurePin(id, pin, GpioFunctionality_OpenDrainOutput, level),
-         {{"pin", {0x11}}, {"functionality", {0x04}}});
-    sent(sdk.gpioDigitalWrite(id, pin, level), {{"pin", {0x11}}, {"level", {0x22}}});
-    sent(sdk.gpioDigitalRead(id, pin), {{"pin", {0x11}}});
-    sent(sdk.gpioConfigureInterrupt(id, pin, static_cast<GpioTriggerType>(0x22)),
-         {{"pin", {0x11}}, {"trigger", {0x22}}});
-    sent(sdk.gpioDisableInterrupt(id, pin), {{"pin", {0x11}}});
+    void printGpio() {
+        const auto pin = static_cast<GpioPinNumber>(0x11);
+        const auto level = static_cast<GpioLogicLevel>(0x22);
+        const auto trigger = static_cast<GpioTriggerType>(0x22);
+        sent(sdk.gpioConfigurePin(id, pin, GpioFunctionality_Output, level),
+             "pin=11, functionality=01, level=22");
+        sent(sdk.gpioConfigurePin(id, pin, GpioFunctionality_OpenDrainOutput, level),
+             "pin=11, functionality=04");
+        sent(sdk.gpioDigitalWrite(id, pin, level), "pin=11, level=22");
+        sent(sdk.gpioDigitalRead(id, pin), "pin=11");
+        sent(sdk.gpioConfigureInterrupt(id, pin, trigger), "pin=11, trigger=22");
+        sent(sdk.gpioDisableInterrupt(id, pin), "pin=11");
+    }
 
-    const Fields i3c{{"push-pull rate", {0x11}},
-                     {"open-drain rate", {0x22}},
-                     {"I2C rate", {0x33}},
-                     {"drive strength", {0x44}}};
-    sent(sdk.i3cControllerInit(id, 0x11, 0x22, 0x33, 0x44), i3c);
-    sent(sdk.i3cSetParameters(id, 0x11, 0x22, 0x33, 0x44), i3c);
-    sent(sdk.i3cInitBus(id,
-                        {{0x11, 0x22, {1, 2, 3, 4, 5, 6}, 0x33, 0x44, 0x5655, 0x6665, 0x77, 0x88}}),
-         {{"number of records", {0x01}},
-          {"static address", {0x11}},
-          {"dynamic address", {0x22}},
-          {"PID", {1, 2, 3, 4, 5, 6}},
-          {"BCR", {0x33}},
-          {"DCR", {0x44}},
-          {"maximum write length", {0x55, 0x56}},
-          {"maximum read length", {0x65, 0x66}},
-          {"maximum IBI payload", {0x77}},
-          {"configuration", {0x88}}});
-    sent(sdk.i3cResetBus(id), {});
-    sent(sdk.i3cGetDeviceTable(id), {});
-    sent(sdk.i3cSetTargetDeviceConfiguration(id, 0x11, static_cast<I3cTargetConfiguration>(0x22)),
-         {{"address", {0x11}}, {"configuration", {0x22}}});
+    void printI3cBus() {
+        const std::string parameters =
+            "push-pull rate=11, open-drain rate=22, I2C rate=33, drive strength=44";
+        const I3cTargetInfo record{0x11, 0x22, {1, 2, 3, 4, 5, 6}, 0x33, 0x44, 0x5655, 0x6665,
+                                   0x77, 0x88};
+        const auto configuration = static_cast<I3cTargetConfiguration>(0x22);
+        sent(sdk.i3cControllerInit(id, 0x11, 0x22, 0x33, 0x44), parameters);
+        sent(sdk.i3cSetParameters(id, 0x11, 0x22, 0x33, 0x44), parameters);
+        sent(sdk.i3cInitBus(id, {record}),
+             "number of records=01, static address=11, dynamic address=22, PID=010203040506, "
+             "BCR=33, DCR=44, maximum write length=5556, maximum read length=6566, "
+             "maximum IBI payload=77, configuration=88");
+        sent(sdk.i3cResetBus(id), "");
+        sent(sdk.i3cGetDeviceTable(id), "");
+        sent(sdk.i3cSetTargetDeviceConfiguration(id, 0x11, configuration),
+             "address=11, configuration=22");
+    }
 
-    const Bytes subAddress{0x51, 0x52, 0x53};
-    const Bytes data{0xD1, 0xD2};
-    const auto flags = static_cast<I3cTransferFlags>(0x15);
-    const auto transfer = [&](const std::string& direction, const std::string& mode,
-                              uint8_t hdrCommand, const Bytes& length, const Bytes& written) {
-        const bool hdr = hdrCommand != 0;
-        return Fields{{"target address", {0x11}},
-                      {"direction", {}, direction},
-                      {"mode", {}, mode},
-                      {"flags", oneByte(hdr ? 0x00 : 0x15)},
-                      {"HDR command code", {hdrCommand}},
-                      {"sub-address length", oneByte(hdr ? 0 : 3)},
-                      {"sub-address", hdr ? Bytes(4) : Bytes{0x51, 0x52, 0x53, 0x00}},
-                      {"number of bytes", length},
-                      {"data", written}};
-    };
-    const Fields sdrWrite = transfer("write", "SDR", 0, {0x02, 0x00}, data);
-    const Fields hdrDdrWrite = transfer("write", "HDR-DDR", 0x22, {0x02, 0x00}, data);
-    const Fields legacyI2cWrite = transfer("write", "legacy I2C", 0, {0x02, 0x00}, data);
-    sent(sdk.i3cSdrWrite(id, 0x11, subAddress, data, flags), sdrWrite);
-    sent(sdk.i3cHdrDdrWrite(id, 0x11, 0x22, data), hdrDdrWrite);
-    sent(sdk.i3cLegacyI2cWrite(id, 0x11, subAddress, data, flags), legacyI2cWrite);
-    const Fields sdrRead = transfer("read", "SDR", 0, {0x44, 0x55}, {});
-    const Fields hdrDdrRead = transfer("read", "HDR-DDR", 0x22, {0x44, 0x55}, {});
-    const Fields legacyI2cRead = transfer("read", "legacy I2C", 0, {0x44, 0x55}, {});
-    sent(sdk.i3cSdrRead(id, 0x11, subAddress, 0x5544, flags), sdrRead);
-    sent(sdk.i3cHdrDdrRead(id, 0x11, 0x22, 0x5544), hdrDdrRead);
-    sent(sdk.i3cLegacyI2cRead(id, 0x11, subAddress, 0x5544, flags), legacyI2cRead);
-    sent(sdk.i3cTargetResetPattern(id), {{"pattern", {}, "target reset"}});
-    sent(sdk.i3cHdrExitPattern(id), {{"pattern", {}, "HDR exit"}});
+    void printI3cTransfers() {
+        const Bytes subAddress{0x51, 0x52, 0x53};
+        const auto flags = static_cast<I3cTransferFlags>(0x15);
+        const std::string addressed = "target address=11, flags=15, HDR command code=00, "
+                                      "sub-address length=03, sub-address=51525300, ";
+        const std::string hdr = "target address=11, flags=00, HDR command code=22, "
+                                "sub-address length=00, sub-address=00000000, mode=HDR-DDR, ";
+        const std::string written = "direction=write, number of bytes=0200, data=D1D2";
+        const std::string read = "direction=read, number of bytes=4455, data=";
+        sent(sdk.i3cSdrWrite(id, 0x11, subAddress, data, flags),
+             addressed + "mode=SDR, " + written);
+        sent(sdk.i3cSdrRead(id, 0x11, subAddress, 0x5544, flags), addressed + "mode=SDR, " + read);
+        sent(sdk.i3cHdrDdrWrite(id, 0x11, 0x22, data), hdr + written);
+        sent(sdk.i3cHdrDdrRead(id, 0x11, 0x22, 0x5544), hdr + read);
+        sent(sdk.i3cLegacyI2cWrite(id, 0x11, subAddress, data, flags),
+             addressed + "mode=legacy I2C, " + written);
+        sent(sdk.i3cLegacyI2cRead(id, 0x11, subAddress, 0x5544, flags),
+             addressed + "mode=legacy I2C, " + read);
+        sent(sdk.i3cTargetResetPattern(id), "pattern=target reset");
+        sent(sdk.i3cHdrExitPattern(id), "pattern=HDR exit");
+    }
 
-    const auto ccc = [](const std::string& direction, const std::string& mode, uint8_t option,
-                        const std::string& type, uint8_t definingByte, const Bytes& written) {
-        return Fields{{"target address", {0x11}}, {"direction", {}, direction},
-                      {"mode", {}, mode},         {"option", {option}},
-                      {"type", {}, type},         {"length", {0x22}},
-                      {"code", {0x33}},           {"defining byte", {definingByte}},
-                      {"data", written}};
-    };
-    const Fields sdrCcc = ccc("write", "SDR", 1, "with defining byte", 0x44, data);
-    const Fields hdrDdrCcc = ccc("read", "HDR-DDR", 0, "with defining byte", 0x44, {});
-    const Fields legacyI2cCcc = ccc("write", "legacy I2C", 0, "without defining byte", 0, data);
-    const auto code = static_cast<CCC>(0x33);
-    sent(sdk.i3cCccTransfer(id, 0x11, I3cTransferDirection_Write, I3cTransferMode_Sdr, true,
-                            I3cCccType_WithDefiningByte, 0x22, code, 0x44, data),
-         sdrCcc);
-    sent(sdk.i3cCccTransfer(id, 0x11, I3cTransferDirection_Read, I3cTransferMode_HdrDdr, false,
-                            I3cCccType_WithDefiningByte, 0x22, code, 0x44, {}),
-         hdrDdrCcc);
-    sent(sdk.i3cCccTransfer(id, 0x11, I3cTransferDirection_Write, I3cTransferMode_LegacyI2c, false,
-                            I3cCccType_WithoutDefiningByte, 0x22, code, 0x44, data),
-         legacyI2cCcc);
+    void printI3cCccs() {
+        const auto code = static_cast<CCC>(0x33);
+        sent(sdk.i3cCccTransfer(id, 0x11, I3cTransferDirection_Write, I3cTransferMode_Sdr, true,
+                                I3cCccType_WithDefiningByte, 0x22, code, 0x44, data),
+             "target address=11, direction=write, mode=SDR, option=01, type=with defining byte, "
+             "length=22, code=33, defining byte=44, data=D1D2");
+        sent(sdk.i3cCccTransfer(id, 0x11, I3cTransferDirection_Read, I3cTransferMode_HdrDdr, false,
+                                I3cCccType_WithDefiningByte, 0x22, code, 0x44, {}),
+             "target address=11, direction=read, mode=HDR-DDR, option=00, type=with defining byte, "
+             "length=22, code=33, defining byte=44, data=");
+        sent(sdk.i3cCccTransfer(id, 0x11, I3cTransferDirection_Write, I3cTransferMode_LegacyI2c,
+                                false, I3cCccType_WithoutDefiningByte, 0x22, code, 0x44, data),
+             "target address=11, direction=write, mode=legacy I2C, option=00, "
+             "type=without defining byte, length=22, code=33, defining byte=00, data=D1D2");
+    }
 
-    sent(sdk.enterBootMode(id), {});
-}
+    ScriptedHid hid;
+    VeltraAsyncSDK sdk;
+    size_t requests = 0;
+    Bytes data{0xD1, 0xD2};
+};
 
 void printResponses() {
     // Long enough for every count that the offsets make.
@@ -259,9 +248,9 @@ void printResponses() {
     const auto received = [&](uint16_t result, Fields fields) {
         const Bytes report = hid.writes().back();
         if (result != ResultCode_Success) {
-            fields.push_back({"status", twoBytes(result)});
+            fields.emplace_back("status", twoBytes(result));
         }
-        print("response", {report[5], report[6]}, fields);
+        print("response", hexadecimal({report[5], report[6]}), text(fields));
     };
 
     Bytes data;
@@ -353,8 +342,8 @@ void printNotifications() {
             }
         });
         sdk.handleResponse(frame);
-        fields.push_back({"shortest frame", {}, std::to_string(shortest)});
-        print("notification", code, fields);
+        print("notification", hexadecimal(code),
+              text(fields) + ", shortest frame=" + std::to_string(shortest));
     }
 }
 
@@ -369,23 +358,24 @@ void printExchange() {
                 level == GpioLogicLevel_High,
             "the response of the exchange does not tell a high level");
     const Bytes request = hid.writes().front();
-    print("request report", Bytes(request.begin() + 1, request.end()));
-    print("response report", response);
+    print("request report", hexadecimal(Bytes(request.begin() + 1, request.end())));
+    print("response report", hexadecimal(response));
 }
 
 void printLimits() {
-    print("shortest frame", ResponseFrame::shortestFrame);
-    print("longest message", UsbTransferProtocol::longestMessage);
-    print("payload of a full-speed packet",
-          UsbTransferProtocol(fullSpeed.reportSize).getPacketPayloadLength());
-    print("payload of a high-speed packet",
-          UsbTransferProtocol(highSpeed.reportSize).getPacketPayloadLength());
+    const auto payloadOf = [](const Model& model) {
+        return std::to_string(UsbTransferProtocol(model.reportSize).getPacketPayloadLength());
+    };
+    print("shortest frame", std::to_string(ResponseFrame::shortestFrame));
+    print("longest message", std::to_string(UsbTransferProtocol::longestMessage));
+    print("payload of a full-speed packet", payloadOf(fullSpeed));
+    print("payload of a high-speed packet", payloadOf(highSpeed));
 }
 
 } // namespace
 
 int main() {
-    printRequests();
+    Requests().printAll();
     printResponses();
     printNotifications();
     printExchange();
