@@ -132,7 +132,7 @@ public:
     /**
      * @brief Sends 0x0407: index.
      * @param transactionId the identifier that the response repeats, 1 to 65535.
-     * @param index the string's index, 1 to 5.
+     * @param index the string's index, 1 to 5, passed on unchanged.
      * @return the result code of the encoder.
      */
     uint16_t getUsbString(uint16_t transactionId, uint8_t index);
@@ -394,7 +394,7 @@ public:
      * @param pin the pin, passed on unchanged.
      * @param functionality what the pin is used for, passed on unchanged.
      * @param level the initial level of an output, passed on unchanged; not sent for another
-     *              functionality.
+     *              functionality than #GpioFunctionality_Output.
      * @return the result code of the encoder.
      */
     uint16_t gpioConfigurePin(uint16_t transactionId, GpioPinNumber pin,
@@ -484,7 +484,8 @@ public:
      * @brief Sends 0x1904: number of records, the records (16 bytes each).
      * @param transactionId the identifier that the response repeats, 1 to 65535.
      * @param targets the records that the bus is to hold, sent as they are, at most 255; the number
-     *                sent is theirs modulo 256.
+     *                sent is theirs modulo 256. The virtual adapter: an empty list finds every
+     *                target.
      * @return the result code of the encoder.
      */
     uint16_t i3cInitBus(uint16_t transactionId, std::vector<I3cTargetInfo> targets);
