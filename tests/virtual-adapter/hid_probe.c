@@ -3,9 +3,12 @@
 #include <hidapi.h>
 
 #include <locale.h>
+#include <pthread.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 static hid_device* device;
 
@@ -62,6 +65,39 @@ static void readReport(const char* milliseconds) {
     printf("\n");
 }
 
+/* Reads until the process ends. */
+static void* hammer(void* handle) {
+    unsigned char report[64];
+    for (;;) {
+        hid_read_timeout(handle, report, sizeof report, 0);
+    }
+    return NULL;
+}
+
+static void startHammering(void) {
+    pthread_t thread;
+    printf("hammer: %d\n", pthread_create(&thread, NULL, hammer, device));
+    pthread_detach(thread);
+}
+
+/* Children play what is left of the calls, one child after the other; then the parent goes on. */
+static void forkChildren(int count) {
+    const unsigned generousSeconds = 30;
+    for (int i = 0; i < count; ++i) {
+        const pid_t child = fork();
+        if (child == 0) {
+            alarm(generousSeconds);
+            return;
+        }
+        int status = -1;
+        waitpid(child, &status, 0);
+        if (status != 0) {
+            printf("child: status %d\n", status);
+            return;
+        }
+    }
+}
+
 static int play(const char* call) {
     if (strcmp(call, "init") == 0) {
         printf("init: %d\n", hid_init());
@@ -77,6 +113,10 @@ static int play(const char* call) {
         readReport(call + 5);
     } else if (strcmp(call, "close") == 0) {
         hid_close(device);
+    } else if (strcmp(call, "hammer") == 0) {
+        startHammering();
+    } else if (strncmp(call, "fork ", 5) == 0) {
+        forkChildren(atoi(call + 5));
     } else {
         return 0;
     }

@@ -134,6 +134,47 @@ TEST(Run, BootModeTakesTheAdapterOffTheBus) {
               "open: null\n");
 }
 
+TEST(RunFork, AChildHasAnAdapterOfItsOwn) {
+    const std::string line =
+        listed(VELTRASDK_USB_PRODUCT_ID_FULL_SPEED, "Veltra | full-speed | VA-0001");
+    EXPECT_EQ(play({}, {openIt, write1, "fork 2", "init", "list", openIt, write2, readNow, "close",
+                        openIt, "close", "exit"}),
+              "open: ok\nwrite: 8\n"
+              "init: 0\n" +
+                  line + "open: ok\nwrite: 8\n" + response2 +
+                  "open: ok\nexit: 0\n"
+                  "init: 0\n" +
+                  line + "open: ok\nwrite: 8\n" + response2 +
+                  "open: ok\nexit: 0\n"
+                  "init: 0\n" +
+                  line + "open: null\nwrite: 8\n" + response1 + "open: ok\nexit: 0\n");
+}
+
+TEST(RunFork, AChildOfAChildHasItsOwnToo) {
+    EXPECT_EQ(play({}, {openIt, "fork 1", openIt, "fork 1", openIt}),
+              "open: ok\n"
+              "open: ok\nopen: ok\nopen: null\n"
+              "open: null\nopen: ok\nopen: null\n");
+}
+
+TEST(RunFork, TheHandleOfAParentIsClosedInItsChild) {
+    EXPECT_EQ(play({}, {openIt, write1, "fork 1", readPatiently, write2, "close", "exit"}),
+              "open: ok\nwrite: 8\n"
+              "read: -1\nwrite: -1\nexit: 0\n" +
+                  response1 + "write: 8\nexit: 0\n");
+}
+
+TEST(RunFork, AThreadThatReadsMeanwhileDoesNotHoldTheChildUp) {
+    const size_t children = 10;
+    std::string expected = "open: ok\nhammer: 0\n";
+    for (size_t i = 0; i < children; ++i) {
+        expected += "read: -1\nopen: ok\nwrite: 8\n" + response1;
+    }
+    const std::string output =
+        play({}, {openIt, "hammer", "fork 10", readNow, openIt, write1, readNow});
+    EXPECT_THAT(output, StartsWith(expected));
+}
+
 TEST(RunFault, ALateResponseComesAfterTheTimeOut) {
     EXPECT_EQ(play({"--fault", "late-response", "--fault-delay", "3600000"},
                    twoExchanges + Arguments{write3, readNow}),

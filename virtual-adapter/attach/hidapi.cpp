@@ -4,7 +4,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
+#include <mutex>
+#include <pthread.h>
 #include <stdexcept>
+#include <utility>
 
 // The project hides its symbols by default; a hidden one would leave the real hidapi in charge.
 #pragma GCC visibility push(default)
@@ -21,6 +24,8 @@ using virtual_adapter::UsbIdentity;
 
 struct hid_device_ {
     HostPort port;
+    /// The one of the process that this one was forked from.
+    const hid_device_* inherited;
 };
 
 namespace {
@@ -49,21 +54,62 @@ AdapterSettings environmentSettings() {
     return settings;
 }
 
-hid_device* plugIn() {
+hid_device* plugIn(const hid_device* inherited) {
     try {
-        return new hid_device{HostPort(environmentSettings())};
+        return new hid_device{HostPort(environmentSettings()), inherited};
     } catch (const std::invalid_argument& error) {
         complain(std::string("no adapter: ") + error.what());
         return nullptr;
     }
 }
 
-/// The one device, null when the environment asks for an impossible one. It outlives the program's
-/// static objects: a thread may still be reading while they are destroyed.
-hid_device* theDevice() {
-    // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): its port has a lock.
-    static hid_device* const device = plugIn();
-    return device;
+/// The one device of this process. It is never destroyed: a thread may still be reading while the
+/// program's static objects are.
+class OneDevice {
+public:
+    /// Plugs the device in when it is called first. Null when the environment asks for an
+    /// impossible one.
+    hid_device* get() {
+        const std::lock_guard lock(mutex);
+        if (!isAskedFor) {
+            isAskedFor = true;
+            device = plugIn(inherited);
+        }
+        return device;
+    }
+
+    void beforeFork() { mutex.lock(); }
+    void afterForkInParent() { mutex.unlock(); }
+
+    /// The device stays the parent's. A thread that the child does not have may hold its lock, so
+    /// that it can be neither used nor destroyed here: it is only kept where leak checkers see it.
+    void afterForkInChild() {
+        if (device != nullptr) {
+            inherited = std::exchange(device, nullptr);
+        }
+        isAskedFor = false;
+        mutex.unlock();
+    }
+
+private:
+    std::mutex mutex;
+    bool isAskedFor = false;
+    hid_device* device = nullptr;
+    const hid_device* inherited = nullptr;
+};
+
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): it has a lock.
+OneDevice oneDevice;
+
+/// Fails only when a program that has just been started is out of memory.
+[[maybe_unused]] const int forkHandlers =
+    pthread_atfork([] { oneDevice.beforeFork(); }, [] { oneDevice.afterForkInParent(); },
+                   [] { oneDevice.afterForkInChild(); });
+
+/// The port behind a handle. Null for none, and for one of the process that this was forked from.
+HostPort* portOf(const hid_device* handle) {
+    hid_device* const device = oneDevice.get();
+    return handle != nullptr && handle == device ? &device->port : nullptr;
 }
 
 std::wstring wideText(const std::string& utf8) {
@@ -103,11 +149,11 @@ hid_device_info* listDevice(const AdapterSettings& settings, bool withStrings) {
 } // namespace
 
 int hid_init() {
-    return theDevice() == nullptr ? -1 : 0;
+    return oneDevice.get() == nullptr ? -1 : 0;
 }
 
 int hid_exit() {
-    hid_device* const device = theDevice();
+    hid_device* const device = oneDevice.get();
     if (device != nullptr && device->port.isOpen()) {
         complain("hid_exit while a device is open: the real hidapi aborts here too");
         std::abort();
@@ -117,7 +163,7 @@ int hid_exit() {
 
 // NOLINTNEXTLINE(readability-identifier-naming): hidapi's names.
 hid_device_info* hid_enumerate(unsigned short vendor_id, unsigned short product_id) {
-    hid_device* const device = theDevice();
+    hid_device* const device = oneDevice.get();
     if (device == nullptr || !device->port.isOnBus()) {
         return nullptr;
     }
@@ -135,7 +181,7 @@ void hid_free_enumeration(hid_device_info* devs) {
 }
 
 hid_device* hid_open_path(const char* path) {
-    hid_device* const device = theDevice();
+    hid_device* const device = oneDevice.get();
     if (device == nullptr || path == nullptr || std::strcmp(path, devicePath) != 0) {
         return nullptr;
     }
@@ -143,24 +189,27 @@ hid_device* hid_open_path(const char* path) {
 }
 
 int hid_write(hid_device* device, const unsigned char* data, size_t length) {
-    if (device == nullptr || data == nullptr || length == 0) {
+    HostPort* const port = portOf(device);
+    if (port == nullptr || data == nullptr || length == 0) {
         return -1;
     }
     // The report identifier 0 of unnumbered reports does not go on the wire.
     const size_t skipped = data[0] == 0 ? 1 : 0;
-    const bool written = device->port.write(Bytes(data + skipped, data + length));
+    const bool written = port->write(Bytes(data + skipped, data + length));
     return written ? static_cast<int>(length) : -1;
 }
 
 int hid_read_timeout(hid_device* device, unsigned char* data, size_t length, int milliseconds) {
-    if (device == nullptr || data == nullptr) {
+    HostPort* const port = portOf(device);
+    if (port == nullptr || data == nullptr) {
         return -1;
     }
-    return device->port.read(data, length, milliseconds);
+    return port->read(data, length, milliseconds);
 }
 
 void hid_close(hid_device* device) {
-    if (device != nullptr) {
-        device->port.close();
+    HostPort* const port = portOf(device);
+    if (port != nullptr) {
+        port->close();
     }
 }
