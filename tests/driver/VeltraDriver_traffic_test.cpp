@@ -165,15 +165,6 @@ TEST_P(VeltraDriverTraffic, ReadErrorsThatDoNotEndMakeAtMost50ReadsASecond) {
     EXPECT_LE(reads, 50 * (1 + std::chrono::duration_cast<std::chrono::seconds>(passed).count()));
 }
 
-TEST_P(VeltraDriverTraffic, ClosingDuringThePauseAfterAReadErrorReturns) {
-    hid.failReading(true);
-    ASSERT_TRUE(driver.open("", ""));
-    // By now the reader pauses for a tenth of a second between two reads.
-    ASSERT_TRUE(hid.waitForReads(10));
-    driver.close();
-    EXPECT_EQ(hid.openDevices(), 0U);
-}
-
 TEST_P(VeltraDriverTraffic, DestructionDuringThePauseAfterAReadErrorReturns) {
     hid.failReading(true);
     auto second = std::make_unique<VeltraDriver>();

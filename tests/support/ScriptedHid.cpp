@@ -302,11 +302,8 @@ int ScriptedHid::readTimeout(void* device, uint8_t* data, size_t length, int mil
     changed.notify_all();
     changed.wait_for(lock, std::chrono::milliseconds(std::min(milliseconds, longestReadMs)),
                      [&] { return readingFails || isReadable(*source); });
-    if (readingFails) {
-        return -1;
-    }
     if (!isReadable(*source)) {
-        return 0;
+        return readingFails ? -1 : 0;
     }
     source->readerIsWaiting = false;
     std::deque<Bytes>& queue = source->input.empty() ? input : source->input;

@@ -63,7 +63,8 @@ public:
     void failOpening(bool fail);
     /// What hid_write returns instead of the number of bytes; nothing for success.
     void failWriting(std::optional<int> result);
-    /// Whether hid_read_timeout returns -1 at once, as it does after an unplug.
+    /// Whether hid_read_timeout returns -1 at once when it finds nothing to read, as it does after
+    /// an unplug.
     void failReading(bool fail);
 
     /// The writes so far, report identifiers included.

@@ -1,0 +1,115 @@
+#include "driver/VeltraDriver.hpp"
+#include "support/ConditionWait.hpp"
+#include "support/Model.hpp"
+
+#include <chrono>
+#include <ctime>
+#include <functional>
+#include <future>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+using namespace test_support;
+using std::chrono::steady_clock;
+
+namespace {
+
+/// The pauses after read errors. Of all threads the polling thread alone waits on a condition
+/// variable, in its pauses: no read waits, as each finds a report or fails.
+class VeltraDriverPauses : public testing::Test {
+protected:
+    VeltraDriverPauses() {
+        hid.attach({"1-1:1.0", vendorId, fullSpeed.productId, L"VA-0001"});
+        hid.failReading(true);
+    }
+
+    using InPause = std::function<void(const ConditionWait::Call& call)>;
+
+    /// Opens the driver, calls @p inPause once in each of the first pauses, and closes the driver.
+    /// Returns how many reads came before each of these pauses.
+    std::vector<size_t> readsBeforePauses(size_t pauses, const InPause& inPause) {
+        std::vector<size_t> readsBefore;
+        std::promise<void> done;
+        const ConditionWait observed([&](const auto& call) {
+            const size_t reads = hid.readCalls();
+            // A wake-up that ends no pause is followed by another wait in the same one.
+            const bool isNew = readsBefore.empty() || readsBefore.back() != reads;
+            if (isNew && readsBefore.size() < pauses) {
+                readsBefore.push_back(reads);
+                inPause(call);
+                if (readsBefore.size() == pauses) {
+                    done.set_value();
+                }
+            }
+            return call.wait();
+        });
+        EXPECT_TRUE(driver.open("", ""));
+        EXPECT_EQ(done.get_future().wait_for(std::chrono::milliseconds(generousLimitMs)),
+                  std::future_status::ready)
+            << "there was no pause";
+        driver.close();
+        return readsBefore;
+    }
+
+    InPause deliverToRead4(const Bytes& report) {
+        return [this, report](const auto&) {
+            if (hid.readCalls() == 3) {
+                hid.deliver(report);
+            }
+        };
+    }
+
+    ScriptedHid hid;
+    VeltraDriver driver;
+};
+
+TEST_F(VeltraDriverPauses, TheFirstRetryComesAtOnceAndEachLaterOneAfterAPause) {
+    EXPECT_EQ(readsBeforePauses(4, [](const auto&) {}), (std::vector<size_t>{2, 3, 4, 5}));
+}
+
+TEST_F(VeltraDriverPauses, AfterAReportTheNextRetryComesAtOnceAgain) {
+    EXPECT_EQ(readsBeforePauses(4, deliverToRead4(fullSpeed.input({0x01}))),
+              (std::vector<size_t>{2, 3, 6, 7}));
+}
+
+TEST_F(VeltraDriverPauses, AfterAReadThatGotNothingTheNextRetryComesAtOnceAgain) {
+    EXPECT_EQ(readsBeforePauses(4, deliverToRead4({})), (std::vector<size_t>{2, 3, 6, 7}));
+}
+
+TEST_F(VeltraDriverPauses, PausesDoubleFromOneMillisecondToATenthOfASecond) {
+    const std::vector<int> lengthsMs{1, 2, 4, 8, 16, 32, 64, 100, 100};
+    auto expected = lengthsMs.begin();
+    auto earliestBegin = steady_clock::now().time_since_epoch();
+    readsBeforePauses(lengthsMs.size(), [&](const auto& call) {
+        const auto latestBegin = steady_clock::now().time_since_epoch();
+        const std::chrono::milliseconds length(*expected++);
+        EXPECT_EQ(call.clock, CLOCK_MONOTONIC);
+        EXPECT_GE(call.deadline, earliestBegin + length) << length.count();
+        EXPECT_LE(call.deadline, latestBegin + length) << length.count();
+        earliestBegin = call.deadline;
+    });
+    EXPECT_EQ(expected, lengthsMs.end());
+}
+
+TEST_F(VeltraDriverPauses, ClosingEndsThePause) {
+    std::promise<void> pausing;
+    bool firstWait = true;
+    bool woken = true;
+    const ConditionWait notByTime([&](const auto& call) {
+        if (std::exchange(firstWait, false)) {
+            pausing.set_value();
+        }
+        const int result = call.waitUntilWoken();
+        woken = woken && result == 0;
+        return result;
+    });
+    ASSERT_TRUE(driver.open("", ""));
+    pausing.get_future().wait();
+    driver.close();
+    EXPECT_EQ(hid.openDevices(), 0U);
+    EXPECT_TRUE(woken) << "the pause ended by itself";
+}
+
+} // namespace
