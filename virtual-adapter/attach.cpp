@@ -20,7 +20,6 @@ namespace virtual_adapter {
 namespace {
 
 void attach(const AdapterSettings& settings) {
-    requireFaultOfAdapter(settings);
     const FileDescriptor stop = terminationSignals();
     std::array<int, 2> ends{};
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) {
@@ -48,7 +47,7 @@ void addAttachCommand(CLI::App& app) {
     CLI::App& command = *app.add_subcommand(
         "attach", "Plug the adapter into this machine's kernel (needs root and vhci-hcd)");
     const auto settings = std::make_shared<AdapterSettings>();
-    addAdapterOptions(command, *settings);
+    addAdapterOptionsOnRealHost(command, *settings);
     command.callback([settings] { attach(*settings); });
 }
 

@@ -2,6 +2,7 @@
 
 #include <CLI/Error.hpp>
 
+#include <set>
 #include <stdexcept>
 
 namespace virtual_adapter {
@@ -21,10 +22,22 @@ void addAdapterOptions(CLI::App& command, AdapterSettings& settings) {
     }
 }
 
-void requireFaultOfAdapter(const AdapterSettings& settings) {
-    if (isHostFault(settings.fault.kind)) {
-        throw CLI::ValidationError("--fault", "this one is the host's; only 'run' has it");
+void addAdapterOptionsOnRealHost(CLI::App& command, AdapterSettings& settings) {
+    addAdapterOptions(command, settings);
+    std::string names;
+    std::set<std::string> hostFaults;
+    for (const FaultName& fault : faultNames()) {
+        if (isHostFault(fault.kind)) {
+            hostFaults.insert(fault.name);
+        } else {
+            names += (names.empty() ? "" : ", ") + std::string(fault.name);
+        }
     }
+    command.get_option("--fault")
+        ->description("What goes wrong: " + names)
+        ->check([hostFaults](const std::string& name) {
+            return hostFaults.count(name) > 0 ? "this one is the host's; only 'run' has it" : "";
+        });
 }
 
 } // namespace virtual_adapter

@@ -9,7 +9,7 @@ namespace virtual_adapter {
 /// Gives @p command the options that choose an adapter; parsing fills @p settings.
 void addAdapterOptions(CLI::App& command, AdapterSettings& settings);
 
-/// Refuses a fault of the host's, where a real host carries the adapter's reports.
-void requireFaultOfAdapter(const AdapterSettings& settings);
+/// The same where a real host carries the adapter's reports, which has faults of its own.
+void addAdapterOptionsOnRealHost(CLI::App& command, AdapterSettings& settings);
 
 } // namespace virtual_adapter

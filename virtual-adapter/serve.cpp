@@ -24,7 +24,6 @@ struct ServeOptions {
 };
 
 void serve(const ServeOptions& options) {
-    requireFaultOfAdapter(options.settings);
     const FileDescriptor stop = terminationSignals();
     FileDescriptor listener = listeningSocket(options.address, options.port);
     const uint16_t port = portOf(listener);
@@ -43,7 +42,7 @@ void addServeCommand(CLI::App& app) {
     CLI::App& command =
         *app.add_subcommand("serve", "Export the adapter over USB/IP, for 'usbip attach'");
     const auto options = std::make_shared<ServeOptions>();
-    addAdapterOptions(command, options->settings);
+    addAdapterOptionsOnRealHost(command, options->settings);
     command.add_option("--address", options->address, "Listen on this numeric address")
         ->capture_default_str();
     command.add_option("--port", options->port, "Listen on this TCP port; 0 finds a free one")

@@ -84,6 +84,15 @@ TEST(Serve, AFaultOfTheHostIsRefused) {
     }
 }
 
+TEST(Serve, HelpNamesTheFaultsOfTheAdapterAlone) {
+    for (const std::string command : {"serve", "attach"}) {
+        const ProcessResult result = runProcess({VIRTUAL_ADAPTER, command, "--help"});
+        EXPECT_EQ(result.status, 0) << command;
+        EXPECT_THAT(result.output, HasSubstr("stall, over-long-count, notification-storm\n"))
+            << command;
+    }
+}
+
 TEST(Attach, WithoutTheKernelsModuleTheMessageSaysHowToLoadIt) {
     if (std::filesystem::exists("/sys/devices/platform/vhci_hcd.0")) {
         GTEST_SKIP() << "this kernel has the module";
