@@ -2,13 +2,27 @@
 
 #include <utility>
 
-static_assert(sizeof(I3cTargetInfo) == 16, "the record's memory is its wire layout");
-static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "the record's memory is its wire layout");
+static_assert(sizeof(I3cTargetInfo) == 16, "C callers hand over arrays of this stride");
 
 namespace {
 
 constexpr size_t recordCountOffset = 6;
 constexpr size_t recordsOffset = 7;
+constexpr size_t recordSize = 16;
+
+I3cTargetInfo targetAt(const ResponseFrame& response, size_t offset) {
+    I3cTargetInfo target{};
+    target.staticAddress = response.u8(offset);
+    target.dynamicAddress = response.u8(offset + 1);
+    response.copyTo(target.pid, offset + 2, sizeof(target.pid));
+    target.bcr = response.u8(offset + 8);
+    target.dcr = response.u8(offset + 9);
+    target.maxWriteLength = response.u16(offset + 10);
+    target.maxReadLength = response.u16(offset + 12);
+    target.maxIbiPayloadSize = response.u8(offset + 14);
+    target.configuration = response.u8(offset + 15);
+    return target;
+}
 
 uint8_t lowByte(uint32_t value) {
     return static_cast<uint8_t>(value & 0xFFU);
@@ -50,8 +64,11 @@ uint16_t VeltraSDK::i3cGetDeviceTable(std::vector<I3cTargetInfo>& table) {
     return transact([&](uint16_t id) { return asyncSdk->i3cGetDeviceTable(id); },
                     [&](const ResponseFrame& response) {
                         table.resize(response.u8(recordCountOffset));
-                        response.copyTo(table.data(), recordsOffset,
-                                        table.size() * sizeof(I3cTargetInfo));
+                        size_t offset = recordsOffset;
+                        for (I3cTargetInfo& target : table) {
+                            target = targetAt(response, offset);
+                            offset += recordSize;
+                        }
                     });
 }
 

@@ -4,9 +4,9 @@
 namespace {
 
 using test_support::Bytes;
-using test_support::memoryOf;
 using test_support::noResponse;
 using test_support::notConnected;
+using test_support::recordBytes;
 using test_support::refused;
 using test_support::sensor;
 using test_support::sensors;
@@ -25,7 +25,7 @@ Bytes tableOf(const std::vector<I3cTargetInfo>& records, uint16_t status) {
                    static_cast<uint8_t>(status & 0xFFU),
                    static_cast<uint8_t>(status >> 8U),
                    static_cast<uint8_t>(records.size())};
-    const Bytes memory = memoryOf(records);
+    const Bytes memory = recordBytes(records);
     response.insert(response.end(), memory.begin(), memory.end());
     return response;
 }
@@ -83,7 +83,7 @@ TEST_P(I3cBusFunctionTest, ATargetIsSentAsItLiesInMemory) {
 TEST_P(I3cBusFunctionTest, TheLargestCountSends255Records) {
     const std::vector<I3cTargetInfo> targets = sensors(255);
     Bytes request{0x01, 0x00, 0x04, 0x19, 0xFF};
-    const Bytes memory = memoryOf(targets);
+    const Bytes memory = recordBytes(targets);
     request.insert(request.end(), memory.begin(), memory.end());
     onWireLong(request, {0x01, 0x00, 0x04, 0x19, 0x00, 0x00});
     EXPECT_EQ(VeltraSDK_I3cInitBus(handle(), targets.data(), 255), 0);
@@ -97,7 +97,7 @@ TEST_P(I3cBusFunctionTest, ADeviceTableThatFitsIsCopiedWhole) {
     EXPECT_EQ(count, 2);
     std::vector<I3cTargetInfo> expected = sensors(2);
     expected.resize(3);
-    EXPECT_EQ(memoryOf(table), memoryOf(expected));
+    EXPECT_EQ(recordBytes(table), recordBytes(expected));
 }
 
 TEST_P(I3cBusFunctionTest, ATableOfFiveRecordsGivesTheFirstTwoToACapacityOfTwo) {
@@ -106,7 +106,7 @@ TEST_P(I3cBusFunctionTest, ATableOfFiveRecordsGivesTheFirstTwoToACapacityOfTwo) 
     uint8_t count = 0xEE;
     EXPECT_EQ(VeltraSDK_I3cGetDeviceTable(handle(), table.data(), 2, &count), 0);
     EXPECT_EQ(count, 2);
-    EXPECT_EQ(memoryOf(table), memoryOf(sensors(2)));
+    EXPECT_EQ(recordBytes(table), recordBytes(sensors(2)));
 }
 
 TEST_P(I3cBusFunctionTest, TheLargestTableFitsIntoTheLargestCapacity) {
@@ -115,7 +115,7 @@ TEST_P(I3cBusFunctionTest, TheLargestTableFitsIntoTheLargestCapacity) {
     uint8_t count = 0;
     EXPECT_EQ(VeltraSDK_I3cGetDeviceTable(handle(), table.data(), 255, &count), 0);
     EXPECT_EQ(count, 255);
-    EXPECT_EQ(memoryOf(table), memoryOf(sensors(255)));
+    EXPECT_EQ(recordBytes(table), recordBytes(sensors(255)));
 }
 
 TEST_P(I3cBusFunctionTest, ACapacityOfZeroStoresACountOfZeroAndNoRecord) {
@@ -124,7 +124,7 @@ TEST_P(I3cBusFunctionTest, ACapacityOfZeroStoresACountOfZeroAndNoRecord) {
     uint8_t count = 0xEE;
     EXPECT_EQ(VeltraSDK_I3cGetDeviceTable(handle(), &table, 0, &count), 0);
     EXPECT_EQ(count, 0);
-    EXPECT_EQ(memoryOf({table}), memoryOf({sensor}));
+    EXPECT_EQ(recordBytes({table}), recordBytes({sensor}));
 }
 
 TEST_P(I3cBusFunctionTest, ATableWithoutRecordsStoresACountOfZero) {
@@ -134,7 +134,7 @@ TEST_P(I3cBusFunctionTest, ATableWithoutRecordsStoresACountOfZero) {
     uint8_t count = 0xEE;
     EXPECT_EQ(VeltraSDK_I3cGetDeviceTable(handle(), &table, 1, &count), 0);
     EXPECT_EQ(count, 0);
-    EXPECT_EQ(memoryOf({table}), memoryOf({sensor}));
+    EXPECT_EQ(recordBytes({table}), recordBytes({sensor}));
 }
 
 TEST_P(I3cBusFunctionTest, ATableWithANonzeroStatusLeavesTheArrayAndTheCount) {
@@ -143,7 +143,7 @@ TEST_P(I3cBusFunctionTest, ATableWithANonzeroStatusLeavesTheArrayAndTheCount) {
     uint8_t count = 0xEE;
     EXPECT_EQ(VeltraSDK_I3cGetDeviceTable(handle(), &table, 1, &count), 0x1234);
     EXPECT_EQ(count, 0xEE);
-    EXPECT_EQ(memoryOf({table}), memoryOf({sensor}));
+    EXPECT_EQ(recordBytes({table}), recordBytes({sensor}));
 }
 
 TEST_P(I3cBusFunctionWithoutWaitingTest, ATableWithoutAResponseLeavesTheArrayAndTheCount) {
@@ -152,7 +152,7 @@ TEST_P(I3cBusFunctionWithoutWaitingTest, ATableWithoutAResponseLeavesTheArrayAnd
     uint8_t count = 0xEE;
     EXPECT_EQ(VeltraSDK_I3cGetDeviceTable(handle(), &table, 1, &count), noResponse);
     EXPECT_EQ(count, 0xEE);
-    EXPECT_EQ(memoryOf({table}), memoryOf({sensor}));
+    EXPECT_EQ(recordBytes({table}), recordBytes({sensor}));
 }
 
 TEST_P(I3cBusFunctionTest, ATableThatAnnouncesMoreThanItCarriesIsFilledWithZeros) {
@@ -164,7 +164,7 @@ TEST_P(I3cBusFunctionTest, ATableThatAnnouncesMoreThanItCarriesIsFilledWithZeros
     EXPECT_EQ(count, 2);
     std::vector<I3cTargetInfo> expected(2, I3cTargetInfo{});
     expected[0].staticAddress = 0x48;
-    EXPECT_EQ(memoryOf(table), memoryOf(expected));
+    EXPECT_EQ(recordBytes(table), recordBytes(expected));
 }
 
 TEST_P(I3cBusFunctionTest, ADeviceTableWithoutACountPointerIsRefused) {
@@ -213,7 +213,7 @@ void expectNotConnected(VeltraSDK_Handle* handle) {
     uint8_t count = 0xEE;
     EXPECT_EQ(VeltraSDK_I3cGetDeviceTable(handle, &table, 1, &count), notConnected);
     EXPECT_EQ(count, 0xEE);
-    EXPECT_EQ(memoryOf({table}), memoryOf({sensor}));
+    EXPECT_EQ(recordBytes({table}), recordBytes({sensor}));
     EXPECT_EQ(
         VeltraSDK_I3cSetTargetDeviceConfiguration(handle, 0, I3cTargetConfiguration_AcceptIbi),
         notConnected);

@@ -4,7 +4,7 @@
 namespace {
 
 using test_support::Bytes;
-using test_support::memoryOf;
+using test_support::recordBytes;
 using test_support::sensor;
 using test_support::sensors;
 
@@ -31,20 +31,20 @@ TEST_P(I3cBusEncoderTest, AnEmptyListSendsFiveBytesThatEndInACountOfZero) {
     expectSent({0x17, 0x00, 0x01, 0x00, 0x04, 0x19, 0x00});
 }
 
-TEST_P(I3cBusEncoderTest, ARecordIsSentFieldByFieldInTheOrderOfItsMemory) {
+TEST_P(I3cBusEncoderTest, ARecordIsSentFieldByFieldInOrder) {
     EXPECT_EQ(sdk.i3cInitBus(1, {sensor}), 0);
     expectSent({0x57, 0x00, 0x01, 0x00, 0x04, 0x19, 0x01,             //
                 0x48, 0x0A, 0x02, 0x46, 0x13, 0x57, 0x9B, 0xDF, 0x27, //
                 0x63, 0x00, 0x01, 0x80, 0x02, 0x10, 0x01});
-    EXPECT_EQ(memoryOf({sensor}), (Bytes{0x48, 0x0A, 0x02, 0x46, 0x13, 0x57, 0x9B, 0xDF, 0x27, 0x63,
-                                         0x00, 0x01, 0x80, 0x02, 0x10, 0x01}));
+    EXPECT_EQ(recordBytes({sensor}), (Bytes{0x48, 0x0A, 0x02, 0x46, 0x13, 0x57, 0x9B, 0xDF, 0x27,
+                                            0x63, 0x00, 0x01, 0x80, 0x02, 0x10, 0x01}));
 }
 
 TEST_P(I3cBusEncoderTest, TheLongestListHas255Records) {
     const std::vector<I3cTargetInfo> list = sensors(255);
     EXPECT_EQ(sdk.i3cInitBus(1, list), 0);
     Bytes message{0x01, 0x00, 0x04, 0x19, 0xFF};
-    const Bytes records = memoryOf(list);
+    const Bytes records = recordBytes(list);
     message.insert(message.end(), records.begin(), records.end());
     expectSentLong(message);
 }

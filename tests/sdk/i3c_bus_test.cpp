@@ -4,7 +4,7 @@
 namespace {
 
 using test_support::Bytes;
-using test_support::memoryOf;
+using test_support::recordBytes;
 using test_support::sensor;
 using test_support::sensors;
 
@@ -60,9 +60,9 @@ TEST_P(I3cBusTest, AnEmptyListOfTargetsIsSent) {
     EXPECT_EQ(sdk().i3cInitBus({}), 0);
 }
 
-TEST_P(I3cBusTest, TheLast16BytesOfAListOfOneTargetAreItsMemory) {
+TEST_P(I3cBusTest, TheLast16BytesOfAListOfOneTargetAreItsRecord) {
     Bytes packet{0x57, 0x00, 0x01, 0x00, 0x04, 0x19, 0x01};
-    const Bytes memory = memoryOf({sensor});
+    const Bytes memory = recordBytes({sensor});
     packet.insert(packet.end(), memory.begin(), memory.end());
     onWire(packet, {0x1B, 0x00, 0x01, 0x00, 0x04, 0x19, 0x34, 0x12});
     EXPECT_EQ(sdk().i3cInitBus({sensor}), 0x1234);
@@ -71,7 +71,7 @@ TEST_P(I3cBusTest, TheLast16BytesOfAListOfOneTargetAreItsMemory) {
 TEST_P(I3cBusTest, AListOf255TargetsIsSentWhole) {
     const std::vector<I3cTargetInfo> targets = sensors(255);
     Bytes request{0x01, 0x00, 0x04, 0x19, 0xFF};
-    const Bytes memory = memoryOf(targets);
+    const Bytes memory = recordBytes(targets);
     request.insert(request.end(), memory.begin(), memory.end());
     onWireLong(request, {0x01, 0x00, 0x04, 0x19, 0x00, 0x00});
     EXPECT_EQ(sdk().i3cInitBus(targets), 0);
@@ -93,7 +93,7 @@ TEST_P(I3cBusTest, TheDeviceTableHoldsTheRecordsOfTheResponse) {
     std::vector<I3cTargetInfo> table;
     EXPECT_EQ(sdk().i3cGetDeviceTable(table), 0);
     ASSERT_EQ(table.size(), 2U);
-    EXPECT_EQ(memoryOf({table[0]}), memoryOf({sensor}));
+    EXPECT_EQ(recordBytes({table[0]}), recordBytes({sensor}));
     EXPECT_EQ(table[1].staticAddress, 0x00);
     EXPECT_EQ(table[1].dynamicAddress, 0x0B);
     EXPECT_EQ(Bytes(table[1].pid, table[1].pid + 6), (Bytes{0xF1, 0xF2, 0xF3, 0xF4, 0xF5, 0xF6}));
@@ -108,12 +108,12 @@ TEST_P(I3cBusTest, TheDeviceTableHoldsTheRecordsOfTheResponse) {
 TEST_P(I3cBusTest, ADeviceTableOf255RecordsArrivesWhole) {
     const std::vector<I3cTargetInfo> targets = sensors(255);
     Bytes response{0x01, 0x00, 0x06, 0x19, 0x00, 0x00, 0xFF};
-    const Bytes memory = memoryOf(targets);
+    const Bytes memory = recordBytes(targets);
     response.insert(response.end(), memory.begin(), memory.end());
     onWireLong({0x01, 0x00, 0x06, 0x19}, response);
     std::vector<I3cTargetInfo> table;
     EXPECT_EQ(sdk().i3cGetDeviceTable(table), 0);
-    EXPECT_EQ(memoryOf(table), memory);
+    EXPECT_EQ(recordBytes(table), memory);
 }
 
 TEST_P(I3cBusTest, ADeviceTableWithoutRecordsEmptiesTheVector) {
@@ -132,7 +132,7 @@ TEST_P(I3cBusTest, ADeviceTableReplacesTheVectorWhateverTheStatus) {
     std::vector<I3cTargetInfo> table(3);
     EXPECT_EQ(sdk().i3cGetDeviceTable(table), 0x1234);
     ASSERT_EQ(table.size(), 1U);
-    EXPECT_EQ(memoryOf(table), memoryOf({sensor}));
+    EXPECT_EQ(recordBytes(table), recordBytes({sensor}));
 }
 
 TEST_P(I3cBusTest, ADeviceTableHasAsManyRecordsAsAnnouncedWhereverItsResponseEnds) {
@@ -147,7 +147,7 @@ TEST_P(I3cBusTest, ADeviceTableHasAsManyRecordsAsAnnouncedWhereverItsResponseEnd
                             EXPECT_EQ(sdk().i3cGetDeviceTable(table), 0x1234);
                             Bytes expected(received.begin() + 7, received.end());
                             expected.resize(received[6] * sizeof(I3cTargetInfo));
-                            EXPECT_EQ(memoryOf(table), expected);
+                            EXPECT_EQ(recordBytes(table), expected);
                         });
 }
 
@@ -159,7 +159,7 @@ TEST_P(I3cBusTest, AnOverlongCountOfRecordsReadsAsZeroBeyondTheResponse) {
     std::vector<I3cTargetInfo> expected(255, I3cTargetInfo{});
     expected[0].staticAddress = 0x48;
     expected[0].dynamicAddress = 0x0A;
-    EXPECT_EQ(memoryOf(table), memoryOf(expected));
+    EXPECT_EQ(recordBytes(table), recordBytes(expected));
 }
 
 TEST_P(I3cBusTest, ConfiguringATargetReturnsTheStatus) {
@@ -200,7 +200,7 @@ TEST_P(I3cBusTest, TheTableIsKeptWhenNoResponseComes) {
     EXPECT_TRUE(impatient.connect(""));
     std::vector<I3cTargetInfo> table(3, sensor);
     EXPECT_EQ(impatient.i3cGetDeviceTable(table), 0x2000);
-    EXPECT_EQ(memoryOf(table), memoryOf({sensor, sensor, sensor}));
+    EXPECT_EQ(recordBytes(table), recordBytes({sensor, sensor, sensor}));
 }
 
 } // namespace

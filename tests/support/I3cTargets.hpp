@@ -4,7 +4,7 @@
 
 #include <veltrasdk/i3c.h>
 
-#include <cstring>
+#include <iterator>
 
 namespace test_support {
 
@@ -21,13 +21,22 @@ inline std::vector<I3cTargetInfo> sensors(size_t count) {
     return list;
 }
 
-/// Records as they lie in memory.
-inline Bytes memoryOf(const std::vector<I3cTargetInfo>& records) {
-    Bytes memory(records.size() * sizeof(I3cTargetInfo));
-    if (!records.empty()) {
-        std::memcpy(memory.data(), records.data(), memory.size());
+/// Records as they travel.
+inline Bytes recordBytes(const std::vector<I3cTargetInfo>& records) {
+    Bytes bytes;
+    const auto append16 = [&bytes](unsigned value) {
+        bytes.push_back(static_cast<uint8_t>(value & 0xFFU));
+        bytes.push_back(static_cast<uint8_t>(value >> 8U));
+    };
+    for (const I3cTargetInfo& record : records) {
+        bytes.insert(bytes.end(), {record.staticAddress, record.dynamicAddress});
+        bytes.insert(bytes.end(), std::begin(record.pid), std::end(record.pid));
+        bytes.insert(bytes.end(), {record.bcr, record.dcr});
+        append16(record.maxWriteLength);
+        append16(record.maxReadLength);
+        bytes.insert(bytes.end(), {record.maxIbiPayloadSize, record.configuration});
     }
-    return memory;
+    return bytes;
 }
 
 } // namespace test_support
