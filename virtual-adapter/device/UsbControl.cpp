@@ -1,5 +1,7 @@
 #include "device/UsbControl.hpp"
 
+#include "bytes/ByteReader.hpp"
+
 #include <algorithm>
 #include <utility>
 
@@ -38,14 +40,6 @@ constexpr uint8_t outputReportType = 2;
 const std::optional<Bytes> stall;
 const std::optional<Bytes> accepted = Bytes{};
 
-uint8_t highByte(uint16_t value) {
-    return static_cast<uint8_t>(value >> 8U);
-}
-
-uint8_t lowByte(uint16_t value) {
-    return static_cast<uint8_t>(value & 0xFFU);
-}
-
 Request requestOf(const SetupPacket& setup) {
     return static_cast<Request>(setup.requestType << 8U | setup.request);
 }
@@ -61,10 +55,8 @@ bool isInterruptEndpoint(uint16_t address) {
 } // namespace
 
 SetupPacket SetupPacket::fromBytes(const std::array<uint8_t, 8>& bytes) {
-    const auto u16 = [&](size_t offset) {
-        return static_cast<uint16_t>(bytes.at(offset) | bytes.at(offset + 1) << 8U);
-    };
-    return {bytes[0], bytes[1], u16(2), u16(4), u16(6)};
+    ByteReader reader(bytes);
+    return {reader.u8(), reader.u8(), reader.u16(), reader.u16(), reader.u16()};
 }
 
 std::optional<Bytes> UsbControl::handle(const SetupPacket& setup, const Bytes& hostData,

@@ -1,8 +1,7 @@
 #include "device/UsbDescriptors.hpp"
 
+#include "bytes/ByteWriter.hpp"
 #include "device/Utf16.hpp"
-
-#include <utility>
 
 namespace virtual_adapter {
 
@@ -14,6 +13,7 @@ constexpr uint16_t englishUnitedStates = 0x0409;
 constexpr uint8_t classOfInterface = 0;
 constexpr uint8_t noSubclass = 0;
 constexpr uint8_t noProtocol = 0;
+constexpr uint8_t noText = 0;
 constexpr uint8_t configurations = 1;
 constexpr uint8_t controlPacketSize = 64;
 constexpr size_t fullSpeedPacketSize = 64;
@@ -28,43 +28,49 @@ constexpr uint8_t manufacturerIndex = 1;
 constexpr uint8_t productIndex = 2;
 constexpr uint8_t serialNumberIndex = 3;
 
-constexpr uint8_t low(size_t value) {
-    return static_cast<uint8_t>(value & 0xFFU);
-}
-
-constexpr uint8_t high(size_t value) {
-    return static_cast<uint8_t>(value >> 8U & 0xFFU);
-}
-
-void append(Bytes& descriptor, const Bytes& part) {
-    descriptor.insert(descriptor.end(), part.begin(), part.end());
-}
-
-Bytes withLength(Bytes descriptor) {
-    descriptor.front() = low(descriptor.size());
-    return descriptor;
+/// A descriptor whose first two bytes are its length and @p type.
+Bytes descriptor(uint8_t type, const ByteWriter& fields) {
+    const size_t length = fields.size() + 2;
+    return ByteWriter().u8(static_cast<uint8_t>(length)).u8(type).append(fields).take();
 }
 
 Bytes endpointDescriptor(uint8_t address, size_t packetSize) {
-    return withLength({0, endpointDescriptorType, address, interruptEndpoint, low(packetSize),
-                       high(packetSize), everyServiceInterval});
+    return descriptor(endpointDescriptorType, ByteWriter()
+                                                  .u8(address)
+                                                  .u8(interruptEndpoint)
+                                                  .u16(static_cast<uint16_t>(packetSize))
+                                                  .u8(everyServiceInterval));
+}
+
+Bytes interfaceDescriptor() {
+    constexpr uint8_t alternateSetting = 0;
+    constexpr uint8_t endpoints = 2;
+    return descriptor(interfaceDescriptorType, ByteWriter()
+                                                   .u8(onlyInterface)
+                                                   .u8(alternateSetting)
+                                                   .u8(endpoints)
+                                                   .u8(hidInterfaceClass)
+                                                   .u8(noSubclass)
+                                                   .u8(noProtocol)
+                                                   .u8(noText));
 }
 
 Bytes configurationWithPackets(uint8_t type, const UsbIdentity& identity, size_t packetSize) {
+    constexpr size_t ownLength = 9;
     constexpr uint8_t interfaces = 1;
-    constexpr uint8_t alternateSetting = 0;
-    constexpr uint8_t endpoints = 2;
-    constexpr uint8_t noText = 0;
-    Bytes whole{
-        9, type, 0, 0, interfaces, onlyConfiguration, noText, busPowered, hundredMilliamperes};
-    append(whole, withLength({0, interfaceDescriptorType, onlyInterface, alternateSetting,
-                              endpoints, hidInterfaceClass, noSubclass, noProtocol, noText}));
-    append(whole, hidDescriptor(identity));
-    append(whole, endpointDescriptor(inEndpointAddress, packetSize));
-    append(whole, endpointDescriptor(outEndpointAddress, packetSize));
-    whole.at(2) = low(whole.size());
-    whole.at(3) = high(whole.size());
-    return whole;
+    ByteWriter parts;
+    parts.bytes(interfaceDescriptor())
+        .bytes(hidDescriptor(identity))
+        .bytes(endpointDescriptor(inEndpointAddress, packetSize))
+        .bytes(endpointDescriptor(outEndpointAddress, packetSize));
+    const Bytes own = descriptor(type, ByteWriter()
+                                           .u16(static_cast<uint16_t>(ownLength + parts.size()))
+                                           .u8(interfaces)
+                                           .u8(onlyConfiguration)
+                                           .u8(noText)
+                                           .u8(busPowered)
+                                           .u8(hundredMilliamperes));
+    return ByteWriter().bytes(own).append(parts).take();
 }
 
 } // namespace
@@ -74,11 +80,19 @@ UsbSpeed speedOf(const UsbIdentity& identity) {
 }
 
 Bytes deviceDescriptor(const UsbIdentity& identity) {
-    return withLength({0, deviceDescriptorType, low(usbRelease), high(usbRelease), classOfInterface,
-                       noSubclass, noProtocol, controlPacketSize, low(identity.vendorId),
-                       high(identity.vendorId), low(identity.productId), high(identity.productId),
-                       low(identity.deviceRelease), high(identity.deviceRelease), manufacturerIndex,
-                       productIndex, serialNumberIndex, configurations});
+    return descriptor(deviceDescriptorType, ByteWriter()
+                                                .u16(usbRelease)
+                                                .u8(classOfInterface)
+                                                .u8(noSubclass)
+                                                .u8(noProtocol)
+                                                .u8(controlPacketSize)
+                                                .u16(identity.vendorId)
+                                                .u16(identity.productId)
+                                                .u16(identity.deviceRelease)
+                                                .u8(manufacturerIndex)
+                                                .u8(productIndex)
+                                                .u8(serialNumberIndex)
+                                                .u8(configurations));
 }
 
 Bytes configurationDescriptor(const UsbIdentity& identity) {
@@ -89,30 +103,38 @@ Bytes configurationDescriptor(const UsbIdentity& identity) {
 Bytes hidDescriptor(const UsbIdentity& identity) {
     constexpr uint8_t noCountry = 0;
     constexpr uint8_t classDescriptors = 1;
-    const size_t reportDescriptorSize = reportDescriptor(identity).size();
-    return withLength({0, hidDescriptorType, low(hidRelease), high(hidRelease), noCountry,
-                       classDescriptors, reportDescriptorType, low(reportDescriptorSize),
-                       high(reportDescriptorSize)});
+    return descriptor(hidDescriptorType,
+                      ByteWriter()
+                          .u16(hidRelease)
+                          .u8(noCountry)
+                          .u8(classDescriptors)
+                          .u8(reportDescriptorType)
+                          .u16(static_cast<uint16_t>(reportDescriptor(identity).size())));
 }
 
 Bytes reportDescriptor(const UsbIdentity& identity) {
-    const size_t count = identity.model.reportSize;
-    const Bytes reportCount =
-        count <= 0xFF ? Bytes{0x95, low(count)} : Bytes{0x96, low(count), high(count)};
-    Bytes descriptor{0x06, 0x00, 0xFF};     // Usage Page (vendor-defined)
-    append(descriptor, {0x09, 0x01});       // Usage
-    append(descriptor, {0xA1, 0x01});       // Collection (Application)
-    append(descriptor, {0x15, 0x00});       // Logical Minimum (0)
-    append(descriptor, {0x26, 0xFF, 0x00}); // Logical Maximum (255)
-    append(descriptor, {0x75, 0x08});       // Report Size (8 bits)
-    append(descriptor, reportCount);        // Report Count
-    append(descriptor, {0x09, 0x02});       // Usage
-    append(descriptor, {0x81, 0x02});       // Input (Data, Variable, Absolute)
-    append(descriptor, reportCount);        // Report Count
-    append(descriptor, {0x09, 0x03});       // Usage
-    append(descriptor, {0x91, 0x02});       // Output (Data, Variable, Absolute)
-    append(descriptor, {0xC0});             // End Collection
-    return descriptor;
+    const auto count = static_cast<uint16_t>(identity.model.reportSize);
+    ByteWriter reportCount;
+    if (count <= 0xFF) {
+        reportCount.u8(0x95).u8(static_cast<uint8_t>(count));
+    } else {
+        reportCount.u8(0x96).u16(count);
+    }
+    return ByteWriter()
+        .bytes({0x06, 0x00, 0xFF}) // Usage Page (vendor-defined)
+        .bytes({0x09, 0x01})       // Usage
+        .bytes({0xA1, 0x01})       // Collection (Application)
+        .bytes({0x15, 0x00})       // Logical Minimum (0)
+        .bytes({0x26, 0xFF, 0x00}) // Logical Maximum (255)
+        .bytes({0x75, 0x08})       // Report Size (8 bits)
+        .append(reportCount)       // Report Count
+        .bytes({0x09, 0x02})       // Usage
+        .bytes({0x81, 0x02})       // Input (Data, Variable, Absolute)
+        .append(reportCount)       // Report Count
+        .bytes({0x09, 0x03})       // Usage
+        .bytes({0x91, 0x02})       // Output (Data, Variable, Absolute)
+        .bytes({0xC0})             // End Collection
+        .take();
 }
 
 Bytes deviceQualifierDescriptor(const UsbIdentity& identity) {
@@ -120,9 +142,14 @@ Bytes deviceQualifierDescriptor(const UsbIdentity& identity) {
         return {};
     }
     constexpr uint8_t reserved = 0;
-    return withLength({0, deviceQualifierDescriptorType, low(usbRelease), high(usbRelease),
-                       classOfInterface, noSubclass, noProtocol, controlPacketSize, configurations,
-                       reserved});
+    return descriptor(deviceQualifierDescriptorType, ByteWriter()
+                                                         .u16(usbRelease)
+                                                         .u8(classOfInterface)
+                                                         .u8(noSubclass)
+                                                         .u8(noProtocol)
+                                                         .u8(controlPacketSize)
+                                                         .u8(configurations)
+                                                         .u8(reserved));
 }
 
 Bytes otherSpeedConfigurationDescriptor(const UsbIdentity& identity) {
@@ -137,8 +164,7 @@ Bytes stringDescriptor(const UsbIdentity& identity, const std::string& serialNum
                        uint8_t index) {
     switch (index) {
     case 0:
-        return withLength(
-            {0, stringDescriptorType, low(englishUnitedStates), high(englishUnitedStates)});
+        return descriptor(stringDescriptorType, ByteWriter().u16(englishUnitedStates));
     case manufacturerIndex:
         return textDescriptor(identity.manufacturer);
     case productIndex:
@@ -151,18 +177,18 @@ Bytes stringDescriptor(const UsbIdentity& identity, const std::string& serialNum
 }
 
 Bytes textDescriptor(const std::string& text) {
-    Bytes descriptor{0, stringDescriptorType};
+    ByteWriter units;
     for (const char32_t character : charactersOfUtf8(text)) {
-        Bytes units;
+        ByteWriter unitsOfCharacter;
         for (const char16_t unit : utf16UnitsOf(character)) {
-            append(units, {low(unit), high(unit)});
+            unitsOfCharacter.u16(unit);
         }
-        if (descriptor.size() + units.size() > longestDescriptor) {
+        if (2 + units.size() + unitsOfCharacter.size() > longestDescriptor) {
             break;
         }
-        append(descriptor, units);
+        units.append(unitsOfCharacter);
     }
-    return withLength(std::move(descriptor));
+    return descriptor(stringDescriptorType, units);
 }
 
 } // namespace virtual_adapter

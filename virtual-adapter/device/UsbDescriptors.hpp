@@ -1,7 +1,7 @@
 #pragma once
 
+#include "bytes/Bytes.hpp"
 #include "device/UsbIdentity.hpp"
-#include "model/Frame.hpp"
 
 #include <cstdint>
 #include <string>

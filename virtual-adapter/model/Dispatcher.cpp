@@ -4,6 +4,7 @@ namespace virtual_adapter {
 
 namespace {
 
+constexpr size_t identifierSize = 2;
 constexpr size_t headerSize = 4;
 
 } // namespace
@@ -12,11 +13,11 @@ Frame Dispatcher::respond(const Frame& request) const {
     if (request.size() < headerSize) {
         return {};
     }
-    PayloadReader header(request, 2);
-    const auto handler = handlers.find(static_cast<CommandCode>(header.u16()));
-    PayloadReader payload(request, headerSize);
+    ByteReader reader(request);
+    reader.skip(identifierSize);
+    const auto handler = handlers.find(static_cast<CommandCode>(reader.u16()));
     const Answer answer =
-        handler == handlers.end() ? Answer(Status::UnknownCommand) : handler->second(payload);
+        handler == handlers.end() ? Answer(Status::UnknownCommand) : handler->second(reader);
 
     Frame response(request.begin(), request.begin() + headerSize);
     appendU16(response, static_cast<uint16_t>(answer.status));

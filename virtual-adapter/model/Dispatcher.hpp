@@ -1,6 +1,7 @@
 #pragma once
 
-#include "model/PayloadReader.hpp"
+#include "bytes/ByteReader.hpp"
+#include "model/Frame.hpp"
 #include "model/Status.hpp"
 
 #include "protocol/CommandCode.hpp"
@@ -24,7 +25,7 @@ struct Answer {
 /// The commands that the adapter knows. Each family registers its own.
 class Dispatcher {
 public:
-    using Handler = std::function<Answer(PayloadReader&)>;
+    using Handler = std::function<Answer(ByteReader&)>;
 
     void on(CommandCode command, Handler handler) { handlers[command] = std::move(handler); }
 

@@ -67,7 +67,7 @@ Status checkAddressByte(uint8_t byte) {
 
 } // namespace
 
-I3cCccCommand::I3cCccCommand(PayloadReader& request)
+I3cCccCommand::I3cCccCommand(ByteReader& request)
     : targetAddress(request.u8()),
       control(request.u8()),
       lengthField(request.u8()),

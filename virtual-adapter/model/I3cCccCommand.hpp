@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/PayloadReader.hpp"
+#include "bytes/ByteReader.hpp"
 #include "model/Status.hpp"
 
 #include <veltrasdk/i3c.h>
@@ -15,7 +15,7 @@ class I3cCccCommand {
 public:
     enum class Kind { Broadcast, Write, Read };
 
-    explicit I3cCccCommand(PayloadReader& request);
+    explicit I3cCccCommand(ByteReader& request);
 
     /// Whether the controller can send the command: the code is one that it knows, and the rest
     /// is what the code calls for.

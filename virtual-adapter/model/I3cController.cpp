@@ -60,7 +60,7 @@ Status I3cController::resetBus() {
 }
 
 Dispatcher::Handler I3cController::whenSupplied(Dispatcher::Handler handler) const {
-    return [this, handler = std::move(handler)](PayloadReader& request) {
+    return [this, handler = std::move(handler)](ByteReader& request) {
         return hasSupply ? handler(request) : Answer(Status::NoVoltage);
     };
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/PayloadReader.hpp"
+#include "bytes/ByteReader.hpp"
 #include "model/Status.hpp"
 
 namespace virtual_adapter {
@@ -12,7 +12,7 @@ constexpr bool within(Value value, Bound lowest, Bound highest) {
 }
 
 /// The status of a request whose fields have all been read: the layout counts before the values.
-inline Status check(const PayloadReader& request, bool valuesKnown) {
+inline Status check(const ByteReader& request, bool valuesKnown) {
     if (!request.consumedExactly()) {
         return Status::MalformedRequest;
     }

@@ -6,7 +6,7 @@ namespace virtual_adapter {
 
 namespace {
 
-GpioPinNumber readPin(PayloadReader& request) {
+GpioPinNumber readPin(ByteReader& request) {
     return static_cast<GpioPinNumber>(request.u8());
 }
 
@@ -52,7 +52,7 @@ void Gpio::registerCommands(Dispatcher& dispatcher) {
                   voltage.required([this](auto& request) { return disableInterrupt(request); }));
 }
 
-Answer Gpio::configurePin(PayloadReader& request) {
+Answer Gpio::configurePin(ByteReader& request) {
     const GpioPinNumber pin = readPin(request);
     const auto functionality = static_cast<GpioFunctionality>(request.u8());
     // Only a push-pull output takes a level along; an open-drain output starts released.
@@ -70,7 +70,7 @@ Answer Gpio::configurePin(PayloadReader& request) {
     return status;
 }
 
-Answer Gpio::digitalWrite(PayloadReader& request) {
+Answer Gpio::digitalWrite(ByteReader& request) {
     const GpioPinNumber pin = readPin(request);
     const auto level = static_cast<GpioLogicLevel>(request.u8());
     const Status status = check(request, isPin(pin) && isLevel(level));
@@ -89,7 +89,7 @@ Answer Gpio::digitalWrite(PayloadReader& request) {
     return Status::Success;
 }
 
-Answer Gpio::digitalRead(PayloadReader& request) {
+Answer Gpio::digitalRead(ByteReader& request) {
     const GpioPinNumber pin = readPin(request);
     const Status status = check(request, isPin(pin));
     if (status != Status::Success) {
@@ -101,7 +101,7 @@ Answer Gpio::digitalRead(PayloadReader& request) {
     return {Status::Success, {bank.level(pin)}};
 }
 
-Answer Gpio::configureInterrupt(PayloadReader& request) {
+Answer Gpio::configureInterrupt(ByteReader& request) {
     const GpioPinNumber pin = readPin(request);
     const auto trigger = static_cast<GpioTriggerType>(request.u8());
     const Status status = check(request, isPin(pin) && within(trigger, GpioTriggerType_RisingEdge,
@@ -119,7 +119,7 @@ Answer Gpio::configureInterrupt(PayloadReader& request) {
     return Status::Success;
 }
 
-Answer Gpio::disableInterrupt(PayloadReader& request) {
+Answer Gpio::disableInterrupt(ByteReader& request) {
     const GpioPinNumber pin = readPin(request);
     const Status status = check(request, isPin(pin));
     if (status != Status::Success) {

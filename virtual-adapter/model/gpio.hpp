@@ -18,11 +18,11 @@ public:
     void registerCommands(Dispatcher& dispatcher);
 
 private:
-    Answer configurePin(PayloadReader& request);
-    Answer digitalWrite(PayloadReader& request);
-    Answer digitalRead(PayloadReader& request);
-    Answer configureInterrupt(PayloadReader& request);
-    Answer disableInterrupt(PayloadReader& request);
+    Answer configurePin(ByteReader& request);
+    Answer digitalWrite(ByteReader& request);
+    Answer digitalRead(ByteReader& request);
+    Answer configureInterrupt(ByteReader& request);
+    Answer disableInterrupt(ByteReader& request);
 
     /// Sends the interrupts of the armed pins whose levels have changed since @p before.
     void sendInterrupts(const GpioBank::Levels& before);

@@ -18,7 +18,7 @@ constexpr unsigned strongestPullUp = 3;
 
 /// The payload of 0x0901 and 0x0902.
 struct Settings {
-    explicit Settings(PayloadReader& request)
+    explicit Settings(ByteReader& request)
         : busIndex(request.u8()),
           clock(request.u32()),
           option(request.u8()),
@@ -37,7 +37,7 @@ struct Settings {
 
 /// What the payloads of 0x0904 and 0x0905 have in common.
 struct Transfer {
-    explicit Transfer(PayloadReader& request)
+    explicit Transfer(ByteReader& request)
         : busIndex(request.u8()),
           length(request.u16()),
           target(request.u8()),
@@ -107,7 +107,7 @@ void I2c::registerCommands(Dispatcher& dispatcher) {
     });
 }
 
-Answer I2c::setPullUpResistors(PayloadReader& request) {
+Answer I2c::setPullUpResistors(ByteReader& request) {
     const size_t busIndex = request.u8();
     const unsigned setting = request.u8();
     const Status status = check(request, busIndex < busCount && setting <= strongestPullUp);
@@ -117,7 +117,7 @@ Answer I2c::setPullUpResistors(PayloadReader& request) {
     return status;
 }
 
-Answer I2c::controllerInit(PayloadReader& request) {
+Answer I2c::controllerInit(ByteReader& request) {
     const Settings settings(request);
     if (settings.status == Status::Success) {
         controllers.at(settings.busIndex).init(settings.polling());
@@ -125,7 +125,7 @@ Answer I2c::controllerInit(PayloadReader& request) {
     return settings.status;
 }
 
-Answer I2c::setParameters(PayloadReader& request) {
+Answer I2c::setParameters(ByteReader& request) {
     const Settings settings(request);
     if (settings.status != Status::Success) {
         return settings.status;
@@ -133,7 +133,7 @@ Answer I2c::setParameters(PayloadReader& request) {
     return controllers.at(settings.busIndex).setParameters(settings.polling());
 }
 
-Answer I2c::write(PayloadReader& request) {
+Answer I2c::write(ByteReader& request) {
     const Transfer transfer(request);
     const Bytes data = request.bytes(transfer.length);
     const Status status = check(request, transfer.valuesKnown());
@@ -145,7 +145,7 @@ Answer I2c::write(PayloadReader& request) {
     return controllers.at(transfer.busIndex).write(transfer.target, bytes, transfer.end());
 }
 
-Answer I2c::read(PayloadReader& request) {
+Answer I2c::read(ByteReader& request) {
     const Transfer transfer(request);
     Status status = check(request, transfer.valuesKnown());
     if (status != Status::Success) {
@@ -159,7 +159,7 @@ Answer I2c::read(PayloadReader& request) {
     return status == Status::Success ? Answer(status, payload) : Answer(status);
 }
 
-Answer I2c::scanBus(PayloadReader& request) {
+Answer I2c::scanBus(ByteReader& request) {
     const size_t busIndex = request.u8();
     const unsigned tenBitToo = request.u8();
     Status status = check(request, busIndex < busCount && tenBitToo <= 1);

@@ -15,12 +15,12 @@ public:
     void registerCommands(Dispatcher& dispatcher);
 
 private:
-    Answer setPullUpResistors(PayloadReader& request);
-    Answer controllerInit(PayloadReader& request);
-    Answer setParameters(PayloadReader& request);
-    Answer write(PayloadReader& request);
-    Answer read(PayloadReader& request);
-    Answer scanBus(PayloadReader& request);
+    Answer setPullUpResistors(ByteReader& request);
+    Answer controllerInit(ByteReader& request);
+    Answer setParameters(ByteReader& request);
+    Answer write(ByteReader& request);
+    Answer read(ByteReader& request);
+    Answer scanBus(ByteReader& request);
 
     const IoVoltage& voltage;
     std::array<I2cController, 2> controllers;

@@ -12,7 +12,7 @@ constexpr unsigned highestMillivolts = 3300;
 
 /// The payload of 0x1901 and 0x1902.
 struct SettingsRequest {
-    explicit SettingsRequest(PayloadReader& request)
+    explicit SettingsRequest(ByteReader& request)
         : settings{request.u8(), request.u8(), request.u8(), request.u8()},
           status(check(request, settings.pushPullRate <= I3cPushPullRate_1_MHz &&
                                     settings.openDrainRate <= I3cOpenDrainTransferRate_0_4_MHz &&
@@ -28,9 +28,8 @@ struct SettingsRequest {
 void I3cBusSetup::registerCommands(Dispatcher& dispatcher) {
     dispatcher.on(CommandCode::I3cSetBusVoltage,
                   [this](auto& request) { return setVoltage(request); });
-    const auto onSupplied = [&](CommandCode command,
-                                Answer (I3cBusSetup::*handler)(PayloadReader&)) {
-        dispatcher.on(command, controller.whenSupplied([this, handler](PayloadReader& request) {
+    const auto onSupplied = [&](CommandCode command, Answer (I3cBusSetup::*handler)(ByteReader&)) {
+        dispatcher.on(command, controller.whenSupplied([this, handler](ByteReader& request) {
             return (this->*handler)(request);
         }));
     };
@@ -50,7 +49,7 @@ void I3cBusSetup::registerCommands(Dispatcher& dispatcher) {
     });
 }
 
-Answer I3cBusSetup::setVoltage(PayloadReader& request) {
+Answer I3cBusSetup::setVoltage(ByteReader& request) {
     const unsigned millivolts = request.u16();
     const bool off = millivolts == 0;
     const Status status =
@@ -61,7 +60,7 @@ Answer I3cBusSetup::setVoltage(PayloadReader& request) {
     return status;
 }
 
-Answer I3cBusSetup::controllerInit(PayloadReader& request) {
+Answer I3cBusSetup::controllerInit(ByteReader& request) {
     const SettingsRequest wanted(request);
     if (wanted.status == Status::Success) {
         controller.init(wanted.settings);
@@ -69,13 +68,13 @@ Answer I3cBusSetup::controllerInit(PayloadReader& request) {
     return wanted.status;
 }
 
-Answer I3cBusSetup::setParameters(PayloadReader& request) {
+Answer I3cBusSetup::setParameters(ByteReader& request) {
     const SettingsRequest wanted(request);
     return wanted.status == Status::Success ? controller.setParameters(wanted.settings)
                                             : wanted.status;
 }
 
-Answer I3cBusSetup::initBus(PayloadReader& request) {
+Answer I3cBusSetup::initBus(ByteReader& request) {
     std::vector<I3cTargetInfo> records(request.u8());
     for (I3cTargetInfo& record : records) {
         record = readI3cRecord(request);
@@ -84,12 +83,12 @@ Answer I3cBusSetup::initBus(PayloadReader& request) {
     return status == Status::Success ? controller.initialiseBus(records) : status;
 }
 
-Answer I3cBusSetup::resetBus(PayloadReader& request) {
+Answer I3cBusSetup::resetBus(ByteReader& request) {
     const Status status = check(request, true);
     return status == Status::Success ? controller.resetBus() : status;
 }
 
-Answer I3cBusSetup::getDeviceTable(PayloadReader& request) {
+Answer I3cBusSetup::getDeviceTable(ByteReader& request) {
     const Status status = controller.onInitialisedBus(check(request, true));
     if (status != Status::Success) {
         return status;
@@ -102,7 +101,7 @@ Answer I3cBusSetup::getDeviceTable(PayloadReader& request) {
     return {Status::Success, payload};
 }
 
-Answer I3cBusSetup::configureTarget(PayloadReader& request) {
+Answer I3cBusSetup::configureTarget(ByteReader& request) {
     const uint8_t address = request.u8();
     const uint8_t configuration = request.u8();
     Status status = controller.onInitialisedBus(

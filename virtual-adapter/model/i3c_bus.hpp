@@ -12,13 +12,13 @@ public:
     void registerCommands(Dispatcher& dispatcher);
 
 private:
-    Answer setVoltage(PayloadReader& request);
-    Answer controllerInit(PayloadReader& request);
-    Answer setParameters(PayloadReader& request);
-    Answer initBus(PayloadReader& request);
-    Answer resetBus(PayloadReader& request);
-    Answer getDeviceTable(PayloadReader& request);
-    Answer configureTarget(PayloadReader& request);
+    Answer setVoltage(ByteReader& request);
+    Answer controllerInit(ByteReader& request);
+    Answer setParameters(ByteReader& request);
+    Answer initBus(ByteReader& request);
+    Answer resetBus(ByteReader& request);
+    Answer getDeviceTable(ByteReader& request);
+    Answer configureTarget(ByteReader& request);
 
     I3cController& controller;
 };

@@ -81,7 +81,7 @@ void I3cCcc::registerCommands(Dispatcher& dispatcher) {
                   controller.whenSupplied([this](auto& request) { return transfer(request); }));
 }
 
-Answer I3cCcc::transfer(PayloadReader& request) {
+Answer I3cCcc::transfer(ByteReader& request) {
     const I3cCccCommand command(request);
     Status status = controller.onInitialisedBus(command.status());
     if (status != Status::Success) {

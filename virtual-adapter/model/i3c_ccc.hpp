@@ -13,7 +13,7 @@ public:
     void registerCommands(Dispatcher& dispatcher);
 
 private:
-    Answer transfer(PayloadReader& request);
+    Answer transfer(ByteReader& request);
 
     Status carryOut(const I3cCccCommand& command, Bytes& received);
     Status broadcast(const I3cCccCommand& command);

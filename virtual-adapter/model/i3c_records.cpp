@@ -49,7 +49,7 @@ bool isReservedI3cAddress(uint8_t address) {
            address == 0x5E || address == 0x6E || address == 0x76;
 }
 
-I3cTargetInfo readI3cRecord(PayloadReader& request) {
+I3cTargetInfo readI3cRecord(ByteReader& request) {
     I3cTargetInfo record{};
     record.staticAddress = request.u8();
     record.dynamicAddress = request.u8();

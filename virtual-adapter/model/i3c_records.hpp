@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/PayloadReader.hpp"
+#include "bytes/ByteReader.hpp"
 #include "model/Status.hpp"
 #include "model/targets/I3cTarget.hpp"
 
@@ -16,7 +16,7 @@ constexpr uint8_t i3cBroadcastAddress = 0x7E;
 /// Whether no device may have the address on a bus that I3C and I2C share.
 bool isReservedI3cAddress(uint8_t address);
 
-I3cTargetInfo readI3cRecord(PayloadReader& request);
+I3cTargetInfo readI3cRecord(ByteReader& request);
 void appendI3cRecord(Bytes& payload, const I3cTargetInfo& record);
 
 bool isLegacy(const I3cTargetInfo& record);

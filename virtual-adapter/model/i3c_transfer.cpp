@@ -26,7 +26,7 @@ constexpr uint8_t hdrExitPattern = 1;
 
 /// The payload of 0x1908.
 struct I3cTransfer::Transfer {
-    explicit Transfer(PayloadReader& request)
+    explicit Transfer(ByteReader& request)
         : address(request.u8()),
           control(request.u8()),
           hdrCommandCode(request.u8()),
@@ -87,7 +87,7 @@ void I3cTransfer::registerCommands(Dispatcher& dispatcher) {
                   controller.whenSupplied([this](auto& request) { return busPattern(request); }));
 }
 
-Answer I3cTransfer::transfer(PayloadReader& request) {
+Answer I3cTransfer::transfer(ByteReader& request) {
     const Transfer wanted(request);
     Status status = controller.onInitialisedBus(check(request, wanted.valuesKnown()));
     if (status != Status::Success) {
@@ -111,7 +111,7 @@ Answer I3cTransfer::transfer(PayloadReader& request) {
     return {status, payload};
 }
 
-Answer I3cTransfer::busPattern(PayloadReader& request) {
+Answer I3cTransfer::busPattern(ByteReader& request) {
     const uint8_t pattern = request.u8();
     const Status status = controller.onInitialisedBus(
         check(request, pattern == targetResetPattern || pattern == hdrExitPattern));

@@ -14,8 +14,8 @@ public:
 private:
     struct Transfer;
 
-    Answer transfer(PayloadReader& request);
-    Answer busPattern(PayloadReader& request);
+    Answer transfer(ByteReader& request);
+    Answer busPattern(ByteReader& request);
 
     Status carryOut(const Transfer& wanted, Bytes& received);
     Status carryOutSdr(const Transfer& wanted, Bytes& received);

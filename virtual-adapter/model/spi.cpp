@@ -54,7 +54,7 @@ void Spi::registerCommands(Dispatcher& dispatcher) {
                   voltage.required([this](auto& request) { return transfer(request); }));
 }
 
-Status Spi::readSettings(PayloadReader& request, Settings& settings) {
+Status Spi::readSettings(ByteReader& request, Settings& settings) {
     settings.bitOrder = static_cast<SpiBitOrder>(request.u8());
     settings.mode = static_cast<SpiMode>(request.u8());
     settings.dataWidth = static_cast<SpiDataWidth>(request.u8());
@@ -71,7 +71,7 @@ Status Spi::readSettings(PayloadReader& request, Settings& settings) {
                               within(clock, lowestClock, highestClock));
 }
 
-Answer Spi::controllerInit(PayloadReader& request) {
+Answer Spi::controllerInit(ByteReader& request) {
     Settings wanted{};
     const Status status = readSettings(request, wanted);
     if (status == Status::Success) {
@@ -80,7 +80,7 @@ Answer Spi::controllerInit(PayloadReader& request) {
     return status;
 }
 
-Answer Spi::setParameters(PayloadReader& request) {
+Answer Spi::setParameters(ByteReader& request) {
     Settings wanted{};
     const Status status = readSettings(request, wanted);
     if (status != Status::Success) {
@@ -93,7 +93,7 @@ Answer Spi::setParameters(PayloadReader& request) {
     return Status::Success;
 }
 
-Answer Spi::transfer(PayloadReader& request) {
+Answer Spi::transfer(ByteReader& request) {
     const size_t sendLength = request.u16();
     const uint16_t receiveLength = request.u16();
     Bytes bytes = request.bytes(sendLength);

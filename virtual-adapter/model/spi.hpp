@@ -25,12 +25,12 @@ private:
         SpiChipSelectPolarity polarity;
     };
 
-    Answer controllerInit(PayloadReader& request);
-    Answer setParameters(PayloadReader& request);
-    Answer transfer(PayloadReader& request);
+    Answer controllerInit(ByteReader& request);
+    Answer setParameters(ByteReader& request);
+    Answer transfer(ByteReader& request);
 
     /// Reads the payload that initialising and changing the parameters share.
-    static Status readSettings(PayloadReader& request, Settings& settings);
+    static Status readSettings(ByteReader& request, Settings& settings);
     /// What is received while @p sent goes out.
     [[nodiscard]] Bytes exchange(const Bytes& sent) const;
 

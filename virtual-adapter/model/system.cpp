@@ -4,12 +4,12 @@ namespace virtual_adapter {
 
 void System::registerCommands(Dispatcher& dispatcher) {
     dispatcher.on(CommandCode::GetUsbString,
-                  [this](PayloadReader& request) { return getUsbString(request); });
+                  [this](ByteReader& request) { return getUsbString(request); });
     dispatcher.on(CommandCode::EnterBootMode,
-                  [this](PayloadReader& request) { return enterBootMode(request); });
+                  [this](ByteReader& request) { return enterBootMode(request); });
 }
 
-Answer System::getUsbString(PayloadReader& request) const {
+Answer System::getUsbString(ByteReader& request) const {
     const size_t index = request.u8();
     if (!request.consumedExactly()) {
         return Status::MalformedRequest;
@@ -24,7 +24,7 @@ Answer System::getUsbString(PayloadReader& request) const {
     return {Status::Success, payload};
 }
 
-Answer System::enterBootMode(PayloadReader& request) {
+Answer System::enterBootMode(ByteReader& request) {
     if (!request.consumedExactly()) {
         return Status::MalformedRequest;
     }

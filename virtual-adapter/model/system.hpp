@@ -18,8 +18,8 @@ public:
     [[nodiscard]] bool inBootMode() const { return bootMode; }
 
 private:
-    Answer getUsbString(PayloadReader& request) const;
-    Answer enterBootMode(PayloadReader& request);
+    Answer getUsbString(ByteReader& request) const;
+    Answer enterBootMode(ByteReader& request);
 
     std::array<std::string, 5> identityStrings;
     bool bootMode = false;

@@ -15,7 +15,7 @@ constexpr size_t longestChunkOfAnyModel = 240;
 
 /// Reads the payload that initialising and changing the parameters share. The line is a loop, so
 /// of all its settings only the number of data bits shows.
-Status readSettings(PayloadReader& request, UartDataSize& dataSize) {
+Status readSettings(ByteReader& request, UartDataSize& dataSize) {
     const uint8_t baudRate = request.u8();
     const uint8_t handshake = request.u8();
     const uint8_t parity = request.u8();
@@ -46,7 +46,7 @@ void Uart::registerCommands(Dispatcher& dispatcher) {
                   voltage.required([this](auto& request) { return sendMessage(request); }));
 }
 
-Answer Uart::init(PayloadReader& request) {
+Answer Uart::init(ByteReader& request) {
     UartDataSize wanted{};
     const Status status = readSettings(request, wanted);
     if (status == Status::Success) {
@@ -55,7 +55,7 @@ Answer Uart::init(PayloadReader& request) {
     return status;
 }
 
-Answer Uart::setParameters(PayloadReader& request) {
+Answer Uart::setParameters(ByteReader& request) {
     UartDataSize wanted{};
     const Status status = readSettings(request, wanted);
     if (status != Status::Success) {
@@ -68,7 +68,7 @@ Answer Uart::setParameters(PayloadReader& request) {
     return Status::Success;
 }
 
-Answer Uart::sendMessage(PayloadReader& request) {
+Answer Uart::sendMessage(ByteReader& request) {
     const size_t length = request.u16();
     Bytes message = request.bytes(length);
     const Status status = check(request, true);

@@ -20,9 +20,9 @@ public:
     void registerCommands(Dispatcher& dispatcher);
 
 private:
-    Answer init(PayloadReader& request);
-    Answer setParameters(PayloadReader& request);
-    Answer sendMessage(PayloadReader& request);
+    Answer init(ByteReader& request);
+    Answer setParameters(ByteReader& request);
+    Answer sendMessage(ByteReader& request);
     void receive(const Bytes& message);
 
     const IoVoltage& voltage;

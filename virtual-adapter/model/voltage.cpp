@@ -15,16 +15,16 @@ constexpr unsigned highestMillivolts = 3300;
 
 void IoVoltage::registerCommands(Dispatcher& dispatcher) {
     dispatcher.on(CommandCode::SetI2cSpiUartGpioVoltage,
-                  [this](PayloadReader& request) { return set(request); });
+                  [this](ByteReader& request) { return set(request); });
 }
 
 Dispatcher::Handler IoVoltage::required(Dispatcher::Handler handler) const {
-    return [this, handler = std::move(handler)](PayloadReader& request) {
+    return [this, handler = std::move(handler)](ByteReader& request) {
         return outputEnabled ? handler(request) : Answer(Status::NoVoltage);
     };
 }
 
-Answer IoVoltage::set(PayloadReader& request) {
+Answer IoVoltage::set(ByteReader& request) {
     const unsigned millivolts = request.u16();
     const unsigned enable = request.u8();
     const Status status =

@@ -13,7 +13,7 @@ public:
     [[nodiscard]] Dispatcher::Handler required(Dispatcher::Handler handler) const;
 
 private:
-    Answer set(PayloadReader& request);
+    Answer set(ByteReader& request);
 
     bool outputEnabled = false;
 };
