@@ -62,9 +62,9 @@ struct Outputs {
 /// The calls that send the frames of the table.
 const std::map<std::string, int16_t (*)(VeltraSDK_Handle*, Outputs&)> calls{
     {"ENECBroadcast",
-     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccENECBroadcast(h, 0xFF); }},
+     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccENECBroadcast(h, 0xA5); }},
     {"DISECBroadcast",
-     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccDISECBroadcast(h, 0xFF); }},
+     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccDISECBroadcast(h, 0xB6); }},
     {"RSTDAA", [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccRSTDAA(h); }},
     {"ENTDAA", [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccENTDAA(h); }},
     {"SETMWLBroadcast",
@@ -84,9 +84,9 @@ const std::map<std::string, int16_t (*)(VeltraSDK_Handle*, Outputs&)> calls{
          return VeltraSDK_I3cCccRSTACTBroadcast(h, resetWholeTarget);
      }},
     {"ENECDirect",
-     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccENECDirect(h, 0xFF, 0xFF); }},
+     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccENECDirect(h, 0xFF, 0xC7); }},
     {"DISECDirect",
-     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccDISECDirect(h, 0xFF, 0xFF); }},
+     [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccDISECDirect(h, 0xFF, 0xD8); }},
     {"SETDASA",
      [](VeltraSDK_Handle* h, Outputs&) { return VeltraSDK_I3cCccSETDASA(h, 0xFF, 0x0A); }},
     {"SETNEWDA",
@@ -125,9 +125,13 @@ const std::map<std::string, int16_t (*)(VeltraSDK_Handle*, Outputs&)> calls{
      [](VeltraSDK_Handle* h, Outputs& out) {
          return VeltraSDK_I3cCccGETCAPS(h, 0xFF, out.bytes.data(), &out.count, false, 0x5A);
      }},
-    {"GETCAPS with defining byte",
+    {"GETCAPS with defining byte 0",
      [](VeltraSDK_Handle* h, Outputs& out) {
          return VeltraSDK_I3cCccGETCAPS(h, 0xFF, out.bytes.data(), &out.count, true, 0x00);
+     }},
+    {"GETCAPS with defining byte",
+     [](VeltraSDK_Handle* h, Outputs& out) {
+         return VeltraSDK_I3cCccGETCAPS(h, 0xFF, out.bytes.data(), &out.count, true, 0xE9);
      }},
     {"RSTACTDirect as a write",
      [](VeltraSDK_Handle* h, Outputs&) {

@@ -19,9 +19,9 @@ namespace {
 
 const ScriptedDevice mouse{"1-9:1.0", 0x046D, 0xC077, L"MOUSE"};
 
-ScriptedDevice adapter(const std::string& path, std::optional<std::wstring> serialNumber,
+ScriptedDevice adapter(std::optional<std::string> path, std::optional<std::wstring> serialNumber,
                        const Model& model = fullSpeed) {
-    return {path, vendorId, model.productId, std::move(serialNumber)};
+    return {std::move(path), vendorId, model.productId, std::move(serialNumber)};
 }
 
 class VeltraDriverTest : public testing::Test {
@@ -138,9 +138,9 @@ TEST_F(VeltraDriverTest, NothingOpensWithoutAnyDevice) {
 TEST_F(VeltraDriverTest, ADeviceWithOtherIdentifiersIsNeverOpened) {
     hid.attach(mouse);
     EXPECT_FALSE(open());
-    EXPECT_FALSE(open(mouse.path));
+    EXPECT_FALSE(open(*mouse.path));
     EXPECT_FALSE(open("", "MOUSE"));
-    EXPECT_FALSE(open(mouse.path, "MOUSE"));
+    EXPECT_FALSE(open(*mouse.path, "MOUSE"));
     expectClosed();
 }
 
@@ -201,6 +201,21 @@ TEST_F(VeltraDriverTest, AnAdapterWithoutASerialNumberIsFoundByPathOnly) {
     hid.attach(adapter("1-1:1.0", std::nullopt));
     EXPECT_FALSE(open("", "VA-0001"));
     EXPECT_TRUE(open("1-1:1.0"));
+}
+
+TEST_F(VeltraDriverTest, AnAdapterListedWithoutAPathIsPassedOver) {
+    hid.attach(adapter(std::nullopt, L"VA-0001"));
+    hid.attach(adapter("1-2:1.0", L"VA-0001"));
+    EXPECT_TRUE(open());
+    EXPECT_EQ(hid.openedPath(), "1-2:1.0");
+}
+
+TEST_F(VeltraDriverTest, NothingOpensWhereOnlyAnAdapterWithoutAPathIsListed) {
+    hid.attach(adapter(std::nullopt, L"VA-0001"));
+    EXPECT_FALSE(open());
+    EXPECT_FALSE(open("1-1:1.0"));
+    EXPECT_FALSE(open("", "VA-0001"));
+    expectClosed();
 }
 
 TEST_F(VeltraDriverTest, ASerialNumberBeyondTheBasicPlaneIsFound) {

@@ -21,8 +21,8 @@ constexpr uint16_t untouchedWord = 0xEEEE;
 
 /// The calls that send the frames of the table.
 const std::map<std::string, uint16_t (*)(VeltraSDK&)> calls{
-    {"ENECBroadcast", [](VeltraSDK& sdk) { return sdk.i3cCccENECBroadcast(0xFF); }},
-    {"DISECBroadcast", [](VeltraSDK& sdk) { return sdk.i3cCccDISECBroadcast(0xFF); }},
+    {"ENECBroadcast", [](VeltraSDK& sdk) { return sdk.i3cCccENECBroadcast(0xA5); }},
+    {"DISECBroadcast", [](VeltraSDK& sdk) { return sdk.i3cCccDISECBroadcast(0xB6); }},
     {"RSTDAA", [](VeltraSDK& sdk) { return sdk.i3cCccRSTDAA(); }},
     {"ENTDAA", [](VeltraSDK& sdk) { return sdk.i3cCccENTDAA(); }},
     {"SETMWLBroadcast", [](VeltraSDK& sdk) { return sdk.i3cCccSETMWLBroadcast(0x0100); }},
@@ -38,8 +38,8 @@ const std::map<std::string, uint16_t (*)(VeltraSDK&)> calls{
      [](VeltraSDK& sdk) {
          return sdk.i3cCccRSTACTBroadcast(I3cTargetResetDefByte_ResetWholeTarget);
      }},
-    {"ENECDirect", [](VeltraSDK& sdk) { return sdk.i3cCccENECDirect(0xFF, 0xFF); }},
-    {"DISECDirect", [](VeltraSDK& sdk) { return sdk.i3cCccDISECDirect(0xFF, 0xFF); }},
+    {"ENECDirect", [](VeltraSDK& sdk) { return sdk.i3cCccENECDirect(0xFF, 0xC7); }},
+    {"DISECDirect", [](VeltraSDK& sdk) { return sdk.i3cCccDISECDirect(0xFF, 0xD8); }},
     {"SETDASA", [](VeltraSDK& sdk) { return sdk.i3cCccSETDASA(0xFF, 0x0A); }},
     {"SETNEWDA", [](VeltraSDK& sdk) { return sdk.i3cCccSETNEWDA(0xFF, 0x31); }},
     {"SETMWLDirect", [](VeltraSDK& sdk) { return sdk.i3cCccSETMWLDirect(0xFF, 0x0100); }},
@@ -88,10 +88,15 @@ const std::map<std::string, uint16_t (*)(VeltraSDK&)> calls{
          Bytes capabilities;
          return sdk.i3cCccGETCAPS(0xFF, capabilities, std::nullopt);
      }},
-    {"GETCAPS with defining byte",
+    {"GETCAPS with defining byte 0",
      [](VeltraSDK& sdk) {
          Bytes capabilities;
          return sdk.i3cCccGETCAPS(0xFF, capabilities, uint8_t{0x00});
+     }},
+    {"GETCAPS with defining byte",
+     [](VeltraSDK& sdk) {
+         Bytes capabilities;
+         return sdk.i3cCccGETCAPS(0xFF, capabilities, uint8_t{0xE9});
      }},
     {"RSTACTDirect as a write",
      [](VeltraSDK& sdk) {

@@ -227,9 +227,9 @@ void* ScriptedHid::enumerate(uint16_t vendorId, uint16_t productId) {
     hid_device_info* first = nullptr;
     for (auto device = devices.rbegin(); device != devices.rend(); ++device) {
         auto node = std::make_unique<Node>();
-        node->path = device->path;
+        node->path = device->path.value_or("");
         node->serialNumber = device->serialNumber.value_or(L"");
-        node->info.path = node->path.data();
+        node->info.path = device->path ? node->path.data() : nullptr;
         node->info.vendor_id = device->vendorId;
         node->info.product_id = device->productId;
         node->info.serial_number = device->serialNumber ? node->serialNumber.data() : nullptr;

@@ -20,7 +20,8 @@ constexpr int generousLimitMs = 60'000;
 
 /// One HID device that the stand-in enumerates.
 struct ScriptedDevice {
-    std::string path;
+    /// Null stands for a device that is listed without a path.
+    std::optional<std::string> path;
     uint16_t vendorId;
     uint16_t productId;
     /// Null stands for a device whose strings cannot be read.
