@@ -130,7 +130,6 @@ const Bytes askForString5{0x17, 0x00, 0x05, 0x00, 0x07, 0x04, 0x05};
 // Null handles.
 
 TEST(NullHandle, EveryOperationIsNotConnected) {
-    EXPECT_EQ(operations.size(), 60U);
     for (const auto& [name, operation] : operations) {
         EXPECT_EQ(operation(nullptr), 0x4000) << name;
     }
