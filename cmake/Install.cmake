@@ -23,8 +23,14 @@ install(FILES ${PROJECT_BINARY_DIR}/veltrasdk-config-version.cmake
     DESTINATION ${veltrasdk_cmake_directory}
     COMPONENT development)
 
-file(RELATIVE_PATH veltrasdk_prefix_from_pc
-    ${CMAKE_INSTALL_PREFIX}/${veltrasdk_pkgconfig_directory} ${CMAKE_INSTALL_PREFIX})
+# The system's prefix is named as pkg-config knows it, so that no path that is searched anyway is printed.
+if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+    set(veltrasdk_pc_prefix /usr)
+else()
+    file(RELATIVE_PATH veltrasdk_pc_prefix
+        ${CMAKE_INSTALL_PREFIX}/${veltrasdk_pkgconfig_directory} ${CMAKE_INSTALL_PREFIX})
+    string(PREPEND veltrasdk_pc_prefix "\${pcfiledir}/")
+endif()
 configure_file(${PROJECT_SOURCE_DIR}/cmake/veltrasdk.pc.in ${PROJECT_BINARY_DIR}/veltrasdk.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/veltrasdk.pc
     DESTINATION ${veltrasdk_pkgconfig_directory}
