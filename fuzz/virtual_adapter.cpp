@@ -15,7 +15,7 @@ namespace {
 
 class Host {
 public:
-    Host(const virtual_adapter::AdapterModel& model, FaultKind fault)
+    Host(const virtual_adapter::AdapterVariant& model, FaultKind fault)
         : link(model, "VA-0001", {fault, virtual_adapter::defaultFaultDelay}),
           protocol(model.reportSize),
           shortestFrame(fault == FaultKind::ShortFrame ? 5 : 6) {}
@@ -70,8 +70,8 @@ private:
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Input input(data, size);
-    const auto& model =
-        input.number<bool>() ? virtual_adapter::highSpeedModel : virtual_adapter::fullSpeedModel;
+    const auto& model = input.number<bool>() ? virtual_adapter::highSpeedVariant
+                                             : virtual_adapter::fullSpeedVariant;
     const auto& faults = virtual_adapter::faultNames();
     Host host(model, faults[input.byte() % faults.size()].kind);
     while (!input.isEmpty()) {

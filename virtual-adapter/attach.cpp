@@ -33,7 +33,7 @@ void attach(const AdapterSettings& settings) {
     const unsigned port = controller.plugIn(kernelsEnd, settings.identity);
     kernelsEnd.reset();
     // Flushed, because whoever plugs in waits for this line.
-    std::cout << "Plugged the " << settings.identity.model.name << " adapter "
+    std::cout << "Plugged the " << settings.identity.variant.name << " adapter "
               << settings.serialNumber << " into vhci port " << port << std::endl;
     // When the kernel has let go by itself, the port may be another device's already.
     if (server.run(stop) == UsbIpServer::End::Stopped) {

@@ -30,7 +30,7 @@ void serve(const ServeOptions& options) {
     UsbIpServer server(options.settings);
     server.listenOn(std::move(listener));
     // Flushed, because whoever starts a server waits for this line.
-    std::cout << "Serving the " << options.settings.identity.model.name << " adapter "
+    std::cout << "Serving the " << options.settings.identity.variant.name << " adapter "
               << options.settings.serialNumber << " as device 1-1 on " << options.address
               << " port " << port << std::endl;
     server.run(stop);

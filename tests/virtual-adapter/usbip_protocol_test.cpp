@@ -6,8 +6,8 @@ using namespace virtual_adapter;
 
 namespace {
 
-const UsbIdentity fullSpeed{fullSpeedModel, 0x1209, 0x0001, 0x0100, "Veltra"};
-const UsbIdentity highSpeed{highSpeedModel, 0x1209, 0x0002, 0x0100, "Veltra"};
+const UsbIdentity fullSpeed{fullSpeedVariant, 0x1209, 0x0001, 0x0100, "Veltra"};
+const UsbIdentity highSpeed{highSpeedVariant, 0x1209, 0x0002, 0x0100, "Veltra"};
 
 class UsbIpReaderTest : public testing::Test {
 protected:

@@ -14,7 +14,7 @@ constexpr size_t hidapiQueueLength = 32;
 } // namespace
 
 HostPort::HostPort(const AdapterSettings& chosen)
-    : settings(chosen), link(chosen.identity.model, chosen.serialNumber, chosen.fault) {}
+    : settings(chosen), link(chosen.identity.variant, chosen.serialNumber, chosen.fault) {}
 
 bool HostPort::isOnBus() {
     const std::lock_guard lock(mutex);

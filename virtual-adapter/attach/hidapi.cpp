@@ -138,7 +138,7 @@ hid_device_info* listDevice(const AdapterSettings& settings, bool withStrings) {
     if (withStrings) {
         listed->serialNumber = wideText(settings.serialNumber);
         listed->manufacturer = wideText(settings.identity.manufacturer);
-        listed->product = wideText(settings.identity.model.name);
+        listed->product = wideText(settings.identity.variant.name);
         info.serial_number = listed->serialNumber.data();
         info.manufacturer_string = listed->manufacturer.data();
         info.product_string = listed->product.data();

@@ -6,9 +6,9 @@
 
 namespace virtual_adapter {
 
-AdapterLink::AdapterLink(const AdapterModel& model, const std::string& serialNumber,
+AdapterLink::AdapterLink(const AdapterVariant& variant, const std::string& serialNumber,
                          const Fault& fault)
-    : adapter(model, serialNumber), faults(fault), protocol(model.reportSize) {}
+    : adapter(variant, serialNumber), faults(fault), protocol(variant.reportSize) {}
 
 bool AdapterLink::writeReport(const Bytes& report, Time now) {
     auto packet = report.begin();

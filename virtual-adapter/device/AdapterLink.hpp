@@ -1,8 +1,8 @@
 #pragma once
 
-#include "device/FaultInjector.hpp"
+#include "faults/FaultInjector.hpp"
 #include "model/Adapter.hpp"
-#include "model/AdapterModel.hpp"
+#include "model/AdapterVariant.hpp"
 
 #include "driver/UsbTransferProtocol.hpp"
 
@@ -21,7 +21,7 @@ class AdapterLink {
 public:
     using Time = std::chrono::steady_clock::time_point;
 
-    AdapterLink(const AdapterModel& model, const std::string& serialNumber,
+    AdapterLink(const AdapterVariant& variant, const std::string& serialNumber,
                 const Fault& fault = {});
 
     /// Takes one output report, without a report identifier. A longer transfer counts as several

@@ -21,7 +21,7 @@ constexpr size_t longestIdentityString = 254;
 std::string allowedModels() {
     std::string names;
     for (const UsbIdentity& identity : usbIdentities) {
-        names += (names.empty() ? "" : ", ") + std::string(identity.model.name);
+        names += (names.empty() ? "" : ", ") + std::string(identity.variant.name);
     }
     return names;
 }
@@ -43,7 +43,7 @@ void readModel(AdapterSettings& settings, const std::string& text) {
 }
 
 std::string writeModel(const AdapterSettings& settings) {
-    return settings.identity.model.name;
+    return settings.identity.variant.name;
 }
 
 /// Whether it is text that USB and the adapter's own identity strings have room for.

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "device/Fault.hpp"
 #include "device/UsbIdentity.hpp"
+#include "faults/Fault.hpp"
 
 #include <array>
 #include <string>

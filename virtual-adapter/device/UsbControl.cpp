@@ -187,7 +187,7 @@ UsbControl::Reply UsbControl::setEndpointHalt(const SetupPacket& setup, bool hal
 
 UsbControl::Reply UsbControl::getReport(const SetupPacket& setup) const {
     // Input is a stream, not a state; a packet of no payload is what there is to say at any moment.
-    return highByte(setup.value) == inputReportType ? Reply(Bytes(identity.model.reportSize))
+    return highByte(setup.value) == inputReportType ? Reply(Bytes(identity.variant.reportSize))
                                                     : stall;
 }
 

@@ -76,7 +76,7 @@ Bytes configurationWithPackets(uint8_t type, const UsbIdentity& identity, size_t
 } // namespace
 
 UsbSpeed speedOf(const UsbIdentity& identity) {
-    return identity.model.reportSize <= fullSpeedPacketSize ? UsbSpeed::Full : UsbSpeed::High;
+    return identity.variant.reportSize <= fullSpeedPacketSize ? UsbSpeed::Full : UsbSpeed::High;
 }
 
 Bytes deviceDescriptor(const UsbIdentity& identity) {
@@ -97,7 +97,7 @@ Bytes deviceDescriptor(const UsbIdentity& identity) {
 
 Bytes configurationDescriptor(const UsbIdentity& identity) {
     return configurationWithPackets(configurationDescriptorType, identity,
-                                    identity.model.reportSize);
+                                    identity.variant.reportSize);
 }
 
 Bytes hidDescriptor(const UsbIdentity& identity) {
@@ -113,7 +113,7 @@ Bytes hidDescriptor(const UsbIdentity& identity) {
 }
 
 Bytes reportDescriptor(const UsbIdentity& identity) {
-    const auto count = static_cast<uint16_t>(identity.model.reportSize);
+    const auto count = static_cast<uint16_t>(identity.variant.reportSize);
     ByteWriter reportCount;
     if (count <= 0xFF) {
         reportCount.u8(0x95).u8(static_cast<uint8_t>(count));
@@ -168,7 +168,7 @@ Bytes stringDescriptor(const UsbIdentity& identity, const std::string& serialNum
     case manufacturerIndex:
         return textDescriptor(identity.manufacturer);
     case productIndex:
-        return textDescriptor(identity.model.name);
+        return textDescriptor(identity.variant.name);
     case serialNumberIndex:
         return textDescriptor(serialNumber);
     default:

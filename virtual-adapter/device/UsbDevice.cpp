@@ -26,7 +26,7 @@ bool erase(std::deque<UsbTransfer>& transfers, uint64_t id) {
 } // namespace
 
 UsbDevice::UsbDevice(const AdapterSettings& settings, std::function<void(UsbResult)> receiver)
-    : link(settings.identity.model, settings.serialNumber, settings.fault),
+    : link(settings.identity.variant, settings.serialNumber, settings.fault),
       control(settings.identity, settings.serialNumber),
       completed(std::move(receiver)) {}
 

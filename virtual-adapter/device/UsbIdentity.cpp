@@ -6,20 +6,21 @@ namespace virtual_adapter {
 
 namespace {
 
-constexpr UsbIdentity identify(const AdapterModel& model, uint16_t productId) {
-    return {model, VELTRASDK_USB_VENDOR_ID, productId, 0x0100, "Veltra"};
+constexpr UsbIdentity identify(const AdapterVariant& variant, uint16_t productId) {
+    return {variant, VELTRASDK_USB_VENDOR_ID, productId, 0x0100, "Veltra"};
 }
 
 } // namespace
 
 const std::array<UsbIdentity, 2> usbIdentities{
-    {identify(fullSpeedModel, VELTRASDK_USB_PRODUCT_ID_FULL_SPEED),
-     identify(highSpeedModel, VELTRASDK_USB_PRODUCT_ID_HIGH_SPEED)}};
+    {identify(fullSpeedVariant, VELTRASDK_USB_PRODUCT_ID_FULL_SPEED),
+     identify(highSpeedVariant, VELTRASDK_USB_PRODUCT_ID_HIGH_SPEED)}};
 
 const UsbIdentity* findUsbIdentity(const std::string& modelName) {
     const auto* const found =
-        std::find_if(usbIdentities.begin(), usbIdentities.end(),
-                     [&](const UsbIdentity& identity) { return identity.model.name == modelName; });
+        std::find_if(usbIdentities.begin(), usbIdentities.end(), [&](const UsbIdentity& identity) {
+            return identity.variant.name == modelName;
+        });
     return found == usbIdentities.end() ? nullptr : found;
 }
 

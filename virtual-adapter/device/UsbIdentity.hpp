@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/AdapterModel.hpp"
+#include "model/AdapterVariant.hpp"
 
 #include <array>
 #include <cstdint>
@@ -10,7 +10,7 @@ namespace virtual_adapter {
 
 /// What a host reads of the adapter before it sends anything.
 struct UsbIdentity {
-    AdapterModel model;
+    AdapterVariant variant;
     uint16_t vendorId;
     uint16_t productId;
     /// Binary-coded decimal: 0x0100 is 1.0.

@@ -2,9 +2,9 @@
 
 namespace virtual_adapter {
 
-Adapter::Adapter(const AdapterModel& model, const std::string& serialNumber)
-    : system({"Veltra", model.name, serialNumber, "virtual", "1.0.0"}),
-      uart(voltage, notifications, model) {
+Adapter::Adapter(const AdapterVariant& variant, const std::string& serialNumber)
+    : system({"Veltra", variant.name, serialNumber, "virtual", "1.0.0"}),
+      uart(voltage, notifications, variant) {
     system.registerCommands(dispatcher);
     voltage.registerCommands(dispatcher);
     i2c.registerCommands(dispatcher);

@@ -1,17 +1,17 @@
 #pragma once
 
-#include "model/AdapterModel.hpp"
+#include "model/AdapterVariant.hpp"
 #include "model/Dispatcher.hpp"
-#include "model/NotificationQueue.hpp"
-#include "model/gpio.hpp"
-#include "model/i2c.hpp"
-#include "model/i3c_bus.hpp"
-#include "model/i3c_ccc.hpp"
-#include "model/i3c_transfer.hpp"
-#include "model/spi.hpp"
-#include "model/system.hpp"
-#include "model/uart.hpp"
-#include "model/voltage.hpp"
+#include "model/Outbox.hpp"
+#include "model/gpio/gpio.hpp"
+#include "model/i2c/i2c.hpp"
+#include "model/i3c/i3c_bus.hpp"
+#include "model/i3c/i3c_ccc.hpp"
+#include "model/i3c/i3c_transfer.hpp"
+#include "model/spi/spi.hpp"
+#include "model/system/system.hpp"
+#include "model/system/voltage.hpp"
+#include "model/uart/uart.hpp"
 
 #include <string>
 #include <vector>
@@ -23,7 +23,7 @@ namespace virtual_adapter {
 class Adapter {
 public:
     /// The model's name and @p serialNumber appear among the adapter's identity strings.
-    Adapter(const AdapterModel& model, const std::string& serialNumber);
+    Adapter(const AdapterVariant& variant, const std::string& serialNumber);
 
     Adapter(const Adapter&) = delete;
     Adapter& operator=(const Adapter&) = delete;
@@ -36,7 +36,7 @@ public:
 
 private:
     Dispatcher dispatcher;
-    NotificationQueue notifications;
+    Outbox notifications;
     System system;
     IoVoltage voltage;
     I2c i2c{voltage};

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "model/Adapter.hpp"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace virtual_adapter {
+
+/// A virtual adapter, with the questions that tests ask of it.
+class AdapterFixture {
+public:
+    explicit AdapterFixture(const AdapterVariant& variant = fullSpeedVariant)
+        : adapter(variant, "VA-0001") {}
+
+    /// The response to @p request and the notifications that it gave rise to.
+    std::vector<Frame> frames(const Frame& request) { return adapter.handle(request); }
+
+    /// The response to @p request, which gives rise to no notification.
+    Frame response(const Frame& request) {
+        const std::vector<Frame> answered = frames(request);
+        EXPECT_EQ(answered.size(), 1U);
+        return answered.empty() ? Frame{} : answered.front();
+    }
+
+    /// The status of the response to @p request.
+    unsigned status(const Frame& request) {
+        const std::vector<Frame> answered = frames(request);
+        if (answered.empty() || answered.front().size() < 6) {
+            ADD_FAILURE() << "no whole response";
+            return 0xFFFF;
+        }
+        return answered.front()[4] | static_cast<unsigned>(answered.front()[5]) << 8U;
+    }
+
+    /// Sets the I/O voltage to 3.3 V.
+    void powerOn() { EXPECT_EQ(status({0x01, 0x00, 0x05, 0x04, 0xE4, 0x0C, 0x01}), 0x0000U); }
+
+private:
+    Adapter adapter;
+};
+
+} // namespace virtual_adapter

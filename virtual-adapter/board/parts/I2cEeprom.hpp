@@ -1,0 +1,53 @@
+#pragma once
+
+#include "model/Frame.hpp"
+#include "model/i2c/I2cTarget.hpp"
+
+#include <cstddef>
+#include <map>
+#include <string>
+
+namespace virtual_adapter {
+
+/// A serial EEPROM: register addressing, page writes that wrap inside their page, reads that roll
+/// over at the end, and a write cycle during which it does not answer to its address.
+class I2cEeprom : public I2cTarget {
+public:
+    /// The sizes are powers of two.
+    struct Geometry {
+        size_t size;
+        size_t pageSize;
+        unsigned registerAddressBytes;
+    };
+
+    /// 256 bytes in pages of 8, one byte of register address, such as a 24C02.
+    static constexpr Geometry geometry24C02{256, 8, 1};
+    /// 32 KiB in pages of 64, two bytes of register address, such as a 24C256.
+    static constexpr Geometry geometry24C256{32768, 64, 2};
+
+    /// How often the address stays unacknowledged after a write. The model has no clock: each
+    /// attempt stands for a part of the write cycle.
+    static constexpr unsigned attemptsPerWriteCycle = 3;
+
+    /// The EEPROM holds @p contents from register address 0 on and is erased behind them.
+    I2cEeprom(const Geometry& layout, const std::string& contents);
+
+    bool start(I2cDirection direction) override;
+    bool write(uint8_t byte) override;
+    uint8_t read() override;
+    void stop() override;
+
+private:
+    const Geometry geometry;
+    Bytes memory;
+    /// The address counter.
+    size_t position = 0;
+    unsigned attemptsUntilReady = 0;
+
+    unsigned registerAddressBytesSeen = 0;
+    size_t registerAddress = 0;
+    /// What the running write changes; the memory takes it over with the STOP.
+    std::map<size_t, uint8_t> pendingBytes;
+};
+
+} // namespace virtual_adapter

@@ -1,0 +1,24 @@
+#include "board/parts/I3cMemory.hpp"
+
+namespace virtual_adapter {
+
+namespace {
+
+constexpr I3cCharacteristics memory{0x54,
+                                    {0xFF, 0xFE, 0x00, 0x20, 0x10, 0x00},
+                                    0x20,
+                                    0x00,
+                                    1024,
+                                    1024,
+                                    0,
+                                    0x01,
+                                    I3cPushPullRate_12_5_MHz};
+
+constexpr size_t size = 4096;
+constexpr size_t pointerBytes = 2;
+
+} // namespace
+
+I3cMemory::I3cMemory() : I3cTarget(memory, Bytes(size), pointerBytes) {}
+
+} // namespace virtual_adapter

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "model/i3c/I3cTarget.hpp"
+
+namespace virtual_adapter {
+
+/// 4096 bytes of memory, reached in SDR and in HDR-DDR.
+class I3cMemory : public I3cTarget {
+public:
+    I3cMemory();
+};
+
+} // namespace virtual_adapter

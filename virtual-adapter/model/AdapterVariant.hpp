@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstddef>
+
+namespace virtual_adapter {
+
+/// What tells the adapter's two models apart.
+struct AdapterVariant {
+    const char* name;
+    /// The length of a HID report in bytes.
+    size_t reportSize;
+};
+
+inline constexpr AdapterVariant fullSpeedVariant{"full-speed", 64};
+inline constexpr AdapterVariant highSpeedVariant{"high-speed", 1024};
+
+} // namespace virtual_adapter

@@ -1,0 +1,25 @@
+#include "model/i2c/I2cBus.hpp"
+
+#include <utility>
+
+namespace virtual_adapter {
+
+void I2cBus::attach(uint8_t address, std::unique_ptr<I2cTarget> target) {
+    targets[address] = std::move(target);
+}
+
+bool I2cBus::start(uint8_t address, I2cDirection direction) {
+    const auto target = targets.find(address);
+    const bool acknowledged = target != targets.end() && target->second->start(direction);
+    addressed = acknowledged ? target->second.get() : nullptr;
+    return acknowledged;
+}
+
+void I2cBus::stop() {
+    if (addressed != nullptr) {
+        addressed->stop();
+        addressed = nullptr;
+    }
+}
+
+} // namespace virtual_adapter

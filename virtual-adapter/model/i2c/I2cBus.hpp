@@ -1,0 +1,37 @@
+#pragma once
+
+#include "model/i2c/I2cTarget.hpp"
+
+#include <map>
+#include <memory>
+#include <set>
+
+namespace virtual_adapter {
+
+/// The two wires of an I2C bus and the targets on them. A transfer is a START, bytes, more
+/// repeated STARTs and bytes, and a STOP.
+class I2cBus {
+public:
+    void attach(uint8_t address, std::unique_ptr<I2cTarget> target);
+    /// A target that answers to a 10-bit address and has nothing to say.
+    void attachTenBit(uint16_t address) { tenBitTargets.insert(address); }
+
+    /// Sends a START, a repeated one inside a transfer, and @p address. Returns whether a target
+    /// acknowledges it.
+    bool start(uint8_t address, I2cDirection direction);
+    /// The addressed target must have acknowledged its address.
+    bool write(uint8_t byte) { return addressed->write(byte); }
+    /// The addressed target must have acknowledged its address.
+    uint8_t read() { return addressed->read(); }
+    void stop();
+
+    /// In ascending order.
+    [[nodiscard]] const std::set<uint16_t>& tenBitAddresses() const { return tenBitTargets; }
+
+private:
+    std::map<uint8_t, std::unique_ptr<I2cTarget>> targets;
+    std::set<uint16_t> tenBitTargets;
+    I2cTarget* addressed = nullptr;
+};
+
+} // namespace virtual_adapter

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "model/Dispatcher.hpp"
+#include "model/Outbox.hpp"
+#include "model/i3c/I3cDeviceTable.hpp"
+
+#include <veltrasdk/i3c.h>
+
+namespace virtual_adapter {
+
+/// The I3C controller: its supply, its settings, its device table and the bus that it works on.
+class I3cController {
+public:
+    struct Settings {
+        uint8_t pushPullRate;
+        uint8_t openDrainRate;
+        uint8_t i2cRate;
+        uint8_t driveStrength;
+    };
+
+    explicit I3cController(Outbox& toHost) : notifications(toHost) {}
+
+    /// Switches the supply of the bus; without it nothing on the bus keeps its state.
+    void setSupply(bool supplied);
+    /// Switches the controller on; the bus waits for `initialiseBus`.
+    void init(const Settings& initial);
+    Status setParameters(const Settings& changed);
+    Status initialiseBus(const std::vector<I3cTargetInfo>& records);
+    /// Takes every dynamic address away; the bus waits for `initialiseBus`.
+    Status resetBus();
+
+    /// @p handler, refused with `NoVoltage` without the supply. The controller must outlive it.
+    [[nodiscard]] Dispatcher::Handler whenSupplied(Dispatcher::Handler handler) const;
+    /// @p checked, the status of a request's fields, or `NotInitialised` when they are right and
+    /// the bus is not initialised.
+    [[nodiscard]] Status onInitialisedBus(Status checked) const {
+        return checked == Status::Success && !busInitialised ? Status::NotInitialised : checked;
+    }
+
+    I3cBus& getTargets() { return targets; }
+    I3cDeviceTable& getTable() { return table; }
+
+    /// Whether the push-pull rate is one that the target follows.
+    [[nodiscard]] bool isHeardBy(const I3cTarget& target) const;
+    /// Whether a legacy device answers to the address at the rate of legacy transfers.
+    [[nodiscard]] bool isHeardByLegacy(uint8_t address) const;
+
+    /// Whether targets may join the running bus.
+    void admitHotJoin(bool admitted) { hotJoinAdmitted = admitted; }
+
+    /// Sends a START, a repeated one on the held bus. A legacy transfer that was left open ends
+    /// there, without its STOP.
+    void start();
+    /// Leaves the bus held: the next transfer begins with a repeated START.
+    void hold() { held = true; }
+    /// Sends a STOP. On the free bus the targets raise what they have pending.
+    void stop();
+
+    /// Lets targets join and raise their interrupts, unless the bus is held.
+    void serveRequests();
+
+private:
+    void serveHotJoin();
+    void serveInterrupts();
+
+    Outbox& notifications;
+    I3cBus targets;
+    I3cDeviceTable table{targets};
+    Settings settings{};
+    bool hasSupply = false;
+    bool controllerInitialised = false;
+    bool busInitialised = false;
+    bool hotJoinAdmitted = false;
+    bool held = false;
+};
+
+} // namespace virtual_adapter

@@ -1,0 +1,204 @@
+#include "model/i3c/I3cTarget.hpp"
+
+#include <algorithm>
+#include <utility>
+
+namespace virtual_adapter {
+
+namespace {
+
+constexpr uint8_t bcrIbiPayload = 0x04;
+constexpr uint8_t bcrAdvancedCapabilities = 0x20;
+constexpr uint8_t hdrModeDdr = 0x01;
+
+constexpr uint16_t smallestMaxWriteLength = 8;
+constexpr uint16_t smallestMaxReadLength = 16;
+
+// The formats of GETSTATUS and GETCAPS.
+constexpr uint8_t formatStandard = 0x00;
+constexpr uint8_t formatTestPattern = 0x5A;
+
+constexpr uint8_t peripheralResetMilliseconds = 1;
+constexpr uint8_t wholeTargetResetMilliseconds = 10;
+
+} // namespace
+
+I3cTarget::I3cTarget(const I3cCharacteristics& ofThisKind, Bytes contents, size_t pointerBytes)
+    : kind(ofThisKind),
+      initialRegisters(std::move(contents)),
+      pointerSize(pointerBytes),
+      registers(initialRegisters) {
+    resetPeripheral();
+}
+
+bool I3cTarget::hasIbiPayload() const {
+    return (kind.bcr & bcrIbiPayload) != 0;
+}
+
+bool I3cTarget::supportsHdrDdr() const {
+    return (kind.hdrModes & hdrModeDdr) != 0;
+}
+
+bool I3cTarget::hasAdvancedCapabilities() const {
+    return (kind.bcr & bcrAdvancedCapabilities) != 0;
+}
+
+void I3cTarget::setMaxWriteLength(uint16_t length) {
+    writeLimit = std::clamp(length, smallestMaxWriteLength, kind.maxWriteLength);
+}
+
+void I3cTarget::setMaxReadLength(uint16_t length) {
+    readLimit = std::clamp(length, smallestMaxReadLength, kind.maxReadLength);
+}
+
+void I3cTarget::setMaxIbiPayloadSize(uint8_t size) {
+    ibiPayloadLimit = std::min(size, kind.maxIbiPayloadSize);
+}
+
+void I3cTarget::enableEvents(uint8_t named) {
+    events |= named;
+}
+
+void I3cTarget::disableEvents(uint8_t named) {
+    events &= static_cast<uint8_t>(~named);
+}
+
+bool I3cTarget::requestsInterrupt() const {
+    return pendingInterrupt.has_value() && (events & i3c_event::interrupt) != 0 && address != 0;
+}
+
+Bytes I3cTarget::raiseInterrupt() {
+    Bytes payload = std::exchange(pendingInterrupt, std::nullopt).value_or(Bytes{});
+    if (ibiPayloadLimit != 0 && payload.size() > ibiPayloadLimit) {
+        payload.resize(ibiPayloadLimit);
+    }
+    return payload;
+}
+
+std::optional<Bytes> I3cTarget::status(DefiningByte definingByte) {
+    if (definingByte.has_value() && !hasAdvancedCapabilities()) {
+        return {};
+    }
+    resetEscalates = false;
+    if (definingByte.value_or(formatStandard) == formatStandard) {
+        return Bytes{0x00, static_cast<uint8_t>(pendingInterrupt.has_value() ? 1 : 0)};
+    }
+    return specialStatus(*definingByte);
+}
+
+std::optional<Bytes> I3cTarget::capabilities(DefiningByte definingByte) const {
+    constexpr uint8_t minorVersion = 0x01;
+    constexpr uint8_t definingBytesInCapsAndStatus = 0x18;
+    if (!hasAdvancedCapabilities()) {
+        return {};
+    }
+    switch (definingByte.value_or(formatStandard)) {
+    case formatStandard:
+        return Bytes{kind.hdrModes, minorVersion, definingBytesInCapsAndStatus, 0x00};
+    case formatTestPattern:
+        return Bytes{0xA5, 0x5A, 0xA5, 0x5A};
+    default:
+        return specialCapabilities(*definingByte);
+    }
+}
+
+bool I3cTarget::armReset(uint8_t definingByte) {
+    if (!hasAdvancedCapabilities() || definingByte > I3cTargetResetDefByte_ResetWholeTarget) {
+        return false;
+    }
+    armedReset = definingByte;
+    resetEscalates = false;
+    return true;
+}
+
+std::optional<Bytes> I3cTarget::resetTime(uint8_t definingByte) const {
+    if (!hasAdvancedCapabilities()) {
+        return {};
+    }
+    switch (definingByte) {
+    case I3cTargetResetDefByte_TimeToResetPeripheral:
+        return Bytes{peripheralResetMilliseconds};
+    case I3cTargetResetDefByte_TimeToResetWholeTarget:
+        return Bytes{wholeTargetResetMilliseconds};
+    default:
+        return {};
+    }
+}
+
+void I3cTarget::receiveTargetResetPattern() {
+    if (!hasAdvancedCapabilities()) {
+        return;
+    }
+    const auto armed = std::exchange(armedReset, std::nullopt);
+    const uint8_t action = armed.value_or(resetEscalates ? I3cTargetResetDefByte_ResetWholeTarget
+                                                         : I3cTargetResetDefByte_ResetPeripheral);
+    if (action == I3cTargetResetDefByte_ResetPeripheral) {
+        resetPeripheral();
+    } else if (action == I3cTargetResetDefByte_ResetWholeTarget) {
+        resetWholeTarget();
+    }
+    resetEscalates = !armed.has_value();
+}
+
+void I3cTarget::resetWholeTarget() {
+    resetPeripheral();
+    registers = initialRegisters;
+    pointer = 0;
+    armedReset.reset();
+    resetEscalates = false;
+}
+
+void I3cTarget::resetPeripheral() {
+    address = 0;
+    writeLimit = kind.maxWriteLength;
+    readLimit = kind.maxReadLength;
+    ibiPayloadLimit = kind.maxIbiPayloadSize;
+    events = 0;
+    pendingInterrupt.reset();
+}
+
+void I3cTarget::write(const Bytes& bytes) {
+    if (bytes.size() < pointerSize) {
+        return;
+    }
+    const auto data = bytes.begin() + static_cast<Bytes::difference_type>(pointerSize);
+    size_t selected = 0;
+    std::for_each(bytes.begin(), data, [&](uint8_t byte) { selected = selected << 8U | byte; });
+    pointer = selected % registers.size();
+    writeFromPointer(data, bytes.end());
+}
+
+Bytes I3cTarget::read(size_t length) {
+    Bytes bytes(std::min<size_t>(length, readLimit));
+    for (uint8_t& byte : bytes) {
+        byte = readRegister(pointer);
+        pointer = (pointer + 1) % registers.size();
+    }
+    return bytes;
+}
+
+void I3cTarget::writeHdrDdr(uint8_t commandCode, const Bytes& bytes) {
+    selectByHdrCommand(commandCode);
+    writeFromPointer(bytes.begin(), bytes.end());
+}
+
+Bytes I3cTarget::readHdrDdr(uint8_t commandCode, size_t length) {
+    selectByHdrCommand(commandCode);
+    // Words of two bytes are moved.
+    const size_t evenLimit = readLimit - readLimit % 2U;
+    return read(std::min(length, evenLimit));
+}
+
+void I3cTarget::selectByHdrCommand(uint8_t commandCode) {
+    constexpr size_t commandCodes = 0x80;
+    pointer = commandCode % commandCodes * (registers.size() / commandCodes);
+}
+
+void I3cTarget::writeFromPointer(Bytes::const_iterator first, Bytes::const_iterator last) {
+    std::for_each(first, last, [&](uint8_t byte) {
+        writeRegister(pointer, byte);
+        pointer = (pointer + 1) % registers.size();
+    });
+}
+
+} // namespace virtual_adapter

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "model/i3c/I3cController.hpp"
+
+namespace virtual_adapter {
+
+/// The commands that set the I3C bus up.
+class I3cBusSetup {
+public:
+    explicit I3cBusSetup(I3cController& ofTheBus) : controller(ofTheBus) {}
+
+    void registerCommands(Dispatcher& dispatcher);
+
+private:
+    Answer setVoltage(ByteReader& request);
+    Answer controllerInit(ByteReader& request);
+    Answer setParameters(ByteReader& request);
+    Answer initBus(ByteReader& request);
+    Answer resetBus(ByteReader& request);
+    Answer getDeviceTable(ByteReader& request);
+    Answer configureTarget(ByteReader& request);
+
+    I3cController& controller;
+};
+
+} // namespace virtual_adapter

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "bytes/ByteReader.hpp"
+#include "model/Status.hpp"
+#include "model/i3c/I3cTarget.hpp"
+
+#include <vector>
+
+namespace virtual_adapter {
+
+constexpr uint8_t lowestI3cAddress = 0x08;
+constexpr uint8_t highestI3cAddress = 0x77;
+/// Every target answers to it.
+constexpr uint8_t i3cBroadcastAddress = 0x7E;
+
+/// Whether no device may have the address on a bus that I3C and I2C share.
+bool isReservedI3cAddress(uint8_t address);
+
+I3cTargetInfo readI3cRecord(ByteReader& request);
+void appendI3cRecord(Bytes& payload, const I3cTargetInfo& record);
+
+bool isLegacy(const I3cTargetInfo& record);
+
+/// The address that the record's device is to have, or 0 when the controller may choose.
+uint8_t wantedAddress(const I3cTargetInfo& record);
+
+/// Whether the record is about the target: it names it by the static address or, without one, by
+/// the PID.
+bool names(const I3cTargetInfo& record, const I3cTarget& target);
+
+/// Whether a bus, whatever is on it, can be what the records say.
+Status checkRecords(const std::vector<I3cTargetInfo>& records);
+
+} // namespace virtual_adapter

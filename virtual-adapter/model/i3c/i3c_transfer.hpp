@@ -1,0 +1,30 @@
+#pragma once
+
+#include "model/i3c/I3cController.hpp"
+
+namespace virtual_adapter {
+
+/// Private transfers in SDR, HDR-DDR and legacy I2C, and the bus patterns.
+class I3cTransfer {
+public:
+    explicit I3cTransfer(I3cController& ofTheBus) : controller(ofTheBus) {}
+
+    void registerCommands(Dispatcher& dispatcher);
+
+private:
+    struct Transfer;
+
+    Answer transfer(ByteReader& request);
+    Answer busPattern(ByteReader& request);
+
+    Status carryOut(const Transfer& wanted, Bytes& received);
+    Status carryOutSdr(const Transfer& wanted, Bytes& received);
+    Status carryOutHdrDdr(const Transfer& wanted, Bytes& received);
+    Status carryOutLegacy(const Transfer& wanted, Bytes& received);
+    /// Writes to the registers of @p target or reads from them.
+    static Status exchange(I3cTarget& target, const Transfer& wanted, Bytes& received);
+
+    I3cController& controller;
+};
+
+} // namespace virtual_adapter
