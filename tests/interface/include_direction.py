@@ -3,6 +3,7 @@
 
 A floor includes its own files, the public headers and the listed files of the floor beneath it.
 The virtual adapter shares the packet framing and the command codes with the library, no more.
+The rooms around it include each other's files as listed.
 """
 
 import pathlib
@@ -20,10 +21,19 @@ FLOORS = {
         "driver/CommunicationManager.hpp",
     ),
     "src/capi": ("capi/",),
-    "virtual-adapter": ("driver/UsbTransferProtocol.hpp", "protocol/CommandCode.hpp", "hidapi.h"),
+    "virtual-adapter": ("driver/UsbTransferProtocol.hpp", "protocol/CommandCode.hpp"),
+    "preload": ("hidapi.h",),
+    "usbip": (),
+}
+ROOMS = {
+    "preload": ("preload/", "device/"),
+    "virtual-adapter/cli": ("cli/", "attach/", "device/"),
+    "virtual-adapter/device": ("device/", "model/"),
+    "virtual-adapter/model": ("model/",),
 }
 INCLUDE = re.compile(r'\s*#\s*include\s*["<]([^">]*)[">]')
-WATCHED = ("capi/", "sdk/", "protocol/", "driver/", "hidapi")
+LIBRARY = ("capi/", "sdk/", "protocol/", "driver/", "hidapi")
+VIRTUAL_ADAPTER = ("attach/", "cli/", "device/", "model/", "preload/", "usbip/")
 
 
 def includes(directory):
@@ -38,12 +48,13 @@ def includes(directory):
 def main(root):
     complaints = []
     watched = 0
-    for floor, allowed in FLOORS.items():
-        for path, number, included in includes(root / floor):
-            if included.startswith(WATCHED):
-                watched += 1
-                if not included.startswith(allowed):
-                    complaints.append(f"{path}:{number}: {floor} must not include {included}")
+    for rooms, names in ((FLOORS, LIBRARY), (ROOMS, VIRTUAL_ADAPTER)):
+        for room, allowed in rooms.items():
+            for path, number, included in includes(root / room):
+                if included.startswith(names):
+                    watched += 1
+                    if not included.startswith(allowed):
+                        complaints.append(f"{path}:{number}: {room} must not include {included}")
 
     for path, number, included in includes(root / "include"):
         if "/" in included and not included.startswith("veltrasdk/"):
@@ -51,7 +62,7 @@ def main(root):
         if path.suffix == ".h" and not included.endswith(".h"):
             complaints.append(f"{path}:{number}: a C header must not include {included}")
 
-    print(f"{watched} includes between the floors")
+    print(f"{watched} includes between the rooms")
     print("\n".join(complaints))
     return bool(complaints) or not watched
 

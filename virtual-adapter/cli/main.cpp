@@ -1,6 +1,6 @@
-#include "attach.hpp"
-#include "run.hpp"
-#include "serve.hpp"
+#include "cli/attach.hpp"
+#include "cli/run.hpp"
+#include "cli/serve.hpp"
 
 #include <CLI/CLI.hpp>
 

@@ -9,12 +9,12 @@
 
 namespace virtual_adapter {
 
-/// The host's side of one adapter, as hidapi shows it to a program. Any thread may call.
+/// The adapter as hidapi shows it to a program. Any thread may call.
 ///
 /// Results are hidapi's: a number of bytes, or -1 for an error.
-class HostPort {
+class HidAdapter {
 public:
-    explicit HostPort(const AdapterSettings& chosen);
+    explicit HidAdapter(const AdapterSettings& chosen);
 
     [[nodiscard]] const AdapterSettings& adapterSettings() const { return settings; }
 

@@ -1,9 +1,9 @@
-#include "serve.hpp"
+#include "cli/serve.hpp"
 
 #include "attach/ListeningSocket.hpp"
-#include "attach/TerminationSignals.hpp"
 #include "attach/UsbIpServer.hpp"
-#include "options.hpp"
+#include "cli/TerminationSignals.hpp"
+#include "cli/options.hpp"
 
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>

@@ -1,4 +1,4 @@
-#include "attach/HostPort.hpp"
+#include "preload/HidAdapter.hpp"
 
 #include <algorithm>
 
@@ -13,20 +13,20 @@ constexpr size_t hidapiQueueLength = 32;
 
 } // namespace
 
-HostPort::HostPort(const AdapterSettings& chosen)
+HidAdapter::HidAdapter(const AdapterSettings& chosen)
     : settings(chosen), link(chosen.identity.variant, chosen.serialNumber, chosen.fault) {}
 
-bool HostPort::isOnBus() {
+bool HidAdapter::isOnBus() {
     const std::lock_guard lock(mutex);
     return link.isOnBus();
 }
 
-bool HostPort::isOpen() {
+bool HidAdapter::isOpen() {
     const std::lock_guard lock(mutex);
     return opened;
 }
 
-bool HostPort::open() {
+bool HidAdapter::open() {
     const std::lock_guard lock(mutex);
     if (opened || !isAccessible() || !link.isOnBus()) {
         return false;
@@ -35,7 +35,7 @@ bool HostPort::open() {
     return true;
 }
 
-void HostPort::close() {
+void HidAdapter::close() {
     const std::lock_guard lock(mutex);
     receive();
     unread.clear();
@@ -43,7 +43,7 @@ void HostPort::close() {
     changed.notify_all();
 }
 
-bool HostPort::write(const Bytes& report) {
+bool HidAdapter::write(const Bytes& report) {
     const std::lock_guard lock(mutex);
     const bool written = opened && link.writeReport(report, Clock::now());
     receive();
@@ -51,7 +51,7 @@ bool HostPort::write(const Bytes& report) {
     return written;
 }
 
-int HostPort::read(uint8_t* data, size_t size, int milliseconds) {
+int HidAdapter::read(uint8_t* data, size_t size, int milliseconds) {
     std::unique_lock lock(mutex);
     const bool endless = milliseconds < 0;
     const auto deadline = Clock::now() + std::chrono::milliseconds(milliseconds);
@@ -76,7 +76,7 @@ int HostPort::read(uint8_t* data, size_t size, int milliseconds) {
     return -1;
 }
 
-void HostPort::receive() {
+void HidAdapter::receive() {
     const auto now = Clock::now();
     while (auto report = link.takeInputReport(now)) {
         unread.push_back(std::move(*report));
@@ -86,7 +86,7 @@ void HostPort::receive() {
     }
 }
 
-int HostPort::takeUnread(uint8_t* data, size_t size) {
+int HidAdapter::takeUnread(uint8_t* data, size_t size) {
     const Bytes report = std::move(unread.front());
     unread.pop_front();
     const size_t count = std::min(size, report.size());

@@ -1,5 +1,5 @@
-#include "attach/HostPort.hpp"
 #include "device/Utf16.hpp"
+#include "preload/HidAdapter.hpp"
 
 #include <cstdlib>
 #include <cstring>
@@ -19,11 +19,11 @@
 
 using virtual_adapter::AdapterSettings;
 using virtual_adapter::Bytes;
-using virtual_adapter::HostPort;
+using virtual_adapter::HidAdapter;
 using virtual_adapter::UsbIdentity;
 
 struct hid_device_ {
-    HostPort port;
+    HidAdapter adapter;
     /// The one of the process that this one was forked from.
     const hid_device_* inherited;
 };
@@ -56,7 +56,7 @@ AdapterSettings environmentSettings() {
 
 hid_device* plugIn(const hid_device* inherited) {
     try {
-        return new hid_device{HostPort(environmentSettings()), inherited};
+        return new hid_device{HidAdapter(environmentSettings()), inherited};
     } catch (const std::invalid_argument& error) {
         complain(std::string("no adapter: ") + error.what());
         return nullptr;
@@ -106,10 +106,11 @@ OneDevice oneDevice;
     pthread_atfork([] { oneDevice.beforeFork(); }, [] { oneDevice.afterForkInParent(); },
                    [] { oneDevice.afterForkInChild(); });
 
-/// The port behind a handle. Null for none, and for one of the process that this was forked from.
-HostPort* portOf(const hid_device* handle) {
+/// The adapter behind a handle. Null for none, and for one of the process that this was forked
+/// from.
+HidAdapter* adapterBehind(const hid_device* handle) {
     hid_device* const device = oneDevice.get();
-    return handle != nullptr && handle == device ? &device->port : nullptr;
+    return handle != nullptr && handle == device ? &device->adapter : nullptr;
 }
 
 std::wstring wideText(const std::string& utf8) {
@@ -154,7 +155,7 @@ int hid_init() {
 
 int hid_exit() {
     hid_device* const device = oneDevice.get();
-    if (device != nullptr && device->port.isOpen()) {
+    if (device != nullptr && device->adapter.isOpen()) {
         complain("hid_exit while a device is open: the real hidapi aborts here too");
         std::abort();
     }
@@ -164,16 +165,16 @@ int hid_exit() {
 // NOLINTNEXTLINE(readability-identifier-naming): hidapi's names.
 hid_device_info* hid_enumerate(unsigned short vendor_id, unsigned short product_id) {
     hid_device* const device = oneDevice.get();
-    if (device == nullptr || !device->port.isOnBus()) {
+    if (device == nullptr || !device->adapter.isOnBus()) {
         return nullptr;
     }
-    const AdapterSettings& settings = device->port.adapterSettings();
+    const AdapterSettings& settings = device->adapter.adapterSettings();
     const UsbIdentity& identity = settings.identity;
     if ((vendor_id != 0 && vendor_id != identity.vendorId) ||
         (product_id != 0 && product_id != identity.productId)) {
         return nullptr;
     }
-    return listDevice(settings, device->port.isAccessible());
+    return listDevice(settings, device->adapter.isAccessible());
 }
 
 void hid_free_enumeration(hid_device_info* devs) {
@@ -185,31 +186,31 @@ hid_device* hid_open_path(const char* path) {
     if (device == nullptr || path == nullptr || std::strcmp(path, devicePath) != 0) {
         return nullptr;
     }
-    return device->port.open() ? device : nullptr;
+    return device->adapter.open() ? device : nullptr;
 }
 
 int hid_write(hid_device* device, const unsigned char* data, size_t length) {
-    HostPort* const port = portOf(device);
-    if (port == nullptr || data == nullptr || length == 0) {
+    HidAdapter* const adapter = adapterBehind(device);
+    if (adapter == nullptr || data == nullptr || length == 0) {
         return -1;
     }
     // The report identifier 0 of unnumbered reports does not go on the wire.
     const size_t skipped = data[0] == 0 ? 1 : 0;
-    const bool written = port->write(Bytes(data + skipped, data + length));
+    const bool written = adapter->write(Bytes(data + skipped, data + length));
     return written ? static_cast<int>(length) : -1;
 }
 
 int hid_read_timeout(hid_device* device, unsigned char* data, size_t length, int milliseconds) {
-    HostPort* const port = portOf(device);
-    if (port == nullptr || data == nullptr) {
+    HidAdapter* const adapter = adapterBehind(device);
+    if (adapter == nullptr || data == nullptr) {
         return -1;
     }
-    return port->read(data, length, milliseconds);
+    return adapter->read(data, length, milliseconds);
 }
 
 void hid_close(hid_device* device) {
-    HostPort* const port = portOf(device);
-    if (port != nullptr) {
-        port->close();
+    HidAdapter* const adapter = adapterBehind(device);
+    if (adapter != nullptr) {
+        adapter->close();
     }
 }

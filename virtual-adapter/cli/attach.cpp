@@ -1,9 +1,9 @@
-#include "attach.hpp"
+#include "cli/attach.hpp"
 
-#include "attach/TerminationSignals.hpp"
 #include "attach/UsbIpServer.hpp"
 #include "attach/Vhci.hpp"
-#include "options.hpp"
+#include "cli/TerminationSignals.hpp"
+#include "cli/options.hpp"
 
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>

@@ -1,6 +1,6 @@
-#include "run.hpp"
+#include "cli/run.hpp"
 
-#include "options.hpp"
+#include "cli/options.hpp"
 
 #include <cerrno>
 #include <cstdlib>

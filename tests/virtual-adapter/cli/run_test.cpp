@@ -1,4 +1,4 @@
-#include "RunProgram.hpp"
+#include "virtual-adapter/cli/RunProgram.hpp"
 
 #include <csignal>
 

@@ -1,5 +1,5 @@
-#include "RunProgram.hpp"
 #include "support/TemporaryDirectory.hpp"
+#include "virtual-adapter/cli/RunProgram.hpp"
 
 #include <dlfcn.h>
 #include <filesystem>
