@@ -1,29 +1,31 @@
-// What hosts may send to the USB/IP server: two connections to one port, with any bytes in any
+// What hosts may send to the USB/IP server: two connections to one adapter, with any bytes in any
 // pieces.
 #include "Input.hpp"
 
-#include "attach/UsbIpConnection.hpp"
+#include "ways/usbip.hpp"
+
+#include "usbip/Connection.hpp"
 
 #include <array>
 #include <memory>
 
 using fuzzing::Input;
 using fuzzing::require;
-using virtual_adapter::UsbIpConnection;
-using virtual_adapter::UsbIpPort;
+using usbip::Connection;
+using usbip::ExportedDevice;
 
 namespace {
 
-UsbIpPort portFor(Input& input) {
-    UsbIpPort port;
+ExportedDevice adapterFor(Input& input) {
+    virtual_adapter::AdapterSettings settings;
     const auto& faults = virtual_adapter::faultNames();
-    port.settings.identity = virtual_adapter::usbIdentities[input.number<bool>() ? 1 : 0];
-    port.settings.fault.kind = faults[input.byte() % faults.size()].kind;
-    return port;
+    settings.identity = virtual_adapter::usbIdentities[input.number<bool>() ? 1 : 0];
+    settings.fault.kind = faults[input.byte() % faults.size()].kind;
+    return virtual_adapter::exportedAdapter(settings);
 }
 
 /// What the server's loop does with one host, without the socket.
-void receive(UsbIpConnection& host, const fuzzing::Bytes& bytes, UsbIpConnection::Time now) {
+void receive(Connection& host, const fuzzing::Bytes& bytes, usbip::Time now) {
     const bool wasOver = host.isOver();
     if (host.wantsInput()) {
         host.receive(bytes.data(), bytes.size(), now);
@@ -35,11 +37,11 @@ void receive(UsbIpConnection& host, const fuzzing::Bytes& bytes, UsbIpConnection
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Input input(data, size);
-    UsbIpPort port = portFor(input);
-    UsbIpConnection::Time now{};
-    std::array<std::unique_ptr<UsbIpConnection>, 2> hosts;
+    ExportedDevice adapter = adapterFor(input);
+    usbip::Time now{};
+    std::array<std::unique_ptr<Connection>, 2> hosts;
     for (auto& host : hosts) {
-        host = std::make_unique<UsbIpConnection>(port);
+        host = std::make_unique<Connection>(adapter);
     }
     if (input.number<bool>()) {
         hosts[0]->plugIn();
@@ -56,15 +58,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             host->serve(now);
             break;
         case 2:
-            host = std::make_unique<UsbIpConnection>(port);
+            host = std::make_unique<Connection>(adapter);
             break;
         default:
             receive(*host, input.twoPartBytes(), now);
             break;
         }
         require(!hosts[0]->isPluggedIn() || !hosts[1]->isPluggedIn(), "one host has the adapter");
-        require(port.isTaken == (hosts[0]->isPluggedIn() || hosts[1]->isPluggedIn()),
-                "the port is taken while a host has the adapter");
+        require(adapter.isTaken == (hosts[0]->isPluggedIn() || hosts[1]->isPluggedIn()),
+                "the adapter is taken while a host has the adapter");
     }
     return 0;
 }

@@ -27,13 +27,24 @@ FLOORS = {
 }
 ROOMS = {
     "preload": ("preload/", "device/"),
-    "virtual-adapter/cli": ("cli/", "attach/", "device/"),
-    "virtual-adapter/device": ("device/", "model/"),
-    "virtual-adapter/model": ("model/",),
+    "usbip": ("usbip/", "bytes/"),
+    "virtual-adapter/bytes": ("bytes/",),
+    "virtual-adapter/cli": ("cli/", "ways/", "device/", "usbip/"),
+    "virtual-adapter/device": ("device/", "model/", "bytes/"),
+    "virtual-adapter/model": ("model/", "bytes/"),
+    "virtual-adapter/ways": ("ways/", "device/", "usbip/"),
 }
 INCLUDE = re.compile(r'\s*#\s*include\s*["<]([^">]*)[">]')
 LIBRARY = ("capi/", "sdk/", "protocol/", "driver/", "hidapi")
-VIRTUAL_ADAPTER = ("attach/", "cli/", "device/", "model/", "preload/", "usbip/")
+VIRTUAL_ADAPTER = (
+    "bytes/",
+    "cli/",
+    "device/",
+    "model/",
+    "preload/",
+    "usbip/",
+    "ways/",
+)
 
 
 def includes(directory):

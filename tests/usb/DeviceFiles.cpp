@@ -14,9 +14,9 @@
 
 namespace test_support {
 
+using usbip::FileDescriptor;
 using virtual_adapter::AdapterSettings;
 using virtual_adapter::Bytes;
-using virtual_adapter::FileDescriptor;
 
 namespace {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "attach/FileDescriptor.hpp"
 #include "device/AdapterSettings.hpp"
+#include "usbip/FileDescriptor.hpp"
 
 #include <umockdev.h>
 
@@ -23,7 +23,7 @@ public:
     void showReadiness(bool ready);
 
 private:
-    virtual_adapter::FileDescriptor fifo;
+    usbip::FileDescriptor fifo;
     bool showsReady = true;
 };
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "attach/FileDescriptor.hpp"
+#include "usbip/FileDescriptor.hpp"
 
 #include <sys/signalfd.h>
 
@@ -10,7 +10,7 @@ namespace virtual_adapter {
 
 /// Becomes readable when the process is asked to end, instead of ending it. What the starter of the
 /// process ignores, as nohup does, stays ignored. Call it before the process has a second thread.
-inline FileDescriptor terminationSignals() {
+inline usbip::FileDescriptor terminationSignals() {
     sigset_t signals;
     sigemptyset(&signals);
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
@@ -21,7 +21,7 @@ inline FileDescriptor terminationSignals() {
         }
     }
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    return FileDescriptor(signalfd(-1, &signals, SFD_CLOEXEC));
+    return usbip::FileDescriptor(signalfd(-1, &signals, SFD_CLOEXEC));
 }
 
 } // namespace virtual_adapter

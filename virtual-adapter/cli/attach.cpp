@@ -1,9 +1,11 @@
 #include "cli/attach.hpp"
 
-#include "attach/UsbIpServer.hpp"
-#include "attach/Vhci.hpp"
 #include "cli/TerminationSignals.hpp"
 #include "cli/options.hpp"
+#include "ways/usbip.hpp"
+
+#include "usbip/Server.hpp"
+#include "usbip/Vhci.hpp"
 
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
@@ -14,29 +16,32 @@
 #include <memory>
 #include <sys/socket.h>
 #include <system_error>
+#include <utility>
 
 namespace virtual_adapter {
 
 namespace {
 
 void attach(const AdapterSettings& settings) {
-    const FileDescriptor stop = terminationSignals();
+    const usbip::FileDescriptor stop = terminationSignals();
     std::array<int, 2> ends{};
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) {
         throw std::system_error(errno, std::generic_category(), "cannot make a pair of sockets");
     }
-    UsbIpServer server(settings);
-    server.plugInto(FileDescriptor(ends[0]));
-    FileDescriptor kernelsEnd(ends[1]);
+    usbip::ExportedDevice adapter = exportedAdapter(settings);
+    const usbip::Speed speed = adapter.description.speed;
+    usbip::Server server(std::move(adapter));
+    server.plugInto(usbip::FileDescriptor(ends[0]));
+    usbip::FileDescriptor kernelsEnd(ends[1]);
 
-    const Vhci controller;
-    const unsigned port = controller.plugIn(kernelsEnd, settings.identity);
+    const usbip::Vhci controller;
+    const unsigned port = controller.plugIn(kernelsEnd, speed);
     kernelsEnd.reset();
     // Flushed, because whoever plugs in waits for this line.
     std::cout << "Plugged the " << settings.identity.variant.name << " adapter "
               << settings.serialNumber << " into vhci port " << port << std::endl;
     // When the kernel has let go by itself, the port may be another device's already.
-    if (server.run(stop) == UsbIpServer::End::Stopped) {
+    if (server.run(stop) == usbip::Server::End::Stopped) {
         controller.pullOut(port);
     }
 }

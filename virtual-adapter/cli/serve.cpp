@@ -1,9 +1,12 @@
 #include "cli/serve.hpp"
 
-#include "attach/ListeningSocket.hpp"
-#include "attach/UsbIpServer.hpp"
 #include "cli/TerminationSignals.hpp"
 #include "cli/options.hpp"
+#include "ways/usbip.hpp"
+
+#include "usbip/ListeningSocket.hpp"
+#include "usbip/Protocol.hpp"
+#include "usbip/Server.hpp"
 
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
@@ -20,14 +23,14 @@ namespace {
 struct ServeOptions {
     AdapterSettings settings;
     std::string address = "127.0.0.1";
-    uint16_t port = usbIpPort;
+    uint16_t port = usbip::standardPort;
 };
 
 void serve(const ServeOptions& options) {
-    const FileDescriptor stop = terminationSignals();
-    FileDescriptor listener = listeningSocket(options.address, options.port);
-    const uint16_t port = portOf(listener);
-    UsbIpServer server(options.settings);
+    const usbip::FileDescriptor stop = terminationSignals();
+    usbip::FileDescriptor listener = usbip::listeningSocket(options.address, options.port);
+    const uint16_t port = usbip::portOf(listener);
+    usbip::Server server(exportedAdapter(options.settings));
     server.listenOn(std::move(listener));
     // Flushed, because whoever starts a server waits for this line.
     std::cout << "Serving the " << options.settings.identity.variant.name << " adapter "

@@ -1,5 +1,5 @@
-#include "attach/FileDescriptor.hpp"
 #include "support/Process.hpp"
+#include "usbip/FileDescriptor.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -13,7 +13,7 @@
 
 using testing::HasSubstr;
 using testing::StartsWith;
-using virtual_adapter::FileDescriptor;
+using usbip::FileDescriptor;
 
 namespace {
 

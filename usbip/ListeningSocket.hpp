@@ -1,11 +1,11 @@
 #pragma once
 
-#include "attach/FileDescriptor.hpp"
+#include "usbip/FileDescriptor.hpp"
 
 #include <cstdint>
 #include <string>
 
-namespace virtual_adapter {
+namespace usbip {
 
 /// Listens on a numeric IPv4 or IPv6 @p address; the system chooses a @p port of 0. Throws
 /// std::runtime_error.
@@ -14,4 +14,4 @@ FileDescriptor listeningSocket(const std::string& address, uint16_t port);
 /// The port that a socket is bound to.
 uint16_t portOf(const FileDescriptor& socket);
 
-} // namespace virtual_adapter
+} // namespace usbip

@@ -1,6 +1,4 @@
-#include "attach/Vhci.hpp"
-
-#include "attach/UsbIpProtocol.hpp"
+#include "usbip/Vhci.hpp"
 
 #include <fcntl.h>
 
@@ -10,7 +8,7 @@
 #include <sstream>
 #include <stdexcept>
 
-namespace virtual_adapter {
+namespace usbip {
 
 namespace {
 
@@ -41,10 +39,11 @@ void command(const std::filesystem::path& file, const std::string& text) {
 
 Vhci::Vhci(std::filesystem::path controllerDirectory) : directory(std::move(controllerDirectory)) {}
 
-unsigned Vhci::plugIn(const FileDescriptor& socket, const UsbIdentity& identity) const {
+unsigned Vhci::plugIn(const FileDescriptor& socket, Speed speed) const {
     const unsigned port = freePort();
     std::ostringstream request;
-    request << port << ' ' << socket.get() << ' ' << deviceId << ' ' << usbIpSpeed(identity);
+    request << port << ' ' << socket.get() << ' ' << deviceId << ' '
+            << static_cast<uint32_t>(speed);
     command(directory / "attach", request.str());
     return port;
 }
@@ -81,4 +80,4 @@ unsigned Vhci::freePort() const {
         "lists them");
 }
 
-} // namespace virtual_adapter
+} // namespace usbip

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "attach/FileDescriptor.hpp"
-#include "device/UsbIdentity.hpp"
+#include "usbip/Device.hpp"
+#include "usbip/FileDescriptor.hpp"
 
 #include <filesystem>
 #include <string>
 
-namespace virtual_adapter {
+namespace usbip {
 
 /// The kernel's virtual USB host controller (module vhci-hcd).
 ///
@@ -17,7 +17,7 @@ public:
 
     /// Plugs the device whose USB/IP server is at the other end of @p socket into a free port, and
     /// returns the port's number. The kernel keeps its own reference to the socket.
-    [[nodiscard]] unsigned plugIn(const FileDescriptor& socket, const UsbIdentity& identity) const;
+    [[nodiscard]] unsigned plugIn(const FileDescriptor& socket, Speed speed) const;
 
     /// Pulls out what is plugged into @p port. Nothing happens when that has gone already.
     void pullOut(unsigned port) const;
@@ -28,4 +28,4 @@ private:
     std::filesystem::path directory;
 };
 
-} // namespace virtual_adapter
+} // namespace usbip

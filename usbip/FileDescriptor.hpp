@@ -4,7 +4,7 @@
 
 #include <utility>
 
-namespace virtual_adapter {
+namespace usbip {
 
 /// Owns an open file descriptor.
 class FileDescriptor {
@@ -32,4 +32,4 @@ private:
     int value = -1;
 };
 
-} // namespace virtual_adapter
+} // namespace usbip

@@ -1,4 +1,4 @@
-#include "attach/ListeningSocket.hpp"
+#include "usbip/ListeningSocket.hpp"
 
 #include <netdb.h>
 #include <netinet/in.h>
@@ -9,7 +9,7 @@
 #include <memory>
 #include <stdexcept>
 
-namespace virtual_adapter {
+namespace usbip {
 
 namespace {
 
@@ -55,4 +55,4 @@ uint16_t portOf(const FileDescriptor& socket) {
     return ntohs(reinterpret_cast<const sockaddr_in*>(&address)->sin_port);
 }
 
-} // namespace virtual_adapter
+} // namespace usbip

@@ -1,25 +1,25 @@
 #pragma once
 
-#include "attach/FileDescriptor.hpp"
-#include "attach/UsbIpConnection.hpp"
+#include "usbip/Connection.hpp"
+#include "usbip/FileDescriptor.hpp"
 
 #include <list>
 #include <optional>
 #include <utility>
 
-namespace virtual_adapter {
+namespace usbip {
 
-/// Serves the hosts that connect to one port, all on the thread that calls `run`. Whatever a host
+/// Serves one device to the hosts that connect, all on the thread that calls `run`. Whatever a host
 /// does, the others are served.
-class UsbIpServer {
+class Server {
 public:
-    explicit UsbIpServer(const AdapterSettings& settings) : port{settings} {}
+    explicit Server(ExportedDevice exportedDevice) : exported(std::move(exportedDevice)) {}
 
     /// Serves every host that connects to @p listeningSocket. Without one, `run` serves until the
     /// last host has gone.
     void listenOn(FileDescriptor listeningSocket) { listener = std::move(listeningSocket); }
 
-    /// Plugs the adapter into the host at the other end of @p socket.
+    /// Plugs the device into the host at the other end of @p socket.
     void plugInto(FileDescriptor socket);
 
     enum class End { Stopped, NothingLeft };
@@ -28,14 +28,12 @@ public:
     End run(const FileDescriptor& stop);
 
 private:
-    using Time = UsbIpConnection::Time;
-
     struct Host {
-        Host(FileDescriptor hostSocket, UsbIpPort& port)
-            : socket(std::move(hostSocket)), connection(port) {}
+        Host(FileDescriptor hostSocket, ExportedDevice& exported)
+            : socket(std::move(hostSocket)), connection(exported) {}
 
         FileDescriptor socket;
-        UsbIpConnection connection;
+        Connection connection;
         /// When to hang up, whatever has been said until then.
         std::optional<Time> deadline;
         bool isGone = false;
@@ -49,9 +47,9 @@ private:
     static void send(Host& host);
     void removeFinishedHosts(Time now);
 
-    UsbIpPort port;
+    ExportedDevice exported;
     FileDescriptor listener;
     std::list<Host> hosts;
 };
 
-} // namespace virtual_adapter
+} // namespace usbip

@@ -1,4 +1,4 @@
-#include "attach/UsbIpServer.hpp"
+#include "usbip/Server.hpp"
 
 #include <fcntl.h>
 #include <netinet/in.h>
@@ -13,18 +13,18 @@
 #include <limits>
 #include <vector>
 
-namespace virtual_adapter {
+namespace usbip {
 
 namespace {
 
 using namespace std::chrono_literals;
 
 /// Hosts beyond these wait in the listening socket's queue.
-constexpr size_t mostHosts = 16;
+constexpr size_t maxHosts = 16;
 /// For a host to say what it wants, and for the last bytes to reach one that is hung up on.
 constexpr auto patience = 10s;
 
-UsbDevice::Time currentTime() {
+Time currentTime() {
     return std::chrono::steady_clock::now();
 }
 
@@ -38,7 +38,7 @@ bool wouldBlock() {
 
 void sendAtOnce(const FileDescriptor& socket) {
     // Without these a small reply waits for the acknowledgement of the one before it, and a host
-    // that has lost its power keeps the adapter for ever. A local socket has neither.
+    // that has lost its power keeps the device for ever. A local socket has neither.
     const int on = 1;
     setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     setsockopt(socket.get(), SOL_SOCKET, SO_KEEPALIVE, &on, sizeof on);
@@ -46,21 +46,21 @@ void sendAtOnce(const FileDescriptor& socket) {
 
 } // namespace
 
-void UsbIpServer::plugInto(FileDescriptor socket) {
+void Server::plugInto(FileDescriptor socket) {
     fcntl(socket.get(), F_SETFL, O_NONBLOCK);
-    hosts.emplace_back(std::move(socket), port).connection.plugIn();
+    hosts.emplace_back(std::move(socket), exported).connection.plugIn();
 }
 
-UsbIpServer::End UsbIpServer::run(const FileDescriptor& stop) {
+Server::End Server::run(const FileDescriptor& stop) {
     const auto hasWork = [this] { return listener.isOpen() || !hosts.empty(); };
     while (hasWork() && serveOnce(stop)) {
     }
     return hasWork() ? End::Stopped : End::NothingLeft;
 }
 
-bool UsbIpServer::serveOnce(const FileDescriptor& stop) {
+bool Server::serveOnce(const FileDescriptor& stop) {
     std::vector<pollfd> polled{{stop.get(), POLLIN, 0},
-                               {listener.get(), eventsOf(hosts.size() < mostHosts, false), 0}};
+                               {listener.get(), eventsOf(hosts.size() < maxHosts, false), 0}};
     for (Host& host : hosts) {
         const bool unsent = !host.connection.output().empty();
         polled.push_back({host.socket.get(), eventsOf(host.connection.wantsInput(), unsent), 0});
@@ -85,7 +85,7 @@ bool UsbIpServer::serveOnce(const FileDescriptor& stop) {
     return polled[0].revents == 0;
 }
 
-int UsbIpServer::millisecondsToWait(Time now) const {
+int Server::millisecondsToWait(Time now) const {
     std::optional<Time> next;
     for (const Host& host : hosts) {
         for (const std::optional<Time>& event : {host.deadline, host.connection.nextDue()}) {
@@ -101,15 +101,15 @@ int UsbIpServer::millisecondsToWait(Time now) const {
     return static_cast<int>(std::clamp<decltype(wait)>(wait, 0, std::numeric_limits<int>::max()));
 }
 
-void UsbIpServer::accept(Time now) {
+void Server::accept(Time now) {
     FileDescriptor socket(accept4(listener.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
     if (socket.isOpen()) {
         sendAtOnce(socket);
-        hosts.emplace_back(std::move(socket), port).deadline = now + patience;
+        hosts.emplace_back(std::move(socket), exported).deadline = now + patience;
     }
 }
 
-void UsbIpServer::receive(Host& host, Time now) {
+void Server::receive(Host& host, Time now) {
     std::array<uint8_t, 1U << 16U> buffer{};
     const ssize_t size = recv(host.socket.get(), buffer.data(), buffer.size(), 0);
     if (size > 0) {
@@ -119,7 +119,7 @@ void UsbIpServer::receive(Host& host, Time now) {
     }
 }
 
-void UsbIpServer::send(Host& host) {
+void Server::send(Host& host) {
     Bytes& output = host.connection.output();
     while (!output.empty() && !host.isGone) {
         const ssize_t size = ::send(host.socket.get(), output.data(), output.size(), MSG_NOSIGNAL);
@@ -132,7 +132,7 @@ void UsbIpServer::send(Host& host) {
     }
 }
 
-void UsbIpServer::removeFinishedHosts(Time now) {
+void Server::removeFinishedHosts(Time now) {
     hosts.remove_if([&](Host& host) {
         if (host.connection.isOver()) {
             host.deadline = host.deadline.value_or(now + patience);
@@ -144,4 +144,4 @@ void UsbIpServer::removeFinishedHosts(Time now) {
     });
 }
 
-} // namespace virtual_adapter
+} // namespace usbip

@@ -1,0 +1,73 @@
+#include "ways/usbip.hpp"
+
+#include "device/UsbDescriptors.hpp"
+#include "device/UsbDevice.hpp"
+
+#include <utility>
+
+namespace virtual_adapter {
+
+namespace {
+
+usbip::Status statusOf(UsbStatus status) {
+    switch (status) {
+    case UsbStatus::Completed:
+        return usbip::Status::Completed;
+    case UsbStatus::Stalled:
+        return usbip::Status::Stalled;
+    case UsbStatus::Overflowed:
+        return usbip::Status::Overflowed;
+    case UsbStatus::Unplugged:
+        break;
+    }
+    return usbip::Status::Unplugged;
+}
+
+class PluggedInAdapter : public usbip::Device {
+public:
+    PluggedInAdapter(const AdapterSettings& settings, Receiver receiver)
+        : device(settings, [receiver = std::move(receiver)](UsbResult result) {
+              receiver({result.id, statusOf(result.status), result.actualLength,
+                        std::move(result.data)});
+          }) {}
+
+    void submit(usbip::Transfer transfer, usbip::Time now) override {
+        device.submit({transfer.id, transfer.endpointAddress,
+                       SetupPacket::fromBytes(transfer.setup), transfer.length,
+                       std::move(transfer.data)},
+                      now);
+    }
+
+    bool cancel(uint64_t id) override { return device.cancel(id); }
+    void serve(usbip::Time now) override { device.serve(now); }
+    [[nodiscard]] std::optional<usbip::Time> nextDue() const override { return device.nextDue(); }
+    [[nodiscard]] bool isOnBus() const override { return device.isOnBus(); }
+
+private:
+    UsbDevice device;
+};
+
+usbip::Description describe(const UsbIdentity& identity) {
+    usbip::Description description;
+    description.maker = "veltra-virtual-adapter";
+    description.speed =
+        speedOf(identity) == UsbSpeed::Full ? usbip::Speed::Full : usbip::Speed::High;
+    description.vendorId = identity.vendorId;
+    description.productId = identity.productId;
+    description.deviceRelease = identity.deviceRelease;
+    description.configuration = onlyConfiguration;
+    description.interfaces = {{hidInterfaceClass, 0, 0}};
+    return description;
+}
+
+} // namespace
+
+usbip::ExportedDevice exportedAdapter(const AdapterSettings& settings) {
+    return {describe(settings.identity),
+            [settings](usbip::Device::Receiver receiver) {
+                return std::make_unique<PluggedInAdapter>(settings, std::move(receiver));
+            },
+            false};
+}
+
+} // namespace virtual_adapter
