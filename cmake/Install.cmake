@@ -36,10 +36,11 @@ install(FILES ${PROJECT_BINARY_DIR}/veltrasdk.pc
     DESTINATION ${veltrasdk_pkgconfig_directory}
     COMPONENT development)
 
-# The virtual adapter
-install(TARGETS veltra-virtual-adapter
-    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
-    COMPONENT virtual_adapter)
-install(TARGETS veltra-virtual-adapter-preload
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/veltra-virtual-adapter
-    COMPONENT virtual_adapter)
+if(VELTRASDK_BUILD_VIRTUAL_ADAPTER)
+    install(TARGETS veltra-virtual-adapter
+        RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+        COMPONENT virtual_adapter)
+    install(TARGETS veltra-virtual-adapter-preload
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/veltra-virtual-adapter
+        COMPONENT virtual_adapter)
+endif()

@@ -28,7 +28,7 @@ if(NOT usb_product_step EQUAL 1)
                         "VELTRASDK_USB_PRODUCT_ID_FULL_SPEED + 1")
 endif()
 
-if(BUILD_TESTING AND NOT "${udev_VENDOR_ID}:${udev_PRODUCT_ID_FULL_SPEED}" STREQUAL "1209:0001")
+if(VELTRASDK_BUILD_TESTS AND NOT "${udev_VENDOR_ID}:${udev_PRODUCT_ID_FULL_SPEED}" STREQUAL "1209:0001")
     message(FATAL_ERROR "The tests expect the default USB identifiers: add -D BUILD_TESTING=OFF")
 endif()
 

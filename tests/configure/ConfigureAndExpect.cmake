@@ -2,7 +2,7 @@
 # expression that the refusal must match.
 file(REMOVE_RECURSE ${BINARY_DIR})
 execute_process(
-    COMMAND ${CMAKE_COMMAND} -S ${SOURCE_DIR} -B ${BINARY_DIR} -D MODULE=${MODULE} ${OPTIONS}
+    COMMAND ${CMAKE_COMMAND} -S ${SOURCE_DIR} -B ${BINARY_DIR} ${OPTIONS}
     RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
 # CMake breaks the lines of a message.
 string(REGEX REPLACE "[ \n]+" " " message "${output}")

@@ -1,0 +1,35 @@
+# What the library and the virtual adapter are built with. Whoever lacks something is told what to
+# type; the tests name what they need where they need it.
+set(HIDAPI_MIN_VERSION 0.13.1)
+
+find_package(Threads REQUIRED)
+
+find_package(PkgConfig QUIET)
+if(NOT PkgConfig_FOUND)
+    message(FATAL_ERROR "pkg-config, which finds hidapi, is missing. "
+                        "On Debian: sudo apt install pkg-config")
+endif()
+
+# The name is ours alone: another project may use hidapi too, with another back end.
+pkg_check_modules(VELTRASDK_HIDAPI IMPORTED_TARGET QUIET hidapi-libusb>=${HIDAPI_MIN_VERSION})
+if(NOT VELTRASDK_HIDAPI_FOUND)
+    message(FATAL_ERROR "libveltrasdk needs hidapi ${HIDAPI_MIN_VERSION} or later with its libusb back "
+                        "end, which pkg-config does not find as hidapi-libusb. "
+                        "On Debian 12 or later: sudo apt install libhidapi-dev. "
+                        "Installed elsewhere: name the directory of hidapi-libusb.pc in PKG_CONFIG_PATH")
+endif()
+
+# hidapi's header alone, for what is linked with a stand-in for its functions or takes their place.
+add_library(veltrasdk_hidapi_header INTERFACE)
+target_include_directories(veltrasdk_hidapi_header SYSTEM INTERFACE ${VELTRASDK_HIDAPI_INCLUDE_DIRS})
+
+if(VELTRASDK_BUILD_VIRTUAL_ADAPTER)
+    find_package(CLI11 QUIET)
+    if(NOT CLI11_FOUND)
+        message(FATAL_ERROR "The virtual adapter needs CLI11, which CMake does not find. "
+                            "On Debian: sudo apt install libcli11-dev. Installed elsewhere: add "
+                            "-D CLI11_DIR=DIRECTORY_OF_CLI11Config.cmake. To build without the "
+                            "virtual adapter: add -D VELTRASDK_BUILD_VIRTUAL_ADAPTER=OFF "
+                            "-D BUILD_TESTING=OFF")
+    endif()
+endif()
