@@ -5,6 +5,9 @@ usage: run_code_blocks.py FILE.md VIRTUAL_ADAPTER C_COMPILER CXX_COMPILER PYTHON
 
 Each block is a whole program; the flags compile and link it. Blocks in other languages (shell, text)
 are not programs. A file without a program fails: then it should not be listed as one with some.
+
+A text block that follows a program in the same section, commands that build it aside, is what the
+program prints, to the letter. In a guide every program is followed by one.
 """
 
 import os
@@ -17,6 +20,7 @@ import tempfile
 document, virtual_adapter, c_compiler, cxx_compiler, python_path, *flags = sys.argv[1:]
 
 FENCED_BLOCK = re.compile(r"^```(\w+)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
+IN_GUIDE = pathlib.Path(document).parent.name == "guides"
 
 
 def build(language, source, directory):
@@ -40,22 +44,50 @@ def build(language, source, directory):
     return [str(program)]
 
 
+def shown_output(text, position):
+    """What the document says that the program which ends at the position prints, or None."""
+    for block in FENCED_BLOCK.finditer(text, position):
+        if re.search("^#", text[position : block.start()], re.MULTILINE):
+            return None
+        if block[1] == "text":
+            return block[2]
+        if block[1] != "sh":
+            return None
+        position = block.end()
+    return None
+
+
+def run(language, source):
+    """Returns what the program prints on standard output."""
+    environment = dict(os.environ, PYTHONPATH=python_path)
+    if language == "python":
+        # The interpreter itself leaves memory behind; C and C++ keep the leak check.
+        environment["ASAN_OPTIONS"] = "detect_leaks=0"
+    with tempfile.TemporaryDirectory() as name:
+        command = [virtual_adapter, "run", "--", *build(language, source, pathlib.Path(name))]
+        return subprocess.run(
+            command, check=True, env=environment, timeout=120, stdout=subprocess.PIPE, text=True
+        ).stdout
+
+
 text = pathlib.Path(document).read_text()
 programs = 0
+problems = []
 for block in FENCED_BLOCK.finditer(text):
     language, source = block.groups()
     if language not in ("c", "cpp", "python"):
         continue
     programs += 1
     line = text.count("\n", 0, block.start()) + 1
-    print(f"{document}:{line}: a program in {language}", flush=True)
-    with tempfile.TemporaryDirectory() as name:
-        command = build(language, source, pathlib.Path(name))
-        environment = dict(os.environ, PYTHONPATH=python_path)
-        if language == "python":
-            # The interpreter itself leaves memory behind; C and C++ keep the leak check.
-            environment["ASAN_OPTIONS"] = "detect_leaks=0"
-        subprocess.run(
-            [virtual_adapter, "run", "--", *command], check=True, env=environment, timeout=120
-        )
-sys.exit("no program found" if programs == 0 else 0)
+    where = f"{document}:{line}: a program in {language}"
+    print(where, flush=True)
+    printed = run(language, source)
+    print(printed, flush=True)
+    shown = shown_output(text, block.end())
+    if shown is None and IN_GUIDE:
+        problems.append(f"{where}: no text block shows what it prints")
+    elif shown is not None and shown != printed:
+        problems.append(f"{where}: the text block that follows it shows something else than it prints:\n{shown}")
+if programs == 0:
+    problems.append("no program found")
+sys.exit("\n".join(problems) or 0)
