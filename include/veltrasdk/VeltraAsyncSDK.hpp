@@ -150,8 +150,7 @@ public:
      *
      * @param transactionId the identifier that the response repeats, 1 to 65535.
      * @param millivolts the voltage in mV.
-     * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true
-     *             switches the output on, false off.
+     * @param flag passed on unchanged; its meaning is the adapter's.
      * @return the result code of the encoder.
      */
     uint16_t setI2cSpiUartGpioVoltage(uint16_t transactionId, uint16_t millivolts, bool flag);
@@ -164,8 +163,7 @@ public:
      *
      * @param transactionId the identifier that the response repeats, 1 to 65535.
      * @param millivolts the voltage in mV.
-     * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true
-     *             switches the output on, false off.
+     * @param flag passed on unchanged; its meaning is the adapter's.
      * @return the result code of the encoder.
      */
     uint16_t i2cSetBusVoltage(uint16_t transactionId, uint16_t millivolts, bool flag);
@@ -178,8 +176,7 @@ public:
      *
      * @param transactionId the identifier that the response repeats, 1 to 65535.
      * @param millivolts the voltage in mV.
-     * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true
-     *             switches the output on, false off.
+     * @param flag passed on unchanged; its meaning is the adapter's.
      * @return the result code of the encoder.
      */
     uint16_t spiSetBusVoltage(uint16_t transactionId, uint16_t millivolts, bool flag);
@@ -192,8 +189,7 @@ public:
      *
      * @param transactionId the identifier that the response repeats, 1 to 65535.
      * @param millivolts the voltage in mV.
-     * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true
-     *             switches the output on, false off.
+     * @param flag passed on unchanged; its meaning is the adapter's.
      * @return the result code of the encoder.
      */
     uint16_t uartSetBusVoltage(uint16_t transactionId, uint16_t millivolts, bool flag);
@@ -206,8 +202,7 @@ public:
      *
      * @param transactionId the identifier that the response repeats, 1 to 65535.
      * @param millivolts the voltage in mV.
-     * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true
-     *             switches the output on, false off.
+     * @param flag passed on unchanged; its meaning is the adapter's.
      * @return the result code of the encoder.
      */
     uint16_t gpioSetVoltage(uint16_t transactionId, uint16_t millivolts, bool flag);
@@ -222,8 +217,7 @@ public:
      * @param transactionId the identifier that the response repeats, 1 to 65535.
      * @param busIndex the I2C controller, 0 or 1.
      * @param clockHz the clock rate in Hz.
-     * @param option passed on unchanged; its meaning is the adapter's. The virtual adapter: 0 sends
-     *               an address once, 1 sends one that is not acknowledged up to 16 times.
+     * @param option passed on unchanged; its meaning is the adapter's.
      * @return the result code of the encoder.
      */
     uint16_t i2cControllerInit(uint16_t transactionId, uint8_t busIndex, uint32_t clockHz,
@@ -234,8 +228,7 @@ public:
      * @param transactionId the identifier that the response repeats, 1 to 65535.
      * @param busIndex the I2C controller, 0 or 1.
      * @param clockHz the clock rate in Hz.
-     * @param option passed on unchanged; its meaning is the adapter's. The virtual adapter: 0 sends
-     *               an address once, 1 sends one that is not acknowledged up to 16 times.
+     * @param option passed on unchanged; its meaning is the adapter's.
      * @return the result code of the encoder.
      */
     uint16_t i2cSetParameters(uint16_t transactionId, uint8_t busIndex, uint32_t clockHz,
@@ -245,8 +238,7 @@ public:
      * @brief Sends 0x0802: bus index, setting.
      * @param transactionId the identifier that the response repeats, 1 to 65535.
      * @param busIndex the I2C controller, 0 or 1.
-     * @param setting passed on unchanged; its meaning is the adapter's. The virtual adapter: 0 for
-     *                none, 1 for 10 kOhm, 2 for 4.7 kOhm, 3 for 2.2 kOhm.
+     * @param setting passed on unchanged; its meaning is the adapter's.
      * @return the result code of the encoder.
      */
     uint16_t i2cSetPullUpResistors(uint16_t transactionId, uint8_t busIndex, uint8_t setting);
@@ -255,8 +247,7 @@ public:
      * @brief Sends 0x0906: bus index, flag.
      * @param transactionId the identifier that the response repeats, 1 to 65535.
      * @param busIndex the I2C controller, 0 or 1.
-     * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true
-     *             looks for 10-bit addresses too.
+     * @param flag passed on unchanged; its meaning is the adapter's.
      * @return the result code of the encoder.
      */
     uint16_t i2cScanBus(uint16_t transactionId, uint8_t busIndex, bool flag);
@@ -270,8 +261,7 @@ public:
      * @param registerAddress 0 to 4 bytes, most significant first; more are refused.
      * @param data the bytes to write, at most 65535; the length field holds their number modulo
      *             65536.
-     * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true
-     *             leaves the STOP out, so that the next transfer begins with a repeated START.
+     * @param flag passed on unchanged; its meaning is the adapter's.
      * @return the result code of the encoder. Also #ResultCode_InvalidArgument when the register
      *         address is longer than 4 bytes.
      */
@@ -287,8 +277,7 @@ public:
      * @param targetAddress the target's address, 7 bits, unshifted.
      * @param registerAddress 0 to 4 bytes, most significant first; more are refused.
      * @param length the number of bytes to read.
-     * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true
-     *             leaves the STOP out, so that the next transfer begins with a repeated START.
+     * @param flag passed on unchanged; its meaning is the adapter's.
      * @return the result code of the encoder. Also #ResultCode_InvalidArgument when the register
      *         address is longer than 4 bytes.
      */
@@ -484,8 +473,7 @@ public:
      * @brief Sends 0x1904: number of records, the records (16 bytes each).
      * @param transactionId the identifier that the response repeats, 1 to 65535.
      * @param targets the records that the bus is to hold, sent as they are, at most 255; the number
-     *                sent is theirs modulo 256. The virtual adapter: an empty list finds every
-     *                target.
+     *                sent is theirs modulo 256.
      * @return the result code of the encoder.
      */
     uint16_t i3cInitBus(uint16_t transactionId, std::vector<I3cTargetInfo> targets);
@@ -662,8 +650,8 @@ public:
      * @param address the target's address, 7 bits, unshifted; 0x7E for a broadcast.
      * @param direction the direction, from bit 0 up.
      * @param mode the bus mode, from bit 1 up.
-     * @param optionFlag passed on unchanged; its meaning is the adapter's. The virtual adapter:
-     *                   true is refused by a status. The operations of VeltraSDK pass false.
+     * @param optionFlag passed on unchanged; its meaning is the adapter's. The operations of
+     *                   VeltraSDK pass false.
      * @param type whether there is a defining byte; the low four bits are sent.
      * @param length the length field, passed on unchanged: for a direct code the bytes of the data
      *               phase, for a broadcast the bytes behind the code, the defining byte counted. It

@@ -212,8 +212,7 @@ public:
     /**
      * @brief Sets the I/O voltage of I2C, SPI, UART and GPIO; sends 0x0405.
      * @param millivolts the voltage in mV.
-     * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true
-     *             switches the output on, false off.
+     * @param flag passed on unchanged; its meaning is the adapter's.
      * @return the result code.
      */
     uint16_t i2cSetBusVoltage(uint16_t millivolts, bool flag);
@@ -222,8 +221,7 @@ public:
      * @brief Initialises a controller; sends 0x0901.
      * @param busIndex the I2C controller, 0 or 1.
      * @param clockHz the clock rate in Hz.
-     * @param option passed on unchanged; its meaning is the adapter's. The virtual adapter: 0 sends
-     *               an address once, 1 sends one that is not acknowledged up to 16 times.
+     * @param option passed on unchanged; its meaning is the adapter's.
      * @return the result code.
      */
     uint16_t i2cControllerInit(uint8_t busIndex, uint32_t clockHz, uint8_t option);
@@ -232,8 +230,7 @@ public:
      * @brief Changes the parameters of an initialised controller; sends 0x0902.
      * @param busIndex the I2C controller, 0 or 1.
      * @param clockHz the clock rate in Hz.
-     * @param option passed on unchanged; its meaning is the adapter's. The virtual adapter: 0 sends
-     *               an address once, 1 sends one that is not acknowledged up to 16 times.
+     * @param option passed on unchanged; its meaning is the adapter's.
      * @return the result code.
      */
     uint16_t i2cSetParameters(uint8_t busIndex, uint32_t clockHz, uint8_t option);
@@ -241,8 +238,7 @@ public:
     /**
      * @brief Sets the pull-up resistors of a bus; sends 0x0802.
      * @param busIndex the I2C controller, 0 or 1.
-     * @param setting passed on unchanged; its meaning is the adapter's. The virtual adapter: 0 for
-     *                none, 1 for 10 kOhm, 2 for 4.7 kOhm, 3 for 2.2 kOhm.
+     * @param setting passed on unchanged; its meaning is the adapter's.
      * @return the result code.
      */
     uint16_t i2cSetPullUpResistors(uint8_t busIndex, uint8_t setting);
@@ -261,8 +257,7 @@ public:
      * @param[out] tenBitCount receives the number of 10-bit addresses whenever a response arrived.
      *                         Null is refused.
      * @param busIndex the I2C controller, 0 or 1; another is refused.
-     * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true
-     *             looks for 10-bit addresses too.
+     * @param flag passed on unchanged; its meaning is the adapter's.
      * @return the result code. Also #ResultCode_ShortResponse, whatever the status, when the
      *         response does not carry the list that its counts announce. Also
      *         #ResultCode_InvalidArgument when an argument is refused, even when the link is not
@@ -278,8 +273,7 @@ public:
      * @param registerAddress 0 to 4 bytes, most significant first; more are refused.
      * @param data the bytes to write, at most 65535; the length field holds their number modulo
      *             65536.
-     * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true
-     *             leaves the STOP out, so that the next transfer begins with a repeated START.
+     * @param flag passed on unchanged; its meaning is the adapter's.
      * @return the result code. Also #ResultCode_InvalidArgument when the register address is longer
      *         than 4 bytes.
      */
@@ -295,8 +289,7 @@ public:
      * @param length the number of bytes to read.
      * @param[out] data replaced by exactly @p length bytes whenever a response arrived; those that
      *                  the response does not carry are zero.
-     * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true
-     *             leaves the STOP out, so that the next transfer begins with a repeated START.
+     * @param flag passed on unchanged; its meaning is the adapter's.
      * @return the result code. Also #ResultCode_InvalidArgument when the register address is longer
      *         than 4 bytes.
      */
@@ -312,8 +305,7 @@ public:
     /**
      * @brief Sets the I/O voltage of I2C, SPI, UART and GPIO; sends 0x0405.
      * @param millivolts the voltage in mV.
-     * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true
-     *             switches the output on, false off.
+     * @param flag passed on unchanged; its meaning is the adapter's.
      * @return the result code.
      */
     uint16_t spiSetBusVoltage(uint16_t millivolts, bool flag);
@@ -369,8 +361,7 @@ public:
     /**
      * @brief Sets the I/O voltage of I2C, SPI, UART and GPIO; sends 0x0405.
      * @param millivolts the voltage in mV.
-     * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true
-     *             switches the output on, false off.
+     * @param flag passed on unchanged; its meaning is the adapter's.
      * @return the result code.
      */
     uint16_t uartSetBusVoltage(uint16_t millivolts, bool flag);
@@ -418,8 +409,7 @@ public:
     /**
      * @brief Sets the I/O voltage of I2C, SPI, UART and GPIO; sends 0x0405.
      * @param millivolts the voltage in mV.
-     * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true
-     *             switches the output on, false off.
+     * @param flag passed on unchanged; its meaning is the adapter's.
      * @return the result code.
      */
     uint16_t gpioSetVoltage(uint16_t millivolts, bool flag);
@@ -514,8 +504,7 @@ public:
     /**
      * @brief Initialises the bus with the targets that it is to hold; sends 0x1904.
      * @param targets the records that the bus is to hold, sent as they are, at most 255; the number
-     *                sent is theirs modulo 256. The virtual adapter: an empty list finds every
-     *                target.
+     *                sent is theirs modulo 256.
      * @return the result code.
      */
     uint16_t i3cInitBus(std::vector<I3cTargetInfo> targets);
@@ -776,9 +765,7 @@ public:
      * sends 0x1909.
      * @param staticAddresses the targets' static addresses, 7 bits, unshifted; may be empty. The
      *                        length field holds their number modulo 256. Passed on unchanged; their
-     *                        meaning is the adapter's, since the code carries none on the bus. The
-     *                        virtual adapter: an empty list reaches all targets, any other those
-     *                        that it names.
+     *                        meaning is the adapter's, since the code carries none on the bus.
      * @return the result code.
      */
     uint16_t i3cCccSETAASA(const std::vector<uint8_t>& staticAddresses);

@@ -39,8 +39,8 @@ VELTRASDK_ENUM(GpioTriggerType, uint8_t){
     GpioTriggerType_RisingEdge = 0,  /**< A change from low to high. */
     GpioTriggerType_FallingEdge = 1, /**< A change from high to low. */
     GpioTriggerType_BothEdges = 2,   /**< Any change. */
-    GpioTriggerType_LowLevel = 3,    /**< The low level, once each time it is reached or armed. */
-    GpioTriggerType_HighLevel = 4,   /**< The high level, once each time it is reached or armed. */
+    GpioTriggerType_LowLevel = 3,    /**< The low level. */
+    GpioTriggerType_HighLevel = 4,   /**< The high level. */
 };
 
 #endif

@@ -24,7 +24,7 @@ VELTRASDK_ENUM(SpiMode, uint8_t){
 /** The width of a word. */
 VELTRASDK_ENUM(SpiDataWidth, uint8_t){
     SpiDataWidth_8Bits = 8,   /**< Words of 8 bits. */
-    SpiDataWidth_16Bits = 16, /**< Words of 16 bits; transfers hold an even number of bytes. */
+    SpiDataWidth_16Bits = 16, /**< Words of 16 bits. */
 };
 
 /** The chip-select line that a transfer asserts. */

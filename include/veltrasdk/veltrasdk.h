@@ -264,7 +264,7 @@ VELTRASDK_API bool VeltraSDK_notificationAsI3cIbi(const Notification* notificati
 /**
  * @brief Decodes a notification of kind #NotificationKind_Gpio.
  * @param notification the notification; not changed.
- * @param[out] out receives the adapter's event byte. The virtual adapter: the number of the pin.
+ * @param[out] out receives the adapter's event byte.
  * @return whether it was decoded; false, with nothing written, for a null pointer, another kind or
  *         a frame below 7 bytes.
  */
@@ -294,8 +294,7 @@ VELTRASDK_API bool VeltraSDK_notificationAsUartRx(const Notification* notificati
  *
  * @param handle the handle.
  * @param millivolts the voltage in mV.
- * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true switches
- *             the output on, false off.
+ * @param flag passed on unchanged; its meaning is the adapter's.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I2cSetBusVoltage(VeltraSDK_Handle* handle, uint16_t millivolts,
@@ -306,8 +305,7 @@ VELTRASDK_API int16_t VeltraSDK_I2cSetBusVoltage(VeltraSDK_Handle* handle, uint1
  * @param handle the handle.
  * @param busIndex the I2C controller, 0 or 1.
  * @param clockHz the clock rate in Hz.
- * @param option passed on unchanged; its meaning is the adapter's. The virtual adapter: 0 sends an
- *               address once, 1 sends one that is not acknowledged up to 16 times.
+ * @param option passed on unchanged; its meaning is the adapter's.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I2cControllerInit(VeltraSDK_Handle* handle, uint8_t busIndex,
@@ -318,8 +316,7 @@ VELTRASDK_API int16_t VeltraSDK_I2cControllerInit(VeltraSDK_Handle* handle, uint
  * @param handle the handle.
  * @param busIndex the I2C controller, 0 or 1.
  * @param clockHz the clock rate in Hz.
- * @param option passed on unchanged; its meaning is the adapter's. The virtual adapter: 0 sends an
- *               address once, 1 sends one that is not acknowledged up to 16 times.
+ * @param option passed on unchanged; its meaning is the adapter's.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I2cSetParameters(VeltraSDK_Handle* handle, uint8_t busIndex,
@@ -329,8 +326,7 @@ VELTRASDK_API int16_t VeltraSDK_I2cSetParameters(VeltraSDK_Handle* handle, uint8
  * @brief Sets the pull-up resistors of a bus; sends 0x0802.
  * @param handle the handle.
  * @param busIndex the I2C controller, 0 or 1.
- * @param setting passed on unchanged; its meaning is the adapter's. The virtual adapter: 0 for
- *                none, 1 for 10 kOhm, 2 for 4.7 kOhm, 3 for 2.2 kOhm.
+ * @param setting passed on unchanged; its meaning is the adapter's.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I2cSetPullUpResistors(VeltraSDK_Handle* handle, uint8_t busIndex,
@@ -352,8 +348,7 @@ VELTRASDK_API int16_t VeltraSDK_I2cSetPullUpResistors(VeltraSDK_Handle* handle, 
  * @param[out] tenBitCount receives the number of 10-bit addresses; written whenever a response
  *                         arrived. Null is refused.
  * @param busIndex the I2C controller, 0 or 1; another is refused.
- * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true looks
- *             for 10-bit addresses too.
+ * @param flag passed on unchanged; its meaning is the adapter's.
  * @return the result code. Also #ResultCode_ShortResponse, whatever the status, when the response
  *         does not carry the list that its counts announce.
  */
@@ -372,8 +367,7 @@ VELTRASDK_API int16_t VeltraSDK_I2cScanBus(VeltraSDK_Handle* handle, uint8_t* ad
  * @param data the bytes to write; null with a nonzero length is refused.
  * @param dataLength the bytes of it, at most 65535; the length field holds their number modulo
  *                   65536.
- * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true leaves
- *             the STOP out, so that the next transfer begins with a repeated START.
+ * @param flag passed on unchanged; its meaning is the adapter's.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I2cWrite(VeltraSDK_Handle* handle, uint8_t busIndex,
@@ -392,8 +386,7 @@ VELTRASDK_API int16_t VeltraSDK_I2cWrite(VeltraSDK_Handle* handle, uint8_t busIn
  * @param length the number of bytes to read.
  * @param[out] data receives exactly @p length bytes, those that the response does not carry as
  *                  zero; written only when the result is 0. Null is refused, also for length 0.
- * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true leaves
- *             the STOP out, so that the next transfer begins with a repeated START.
+ * @param flag passed on unchanged; its meaning is the adapter's.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I2cRead(VeltraSDK_Handle* handle, uint8_t busIndex,
@@ -413,8 +406,7 @@ VELTRASDK_API int16_t VeltraSDK_I2cRead(VeltraSDK_Handle* handle, uint8_t busInd
  *
  * @param handle the handle.
  * @param millivolts the voltage in mV.
- * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true switches
- *             the output on, false off.
+ * @param flag passed on unchanged; its meaning is the adapter's.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_SpiSetBusVoltage(VeltraSDK_Handle* handle, uint16_t millivolts,
@@ -460,8 +452,7 @@ VELTRASDK_API int16_t VeltraSDK_SpiSetParameters(VeltraSDK_Handle* handle, SpiBi
  * @param[out] receive receives as many bytes as the response counts, at most 65535: give it that
  *                     room unless the adapter is trusted to return no more than was asked for;
  *                     written only when the result is 0. Null discards them.
- * @param length the requested length in bytes. The virtual adapter: what is received while @p send
- *               goes out counts too.
+ * @param length the requested length in bytes.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_SpiTransfer(VeltraSDK_Handle* handle, const uint8_t* send,
@@ -479,8 +470,7 @@ VELTRASDK_API int16_t VeltraSDK_SpiTransfer(VeltraSDK_Handle* handle, const uint
  *
  * @param handle the handle.
  * @param millivolts the voltage in mV.
- * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true switches
- *             the output on, false off.
+ * @param flag passed on unchanged; its meaning is the adapter's.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_UartSetBusVoltage(VeltraSDK_Handle* handle, uint16_t millivolts,
@@ -542,8 +532,7 @@ VELTRASDK_API int16_t VeltraSDK_UartSendMessage(VeltraSDK_Handle* handle, const 
  *
  * @param handle the handle.
  * @param millivolts the voltage in mV.
- * @param flag passed on unchanged; its meaning is the adapter's. The virtual adapter: true switches
- *             the output on, false off.
+ * @param flag passed on unchanged; its meaning is the adapter's.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_GpioSetVoltage(VeltraSDK_Handle* handle, uint16_t millivolts,
@@ -663,8 +652,7 @@ VELTRASDK_API int16_t VeltraSDK_I3cResetBus(VeltraSDK_Handle* handle);
  *
  * @param handle the handle.
  * @param targets the records, sent as they are; must not be null unless @p count is 0.
- * @param count the number of records, 0 to 255. The virtual adapter: with none it finds every
- *              target.
+ * @param count the number of records, 0 to 255.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cInitBus(VeltraSDK_Handle* handle, const I3cTargetInfo* targets,
@@ -1012,8 +1000,7 @@ VELTRASDK_API int16_t VeltraSDK_I3cCccSETDASA(VeltraSDK_Handle* handle, uint8_t 
  * @param handle the handle.
  * @param staticAddresses the targets' static addresses, 7 bits, unshifted; must not be null unless
  *                        @p count is 0. Passed on unchanged; their meaning is the adapter's, since
- *                        the code carries none on the bus. The virtual adapter: an empty list
- *                        reaches all targets, any other those that it names.
+ *                        the code carries none on the bus.
  * @param count the number of addresses, 0 to 255; the length field holds it modulo 256.
  * @return the result code.
  */
