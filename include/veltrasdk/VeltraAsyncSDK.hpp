@@ -88,26 +88,37 @@ public:
 
     /**
      * @brief Opens the link to the adapter with a HID device path.
+     *
+     * On an open link nothing is searched and it stays as it is. An adapter that was unplugged
+     * leaves its link open: disconnect() before connecting again.
+     *
      * @param path the HID device path, matched exactly; empty selects the first known adapter.
-     * @return whether the link is open. On an open link nothing is searched and it stays as it is.
+     * @return whether the link is open; false when no such adapter is there or it cannot be opened.
      * @throws std::system_error when the polling thread cannot be started; nothing is left open.
      */
     bool connect(const std::string& path);
 
     /**
      * @brief Opens the link to the adapter with a serial number.
+     *
+     * On an open link nothing is searched and it stays as it is. An adapter that was unplugged
+     * leaves its link open: disconnect() before connecting again. Without write permission on the
+     * adapter's device node its serial number cannot be read, and the adapter is not found.
+     *
      * @param serialNumber the USB serial number in UTF-8, matched exactly; empty selects the first
      *                     known adapter.
-     * @return whether the link is open. On an open link nothing is searched and it stays as it is.
+     * @return whether the link is open; false when no such adapter is there or it cannot be opened.
      * @throws std::system_error when the polling thread cannot be started; nothing is left open.
      * @throws std::range_error when a serial number met in the search cannot be converted.
      */
     bool connectWithSerialNumber(const std::string& serialNumber);
 
     /**
-     * @brief Closes the link, within about 100 ms plus the callback's run time.
+     * @brief Closes the link; sends nothing.
      *
-     * No callback runs after it has returned. A closed link stays as it is.
+     * It takes about 100 ms at most, plus a running callback's time. No callback runs after the
+     * return. The callback stays installed and serves the next connection. On a closed link nothing
+     * happens.
      */
     void disconnect();
 
@@ -259,11 +270,10 @@ public:
      * @param busIndex the I2C controller, 0 or 1.
      * @param targetAddress the target's address, 7 bits, unshifted.
      * @param registerAddress 0 to 4 bytes, most significant first; more are refused.
-     * @param data the bytes to write, at most 65535; the length field holds their number modulo
-     *             65536.
+     * @param data the bytes to write, at most 65535, since the length field holds their number
+     *             modulo 65536.
      * @param flag passed on unchanged; its meaning is the adapter's.
-     * @return the result code of the encoder. Also #ResultCode_InvalidArgument when the register
-     *         address is longer than 4 bytes.
+     * @return the result code of the encoder.
      */
     uint16_t i2cWrite(uint16_t transactionId, uint8_t busIndex, uint8_t targetAddress,
                       const std::vector<uint8_t>& registerAddress, const std::vector<uint8_t>& data,
@@ -278,8 +288,7 @@ public:
      * @param registerAddress 0 to 4 bytes, most significant first; more are refused.
      * @param length the number of bytes to read.
      * @param flag passed on unchanged; its meaning is the adapter's.
-     * @return the result code of the encoder. Also #ResultCode_InvalidArgument when the register
-     *         address is longer than 4 bytes.
+     * @return the result code of the encoder.
      */
     uint16_t i2cRead(uint16_t transactionId, uint8_t busIndex, uint8_t targetAddress,
                      const std::vector<uint8_t>& registerAddress, uint16_t length, bool flag);
@@ -324,8 +333,8 @@ public:
     /**
      * @brief Sends 0x0D04: number of bytes to send (16 bits), requested length (16 bits), data.
      * @param transactionId the identifier that the response repeats, 1 to 65535.
-     * @param send the bytes to send, at most 65535; the length field holds their number modulo
-     *             65536. Not changed.
+     * @param send the bytes to send, not changed; at most 65535, since the length field holds their
+     *             number modulo 65536.
      * @param length the requested length in bytes.
      * @return the result code of the encoder.
      */
@@ -366,8 +375,8 @@ public:
     /**
      * @brief Sends 0x1005: number of bytes (16 bits), data.
      * @param transactionId the identifier that the response repeats, 1 to 65535.
-     * @param message the bytes to send, at most 65535; the length field holds their number modulo
-     *                65536.
+     * @param message the bytes to send, at most 65535, since the length field holds their number
+     *                modulo 65536.
      * @return the result code of the encoder.
      */
     uint16_t uartSendMessage(uint16_t transactionId, const std::vector<uint8_t>& message);
@@ -440,14 +449,14 @@ public:
     /**
      * @brief Sends 0x1901: push-pull rate, open-drain rate, I2C rate, drive strength.
      * @param transactionId the identifier that the response repeats, 1 to 65535.
-     * @param pushPullRate the SCL rate of push-pull phases, an #I3cPushPullRate, passed on
-     *                     unchanged.
-     * @param openDrainRate the SCL rate of open-drain phases, an #I3cOpenDrainTransferRate, passed
-     *                      on unchanged.
-     * @param i2cRate the SCL rate of legacy I2C transfers, an #I2cTransferRate, passed on
-     *                unchanged.
-     * @param driveStrength the drive strength of the pins, an #I3cDriveStrength, passed on
-     *                      unchanged.
+     * @param pushPullRate the SCL rate of push-pull phases, an #I3cPushPullRate; its low byte is
+     *                     passed on unchanged.
+     * @param openDrainRate the SCL rate of open-drain phases, an #I3cOpenDrainTransferRate; its low
+     *                      byte is passed on unchanged.
+     * @param i2cRate the SCL rate of legacy I2C transfers, an #I2cTransferRate; its low byte is
+     *                passed on unchanged.
+     * @param driveStrength the drive strength of the pins, an #I3cDriveStrength; its low byte is
+     *                      passed on unchanged.
      * @return the result code of the encoder.
      */
     uint16_t i3cControllerInit(uint16_t transactionId, uint8_t pushPullRate, uint8_t openDrainRate,
@@ -456,14 +465,14 @@ public:
     /**
      * @brief Sends 0x1902: push-pull rate, open-drain rate, I2C rate, drive strength.
      * @param transactionId the identifier that the response repeats, 1 to 65535.
-     * @param pushPullRate the SCL rate of push-pull phases, an #I3cPushPullRate, passed on
-     *                     unchanged.
-     * @param openDrainRate the SCL rate of open-drain phases, an #I3cOpenDrainTransferRate, passed
-     *                      on unchanged.
-     * @param i2cRate the SCL rate of legacy I2C transfers, an #I2cTransferRate, passed on
-     *                unchanged.
-     * @param driveStrength the drive strength of the pins, an #I3cDriveStrength, passed on
-     *                      unchanged.
+     * @param pushPullRate the SCL rate of push-pull phases, an #I3cPushPullRate; its low byte is
+     *                     passed on unchanged.
+     * @param openDrainRate the SCL rate of open-drain phases, an #I3cOpenDrainTransferRate; its low
+     *                      byte is passed on unchanged.
+     * @param i2cRate the SCL rate of legacy I2C transfers, an #I2cTransferRate; its low byte is
+     *                passed on unchanged.
+     * @param driveStrength the drive strength of the pins, an #I3cDriveStrength; its low byte is
+     *                      passed on unchanged.
      * @return the result code of the encoder.
      */
     uint16_t i3cSetParameters(uint16_t transactionId, uint8_t pushPullRate, uint8_t openDrainRate,
@@ -472,8 +481,7 @@ public:
     /**
      * @brief Sends 0x1904: number of records, the records (16 bytes each).
      * @param transactionId the identifier that the response repeats, 1 to 65535.
-     * @param targets the records that the bus is to hold, sent as they are, at most 255; the number
-     *                sent is theirs modulo 256.
+     * @param targets the records, sent as they are, at most 255; their number is sent modulo 256.
      * @return the result code of the encoder.
      */
     uint16_t i3cInitBus(uint16_t transactionId, std::vector<I3cTargetInfo> targets);
@@ -518,11 +526,10 @@ public:
      * @param transactionId the identifier that the response repeats, 1 to 65535.
      * @param address the target's dynamic address, 7 bits, unshifted.
      * @param subAddress 0 to 4 bytes, sent in the order given; more are refused.
-     * @param data the bytes to write, at most 65535; the length field holds their number modulo
-     *             65536.
+     * @param data the bytes to write, at most 65535, since the length field holds their number
+     *             modulo 65536.
      * @param flags the options, values of #I3cTransferFlags; the low five bits are sent.
-     * @return the result code of the encoder. Also #ResultCode_InvalidArgument when the sub-address
-     *         is longer than 4 bytes.
+     * @return the result code of the encoder.
      */
     uint16_t i3cSdrWrite(uint16_t transactionId, uint8_t address,
                          const std::vector<uint8_t>& subAddress, const std::vector<uint8_t>& data,
@@ -540,8 +547,7 @@ public:
      * @param subAddress 0 to 4 bytes, sent in the order given; more are refused.
      * @param length the number of bytes to read.
      * @param flags the options, values of #I3cTransferFlags; the low five bits are sent.
-     * @return the result code of the encoder. Also #ResultCode_InvalidArgument when the sub-address
-     *         is longer than 4 bytes.
+     * @return the result code of the encoder.
      */
     uint16_t i3cSdrRead(uint16_t transactionId, uint8_t address,
                         const std::vector<uint8_t>& subAddress, uint16_t length,
@@ -557,8 +563,8 @@ public:
      * @param transactionId the identifier that the response repeats, 1 to 65535.
      * @param address the target's dynamic address, 7 bits, unshifted.
      * @param hdrCommand the HDR command code, passed on unchanged.
-     * @param data the bytes to write, at most 65535; the length field holds their number modulo
-     *             65536.
+     * @param data the bytes to write, at most 65535, since the length field holds their number
+     *             modulo 65536.
      * @return the result code of the encoder.
      */
     uint16_t i3cHdrDdrWrite(uint16_t transactionId, uint8_t address, uint8_t hdrCommand,
@@ -590,11 +596,10 @@ public:
      * @param transactionId the identifier that the response repeats, 1 to 65535.
      * @param address the device's static address, 7 bits, unshifted.
      * @param subAddress 0 to 4 bytes, sent in the order given; more are refused.
-     * @param data the bytes to write, at most 65535; the length field holds their number modulo
-     *             65536.
+     * @param data the bytes to write, at most 65535, since the length field holds their number
+     *             modulo 65536.
      * @param flags the options, values of #I3cTransferFlags; the low five bits are sent.
-     * @return the result code of the encoder. Also #ResultCode_InvalidArgument when the sub-address
-     *         is longer than 4 bytes.
+     * @return the result code of the encoder.
      */
     uint16_t i3cLegacyI2cWrite(uint16_t transactionId, uint8_t address,
                                const std::vector<uint8_t>& subAddress,
@@ -612,8 +617,7 @@ public:
      * @param subAddress 0 to 4 bytes, sent in the order given; more are refused.
      * @param length the number of bytes to read.
      * @param flags the options, values of #I3cTransferFlags; the low five bits are sent.
-     * @return the result code of the encoder. Also #ResultCode_InvalidArgument when the sub-address
-     *         is longer than 4 bytes.
+     * @return the result code of the encoder.
      */
     uint16_t i3cLegacyI2cRead(uint16_t transactionId, uint8_t address,
                               const std::vector<uint8_t>& subAddress, uint16_t length,

@@ -142,15 +142,16 @@ public:
     bool connectWithSerialNumber(const std::string& serialNumber);
 
     /**
-     * @brief Closes the link, within about 100 ms plus a running handler's time; sends nothing.
+     * @brief Closes the link; sends nothing.
      *
-     * No handler runs after the return. The handler stays installed and serves the next connection.
-     * On a closed link nothing happens.
+     * It takes about 100 ms at most, plus a running handler's time. No handler runs after the
+     * return. The handler stays installed and serves the next connection. On a closed link nothing
+     * happens.
      */
     void disconnect();
 
     /**
-     * @brief Installs the notification handler, which replaces the one before.
+     * @brief Installs the receiver of notifications, which replaces the one before.
      *
      * Install it while not connected: it is replaced without a lock. The USB stack beneath keeps
      * about 30 unread reports, so a handler has that many report times (30 ms at full speed, 4 ms
@@ -177,7 +178,7 @@ public:
     uint16_t getUsbString(std::vector<uint8_t>& text, uint8_t index);
 
     /**
-     * @brief Reads the adapter's five strings, one request each; sends 0x0407 five times.
+     * @brief Reads the adapter's five identity strings, one request each; sends 0x0407 five times.
      *
      * It ends with the first string that cannot be read. Each of the five requests has the whole
      * time-out.
@@ -252,16 +253,14 @@ public:
      *                       left as it was on #ResultCode_ShortResponse: the 7-bit addresses of one
      *                       byte each, unshifted, then the 10-bit ones of two bytes each, as the
      *                       adapter sent them; at most 765 bytes.
-     * @param[out] sevenBitCount receives the number of 7-bit addresses whenever a response arrived.
-     *                           Null is refused.
-     * @param[out] tenBitCount receives the number of 10-bit addresses whenever a response arrived.
-     *                         Null is refused.
+     * @param[out] sevenBitCount receives the number of 7-bit addresses; written whenever a response
+     *                           arrived. Null is refused.
+     * @param[out] tenBitCount receives the number of 10-bit addresses; written whenever a response
+     *                         arrived. Null is refused.
      * @param busIndex the I2C controller, 0 or 1; another is refused.
      * @param flag passed on unchanged; its meaning is the adapter's.
      * @return the result code. Also #ResultCode_ShortResponse, whatever the status, when the
-     *         response does not carry the list that its counts announce. Also
-     *         #ResultCode_InvalidArgument when an argument is refused, even when the link is not
-     *         connected.
+     *         response does not carry the list that its counts announce.
      */
     uint16_t i2cScanBus(std::vector<uint8_t>& addresses, uint8_t* sevenBitCount,
                         uint8_t* tenBitCount, uint8_t busIndex, bool flag);
@@ -271,11 +270,10 @@ public:
      * @param busIndex the I2C controller, 0 or 1.
      * @param targetAddress the target's address, 7 bits, unshifted.
      * @param registerAddress 0 to 4 bytes, most significant first; more are refused.
-     * @param data the bytes to write, at most 65535; the length field holds their number modulo
-     *             65536.
+     * @param data the bytes to write, at most 65535, since the length field holds their number
+     *             modulo 65536.
      * @param flag passed on unchanged; its meaning is the adapter's.
-     * @return the result code. Also #ResultCode_InvalidArgument when the register address is longer
-     *         than 4 bytes.
+     * @return the result code.
      */
     uint16_t i2cWrite(uint8_t busIndex, uint8_t targetAddress,
                       const std::vector<uint8_t>& registerAddress, const std::vector<uint8_t>& data,
@@ -290,8 +288,7 @@ public:
      * @param[out] data replaced by exactly @p length bytes whenever a response arrived; those that
      *                  the response does not carry are zero.
      * @param flag passed on unchanged; its meaning is the adapter's.
-     * @return the result code. Also #ResultCode_InvalidArgument when the register address is longer
-     *         than 4 bytes.
+     * @return the result code.
      */
     uint16_t i2cRead(uint8_t busIndex, uint8_t targetAddress,
                      const std::vector<uint8_t>& registerAddress, uint16_t length,
@@ -340,8 +337,8 @@ public:
 
     /**
      * @brief Runs a full-duplex transfer; sends 0x0D04.
-     * @param send the bytes to send, at most 65535; the length field holds their number modulo
-     *             65536. Not changed.
+     * @param send the bytes to send, not changed; at most 65535, since the length field holds their
+     *             number modulo 65536.
      * @param[out] received replaced by as many bytes as the response counts, which may be more or
      *                      fewer than @p length and are at most 65535, whenever a response arrived.
      * @param length the requested length in bytes.
@@ -392,8 +389,8 @@ public:
 
     /**
      * @brief Sends bytes over the UART; sends 0x1005.
-     * @param message the bytes to send, at most 65535; the length field holds their number modulo
-     *                65536.
+     * @param message the bytes to send, at most 65535, since the length field holds their number
+     *                modulo 65536.
      * @return the result code.
      */
     uint16_t uartSendMessage(const std::vector<uint8_t>& message);
@@ -436,8 +433,8 @@ public:
     /**
      * @brief Reads a pin; sends 0x1403.
      * @param pin the pin, passed on unchanged.
-     * @param[out] level receives the pin's level whenever a response arrived, also a value that is
-     *                   no enumerator.
+     * @param[out] level receives the pin's level, also a value that is no enumerator; written
+     *                   whenever a response arrived.
      * @return the result code.
      */
     uint16_t gpioDigitalRead(GpioPinNumber pin, GpioLogicLevel& level);
@@ -475,10 +472,14 @@ public:
 
     /**
      * @brief Initialises the controller; sends 0x1901.
-     * @param pushPullRate the SCL rate of push-pull phases; its low byte is passed on unchanged.
-     * @param openDrainRate the SCL rate of open-drain phases; its low byte is passed on unchanged.
-     * @param i2cRate the SCL rate of legacy I2C transfers; its low byte is passed on unchanged.
-     * @param driveStrength the drive strength of the pins; its low byte is passed on unchanged.
+     * @param pushPullRate the SCL rate of push-pull phases, an #I3cPushPullRate; its low byte is
+     *                     passed on unchanged.
+     * @param openDrainRate the SCL rate of open-drain phases, an #I3cOpenDrainTransferRate; its low
+     *                      byte is passed on unchanged.
+     * @param i2cRate the SCL rate of legacy I2C transfers, an #I2cTransferRate; its low byte is
+     *                passed on unchanged.
+     * @param driveStrength the drive strength of the pins, an #I3cDriveStrength; its low byte is
+     *                      passed on unchanged.
      * @return the result code.
      */
     uint16_t i3cControllerInit(I3cPushPullRate pushPullRate, I3cOpenDrainTransferRate openDrainRate,
@@ -486,10 +487,14 @@ public:
 
     /**
      * @brief Changes the parameters of the initialised controller; sends 0x1902.
-     * @param pushPullRate the SCL rate of push-pull phases; its low byte is passed on unchanged.
-     * @param openDrainRate the SCL rate of open-drain phases; its low byte is passed on unchanged.
-     * @param i2cRate the SCL rate of legacy I2C transfers; its low byte is passed on unchanged.
-     * @param driveStrength the drive strength of the pins; its low byte is passed on unchanged.
+     * @param pushPullRate the SCL rate of push-pull phases, an #I3cPushPullRate; its low byte is
+     *                     passed on unchanged.
+     * @param openDrainRate the SCL rate of open-drain phases, an #I3cOpenDrainTransferRate; its low
+     *                      byte is passed on unchanged.
+     * @param i2cRate the SCL rate of legacy I2C transfers, an #I2cTransferRate; its low byte is
+     *                passed on unchanged.
+     * @param driveStrength the drive strength of the pins, an #I3cDriveStrength; its low byte is
+     *                      passed on unchanged.
      * @return the result code.
      */
     uint16_t i3cSetParameters(I3cPushPullRate pushPullRate, I3cOpenDrainTransferRate openDrainRate,
@@ -503,8 +508,7 @@ public:
 
     /**
      * @brief Initialises the bus with the targets that it is to hold; sends 0x1904.
-     * @param targets the records that the bus is to hold, sent as they are, at most 255; the number
-     *                sent is theirs modulo 256.
+     * @param targets the records, sent as they are, at most 255; their number is sent modulo 256.
      * @return the result code.
      */
     uint16_t i3cInitBus(std::vector<I3cTargetInfo> targets);
@@ -535,11 +539,10 @@ public:
      * @brief Writes to a target in SDR mode; sends 0x1908.
      * @param address the target's dynamic address, 7 bits, unshifted.
      * @param subAddress 0 to 4 bytes, sent in the order given; more are refused.
-     * @param data the bytes to write, at most 65535; the length field holds their number modulo
-     *             65536.
+     * @param data the bytes to write, at most 65535, since the length field holds their number
+     *             modulo 65536.
      * @param flags the options, values of #I3cTransferFlags; the low five bits are sent.
-     * @return the result code. Also #ResultCode_InvalidArgument when the sub-address is longer than
-     *         4 bytes.
+     * @return the result code.
      */
     uint16_t i3cSdrWrite(uint8_t address, const std::vector<uint8_t>& subAddress,
                          const std::vector<uint8_t>& data, I3cTransferFlags flags);
@@ -552,8 +555,7 @@ public:
      * @param[out] data replaced by as many bytes as the response counts, which may be more or fewer
      *                  than @p length and are at most 65535, whenever a response arrived.
      * @param flags the options, values of #I3cTransferFlags; the low five bits are sent.
-     * @return the result code. Also #ResultCode_InvalidArgument when the sub-address is longer than
-     *         4 bytes.
+     * @return the result code.
      */
     uint16_t i3cSdrRead(uint8_t address, const std::vector<uint8_t>& subAddress, uint16_t length,
                         std::vector<uint8_t>& data, I3cTransferFlags flags);
@@ -562,8 +564,8 @@ public:
      * @brief Writes to a target in HDR-DDR mode; sends 0x1908.
      * @param address the target's dynamic address, 7 bits, unshifted.
      * @param hdrCommand the HDR command code, passed on unchanged.
-     * @param data the bytes to write, at most 65535; the length field holds their number modulo
-     *             65536.
+     * @param data the bytes to write, at most 65535, since the length field holds their number
+     *             modulo 65536.
      * @return the result code.
      */
     uint16_t i3cHdrDdrWrite(uint8_t address, uint8_t hdrCommand, const std::vector<uint8_t>& data);
@@ -584,11 +586,10 @@ public:
      * @brief Writes to a legacy I2C device on the I3C bus; sends 0x1908.
      * @param address the device's static address, 7 bits, unshifted.
      * @param subAddress 0 to 4 bytes, sent in the order given; more are refused.
-     * @param data the bytes to write, at most 65535; the length field holds their number modulo
-     *             65536.
+     * @param data the bytes to write, at most 65535, since the length field holds their number
+     *             modulo 65536.
      * @param flags the options, values of #I3cTransferFlags; the low five bits are sent.
-     * @return the result code. Also #ResultCode_InvalidArgument when the sub-address is longer than
-     *         4 bytes.
+     * @return the result code.
      */
     uint16_t i3cLegacyI2cWrite(uint8_t address, const std::vector<uint8_t>& subAddress,
                                const std::vector<uint8_t>& data, I3cTransferFlags flags);
@@ -601,8 +602,7 @@ public:
      * @param[out] data replaced by as many bytes as the response counts, which may be more or fewer
      *                  than @p length and are at most 65535, whenever a response arrived.
      * @param flags the options, values of #I3cTransferFlags; the low five bits are sent.
-     * @return the result code. Also #ResultCode_InvalidArgument when the sub-address is longer than
-     *         4 bytes.
+     * @return the result code.
      */
     uint16_t i3cLegacyI2cRead(uint8_t address, const std::vector<uint8_t>& subAddress,
                               uint16_t length, std::vector<uint8_t>& data, I3cTransferFlags flags);
@@ -641,8 +641,8 @@ public:
      * @brief Reads the bus characteristics register of one target: GETBCR, a direct read; sends
      * 0x1909.
      * @param address the target's dynamic address, 7 bits, unshifted.
-     * @param[out] bcr receives the register whenever a response arrived, whatever number of bytes
-     *                 it counts.
+     * @param[out] bcr receives the register, whatever number of bytes the response counts; written
+     *                 whenever a response arrived.
      * @return the result code.
      */
     uint16_t i3cCccGETBCR(uint8_t address, uint8_t& bcr);
@@ -651,8 +651,8 @@ public:
      * @brief Reads the device characteristics register of one target: GETDCR, a direct read; sends
      * 0x1909.
      * @param address the target's dynamic address, 7 bits, unshifted.
-     * @param[out] dcr receives the register whenever a response arrived, whatever number of bytes
-     *                 it counts.
+     * @param[out] dcr receives the register, whatever number of bytes the response counts; written
+     *                 whenever a response arrived.
      * @return the result code.
      */
     uint16_t i3cCccGETDCR(uint8_t address, uint8_t& dcr);
@@ -660,8 +660,8 @@ public:
     /**
      * @brief Reads the maximum write length of one target: GETMWL, a direct read; sends 0x1909.
      * @param address the target's dynamic address, 7 bits, unshifted.
-     * @param[out] mwl receives the maximum write length in bytes whenever a response arrived,
-     *                 whatever number of bytes it counts.
+     * @param[out] mwl receives the maximum write length in bytes, whatever number of bytes the
+     *                 response counts; written whenever a response arrived.
      * @return the result code.
      */
     uint16_t i3cCccGETMWL(uint8_t address, uint16_t& mwl);
@@ -669,8 +669,8 @@ public:
     /**
      * @brief Reads the maximum read length of one target: GETMRL, a direct read; sends 0x1909.
      * @param address the target's dynamic address, 7 bits, unshifted.
-     * @param[out] mrl receives the maximum read length in bytes whenever a response arrived,
-     *                 whatever number of bytes it counts.
+     * @param[out] mrl receives the maximum read length in bytes, whatever number of bytes the
+     *                 response counts; written whenever a response arrived.
      * @param[out] ibiPayloadSize receives the maximum size of an in-band interrupt's payload in
      *                            bytes when the response counts exactly 3 bytes; emptied when it
      *                            counts another number.
@@ -684,8 +684,8 @@ public:
      * @param address the target's dynamic address, 7 bits, unshifted.
      * @param[out] capabilities replaced by as many bytes as the response counts, at most 255, in
      *                          bus order, whenever a response arrived; 4 are asked for.
-     * @param definingByte the defining byte; empty sends the form without one, which differs from a
-     *                     defining byte of 0.
+     * @param definingByte the defining byte, passed on unchanged; empty sends the form without one,
+     *                     which differs from a defining byte of 0.
      * @return the result code.
      */
     uint16_t i3cCccGETCAPS(uint8_t address, std::vector<uint8_t>& capabilities,
@@ -696,8 +696,8 @@ public:
      * @param address the target's dynamic address, 7 bits, unshifted.
      * @param[out] status replaced by as many bytes as the response counts, at most 255, in bus
      *                    order, whenever a response arrived; 2 are asked for.
-     * @param definingByte the defining byte; empty sends the form without one, which differs from a
-     *                     defining byte of 0.
+     * @param definingByte the defining byte, passed on unchanged; empty sends the form without one,
+     *                     which differs from a defining byte of 0.
      * @return the result code.
      */
     uint16_t i3cCccGETSTATUS(uint8_t address, std::vector<uint8_t>& status,
@@ -763,9 +763,10 @@ public:
     /**
      * @brief Makes targets take their static address as dynamic address: SETAASA, a broadcast;
      * sends 0x1909.
-     * @param staticAddresses the targets' static addresses, 7 bits, unshifted; may be empty. The
-     *                        length field holds their number modulo 256. Passed on unchanged; their
-     *                        meaning is the adapter's, since the code carries none on the bus.
+     * @param staticAddresses the targets' static addresses, 7 bits, unshifted; may be empty. At
+     *                        most 255, since the length field holds their number modulo 256. Passed
+     *                        on unchanged; their meaning is the adapter's, since the code carries
+     *                        none on the bus.
      * @return the result code.
      */
     uint16_t i3cCccSETAASA(const std::vector<uint8_t>& staticAddresses);
@@ -812,8 +813,9 @@ public:
      *                     passed on unchanged.
      * @param direction #I3cTransferDirection_Write arms the action, #I3cTransferDirection_Read asks
      *                  for one byte. Another value is not refused: it is sent and stores nothing.
-     * @param[out] reply receives the byte of a read whenever a response arrived, whatever number of
-     *                   bytes it counts; left as it was in any other direction. May be null.
+     * @param[out] reply receives the byte of a read, whatever number of bytes the response counts;
+     *                   written whenever a response arrived, left as it was in any other direction.
+     *                   May be null.
      * @return the result code.
      */
     uint16_t i3cCccRSTACTDirect(uint8_t address, I3cTargetResetDefByte definingByte,

@@ -182,10 +182,11 @@ VELTRASDK_API bool VeltraSDK_ConnectWithSerialNumber(VeltraSDK_Handle* handle,
                                                      const char* serialNumber);
 
 /**
- * @brief Closes the link, within about 100 ms plus a running callback's time; sends nothing.
+ * @brief Closes the link; sends nothing.
  *
- * No callback runs after the return. The callback stays installed and serves the next connection,
- * which may be to another adapter. On a closed link nothing happens.
+ * It takes about 100 ms at most, plus a running callback's time. No callback runs after the return.
+ * The callback stays installed and serves the next connection, which may be to another adapter. On
+ * a closed link nothing happens.
  *
  * @param handle the handle; null does nothing.
  */
@@ -223,7 +224,7 @@ VELTRASDK_API int16_t VeltraSDK_EnterBootMode(VeltraSDK_Handle* handle);
 /** @{ */
 
 /**
- * @brief Installs the handle's notification callback, which replaces the one before.
+ * @brief Installs the receiver of notifications, which replaces the one before.
  *
  * Install it before connecting, or while no notification can arrive: it is replaced without a lock.
  * The callback sees the first 256 bytes of a frame. The frame's size is kept in 8 bits: a frame of
@@ -365,8 +366,8 @@ VELTRASDK_API int16_t VeltraSDK_I2cScanBus(VeltraSDK_Handle* handle, uint8_t* ad
  *                        length is refused.
  * @param registerAddressLength the bytes of it, 0 to 4; more are refused.
  * @param data the bytes to write; null with a nonzero length is refused.
- * @param dataLength the bytes of it, at most 65535; the length field holds their number modulo
- *                   65536.
+ * @param dataLength the bytes of it, at most 65535, since the length field holds their number
+ *                   modulo 65536.
  * @param flag passed on unchanged; its meaning is the adapter's.
  * @return the result code.
  */
@@ -610,10 +611,14 @@ VELTRASDK_API int16_t VeltraSDK_I3cSetBusVoltage(VeltraSDK_Handle* handle, uint1
 /**
  * @brief Initialises the controller; sends 0x1901.
  * @param handle the handle.
- * @param pushPullRate the SCL rate of push-pull phases; its low byte is passed on unchanged.
- * @param openDrainRate the SCL rate of open-drain phases; its low byte is passed on unchanged.
- * @param i2cRate the SCL rate of legacy I2C transfers; its low byte is passed on unchanged.
- * @param driveStrength the drive strength of the pins; its low byte is passed on unchanged.
+ * @param pushPullRate the SCL rate of push-pull phases, an #I3cPushPullRate; its low byte is passed
+ *                     on unchanged.
+ * @param openDrainRate the SCL rate of open-drain phases, an #I3cOpenDrainTransferRate; its low
+ *                      byte is passed on unchanged.
+ * @param i2cRate the SCL rate of legacy I2C transfers, an #I2cTransferRate; its low byte is passed
+ *                on unchanged.
+ * @param driveStrength the drive strength of the pins, an #I3cDriveStrength; its low byte is passed
+ *                      on unchanged.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cControllerInit(VeltraSDK_Handle* handle,
@@ -625,10 +630,14 @@ VELTRASDK_API int16_t VeltraSDK_I3cControllerInit(VeltraSDK_Handle* handle,
 /**
  * @brief Changes the parameters of the initialised controller; sends 0x1902.
  * @param handle the handle.
- * @param pushPullRate the SCL rate of push-pull phases; its low byte is passed on unchanged.
- * @param openDrainRate the SCL rate of open-drain phases; its low byte is passed on unchanged.
- * @param i2cRate the SCL rate of legacy I2C transfers; its low byte is passed on unchanged.
- * @param driveStrength the drive strength of the pins; its low byte is passed on unchanged.
+ * @param pushPullRate the SCL rate of push-pull phases, an #I3cPushPullRate; its low byte is passed
+ *                     on unchanged.
+ * @param openDrainRate the SCL rate of open-drain phases, an #I3cOpenDrainTransferRate; its low
+ *                      byte is passed on unchanged.
+ * @param i2cRate the SCL rate of legacy I2C transfers, an #I2cTransferRate; its low byte is passed
+ *                on unchanged.
+ * @param driveStrength the drive strength of the pins, an #I3cDriveStrength; its low byte is passed
+ *                      on unchanged.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cSetParameters(VeltraSDK_Handle* handle,
@@ -1001,7 +1010,7 @@ VELTRASDK_API int16_t VeltraSDK_I3cCccSETDASA(VeltraSDK_Handle* handle, uint8_t 
  * @param staticAddresses the targets' static addresses, 7 bits, unshifted; must not be null unless
  *                        @p count is 0. Passed on unchanged; their meaning is the adapter's, since
  *                        the code carries none on the bus.
- * @param count the number of addresses, 0 to 255; the length field holds it modulo 256.
+ * @param count the number of addresses, at most 255, since the length field holds it modulo 256.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cCccSETAASA(VeltraSDK_Handle* handle,
@@ -1057,8 +1066,8 @@ VELTRASDK_API int16_t VeltraSDK_I3cCccDISECBroadcast(VeltraSDK_Handle* handle, u
  * @param direction #I3cTransferDirection_Write arms the action, #I3cTransferDirection_Read asks for
  *                  one byte. Another value is not refused: it is sent and stores nothing.
  * @param[out] reply receives the byte of a read, whatever number of bytes the response counts;
- *                   written whenever a response arrived. Null is refused for a read; another
- *                   direction does not use it.
+ *                   written whenever a response arrived, left as it was in any other direction.
+ *                   Null is refused for a read.
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cCccRSTACTDirect(VeltraSDK_Handle* handle, uint8_t address,

@@ -43,6 +43,8 @@ def problems_of(member, counts):
     counts[member.get("kind")] += 1
     if not is_described(member):
         yield "not described"
+    if member.find(".//orderedlist") is not None:
+        yield "a number that ends a sentence at the beginning of a line is taken for a list's"
     if member.get("kind") == "function":
         yield from parameter_problems(member)
         yield from return_problems(member)
