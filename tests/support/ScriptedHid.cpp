@@ -3,6 +3,7 @@
 #include <hidapi.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <iterator>
 #include <memory>
@@ -15,6 +16,17 @@ namespace test_support {
 namespace {
 
 ScriptedHid* current = nullptr;
+
+/// Made by a thread's first read and destroyed with the thread, before anybody has joined it.
+class ReadingThread {
+public:
+    ReadingThread() { ++count; }
+    ~ReadingThread() { --count; }
+    ReadingThread(const ReadingThread&) = delete;
+    ReadingThread& operator=(const ReadingThread&) = delete;
+
+    static inline std::atomic<size_t> count{0};
+};
 
 /// Reads time out early, so that closing a link does not cost every test a tenth of a second.
 constexpr int longestReadMs = 5;
@@ -52,6 +64,7 @@ ScriptedHid::ScriptedHid() {
 
 ScriptedHid::~ScriptedHid() {
     EXPECT_EQ(opened.size(), 0U) << "a device was opened and not closed";
+    EXPECT_EQ(readingThreads(), 0U) << "a thread that reads has not ended";
     EXPECT_EQ(listsOut, 0U) << "an enumeration was not freed";
     EXPECT_EQ(initialised, exited) << "hid_init and hid_exit were not called in pairs";
     EXPECT_TRUE(script.empty()) << script.size() << " expected writes were not made; the next is"
@@ -148,6 +161,10 @@ size_t ScriptedHid::listsOutAtOpening() const {
 size_t ScriptedHid::openDevices() const {
     const std::lock_guard<std::mutex> lock(mutex);
     return opened.size();
+}
+
+size_t ScriptedHid::readingThreads() {
+    return ReadingThread::count;
 }
 
 size_t ScriptedHid::initCalls() const {
@@ -290,6 +307,7 @@ int ScriptedHid::write(void* device, const uint8_t* data, size_t length) {
 }
 
 int ScriptedHid::readTimeout(void* device, uint8_t* data, size_t length, int milliseconds) {
+    static const thread_local ReadingThread reading;
     std::unique_lock<std::mutex> lock(mutex);
     OpenDevice* const source = find(device);
     if (source == nullptr) {

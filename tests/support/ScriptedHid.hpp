@@ -30,7 +30,7 @@ struct ScriptedDevice {
 
 /// A stand-in for hidapi: defines the eight functions that the library calls, serves devices and
 /// reports, records what it is told, and fails on demand. One exists at a time; its destructor
-/// reports whatever was opened and not closed.
+/// reports whatever was opened and not closed, and whoever still reads.
 ///
 /// A conversation is a list of expected writes, each with the input reports that answer it. A write
 /// that differs from the expected one fails the test and shows the bytes of both.
@@ -77,6 +77,8 @@ public:
     /// How many enumerations were not freed when hid_open_path was last called.
     [[nodiscard]] size_t listsOutAtOpening() const;
     [[nodiscard]] size_t openDevices() const;
+    /// How many threads have read and not ended yet. A thread that has ended calls nobody back.
+    [[nodiscard]] static size_t readingThreads();
     /// How often hid_init and hid_exit were called.
     [[nodiscard]] size_t initCalls() const;
     [[nodiscard]] size_t exitCalls() const;
