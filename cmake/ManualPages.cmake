@@ -15,7 +15,9 @@ function(add_manual_page COMMAND SUMMARY)
     add_custom_command(OUTPUT ${page}
         COMMAND ${HELP2MAN} --no-info --name ${SUMMARY} --include ${sections} --output ${page}
             --source "libveltrasdk ${PROJECT_VERSION}" --version-string "${name} ${PROJECT_VERSION}"
-            "$<TARGET_FILE:veltra-virtual-adapter> ${COMMAND}"
+            "./$<TARGET_FILE_NAME:veltra-virtual-adapter> ${COMMAND}"
+        # help2man leaves its last argument to a shell; the directory's name may hold spaces.
+        WORKING_DIRECTORY $<TARGET_FILE_DIR:veltra-virtual-adapter>
         DEPENDS veltra-virtual-adapter ${sections}
         VERBATIM)
     set(manual_pages ${manual_pages} ${page} PARENT_SCOPE)
