@@ -1,8 +1,6 @@
 #include "driver/VeltraDriver.hpp"
 
 #include <algorithm>
-#include <array>
-#include <chrono>
 #include <codecvt>
 #include <locale>
 #include <memory>
@@ -11,15 +9,13 @@
 namespace {
 
 constexpr size_t fullSpeedReportSize = 64;
-constexpr size_t highSpeedReportSize = 1024;
-constexpr size_t largestReportSize = highSpeedReportSize;
-constexpr size_t reportIdentifierSize = 1;
+constexpr size_t highSpeedReportSize = OutputReport::maxSize;
 
 constexpr int readTimeoutMs = 100;
 
 // After an unplug every read fails at once, for ever: the loop goes on, but slowly.
-constexpr std::chrono::milliseconds firstErrorPause{1};
-constexpr std::chrono::milliseconds longestErrorPause{100};
+constexpr std::chrono::milliseconds minErrorPause{1};
+constexpr std::chrono::milliseconds maxErrorPause{100};
 
 struct FreeEnumeration {
     void operator()(hid_device_info* devices) const { hid_free_enumeration(devices); }
@@ -115,37 +111,45 @@ void VeltraDriver::close() {
     if (!isOpen) {
         return;
     }
-    {
-        const std::lock_guard<std::mutex> lock(pauseMutex);
-        isPolling = false;
-    }
-    pauseEnded.notify_one();
+    isPolling = false;
+    endPause();
     if (pollingThread.joinable()) {
         pollingThread.join();
     }
-    if (device != nullptr) {
-        hid_close(device);
-        device = nullptr;
-    }
+    hid_close(device);
+    device = nullptr;
     isOpen = false;
     deviceCharacteristics = nullptr;
     devicePath.clear();
 }
 
 bool VeltraDriver::sendCommand(const std::vector<uint8_t>& packet) {
-    if (!isOpen || device == nullptr) {
+    if (!isOpen) {
+        return false;
+    }
+    OutputReport report;
+    const size_t length = std::min(packet.size(), getEndpointSize());
+    std::copy_n(packet.begin(), length, report.packet());
+    return sendReport(report, length);
+}
+
+bool VeltraDriver::sendReport(OutputReport& report, size_t packetSize) {
+    if (!isOpen) {
         return false;
     }
     const size_t endpointSize = getEndpointSize();
-    const size_t length = std::min(packet.size(), endpointSize);
-    // Byte 0 is the report identifier, 0 for unnumbered reports; behind the packet stand zeros.
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): only what is sent is worth filling.
-    std::array<uint8_t, reportIdentifierSize + largestReportSize> report;
-    report[0] = 0;
-    auto* const padding =
-        std::copy_n(packet.begin(), length, std::next(report.begin(), reportIdentifierSize));
-    std::fill_n(padding, endpointSize - length, uint8_t{0});
-    return hid_write(device, report.data(), reportIdentifierSize + endpointSize) >= 0;
+    std::fill_n(report.packet() + packetSize, endpointSize - packetSize, uint8_t{0});
+    if (hid_write(device, report.data(), OutputReport::identifierSize + endpointSize) < 0) {
+        return false;
+    }
+    // Nothing is left to be done for the later reports of a long request.
+    if (!hasWritten) {
+        hasWritten = true;
+        if (isPausing) {
+            endPause();
+        }
+    }
+    return true;
 }
 
 void VeltraDriver::onResponse(std::function<void(const std::vector<uint8_t>&)> callback) {
@@ -156,10 +160,11 @@ void VeltraDriver::pollingLoop() {
     std::vector<uint8_t> report(getEndpointSize());
     std::chrono::milliseconds pause{0};
     while (isPolling) {
+        hasWritten = false;
         const int received = hid_read_timeout(device, report.data(), report.size(), readTimeoutMs);
         if (received < 0) {
             pausePolling(pause);
-            pause = std::clamp(2 * pause, firstErrorPause, longestErrorPause);
+            pause = std::clamp(2 * pause, minErrorPause, maxErrorPause);
             continue;
         }
         pause = std::chrono::milliseconds{0};
@@ -174,5 +179,13 @@ void VeltraDriver::pausePolling(std::chrono::milliseconds pause) {
         return;
     }
     std::unique_lock<std::mutex> lock(pauseMutex);
-    pauseEnded.wait_for(lock, pause, [this] { return !isPolling; });
+    isPausing = true;
+    pauseEnded.wait_for(lock, pause, [this] { return !isPolling || hasWritten; });
+    isPausing = false;
+}
+
+void VeltraDriver::endPause() {
+    // Under the lock, so that whoever is about to wait sees what has changed, or is woken.
+    const std::lock_guard<std::mutex> lock(pauseMutex);
+    pauseEnded.notify_one();
 }

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <array>
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
@@ -12,6 +14,23 @@
 
 #include <hidapi.h>
 
+/// An output report in the making: the report identifier, 0 for unnumbered reports, and room for a
+/// packet. Only what is written to it has a value.
+class OutputReport {
+public:
+    static constexpr size_t identifierSize = 1;
+    /// The largest report of any adapter variant, its identifier not counted.
+    static constexpr size_t maxSize = 1024;
+
+    OutputReport() { bytes[0] = 0; } // NOLINT(cppcoreguidelines-pro-type-member-init)
+
+    [[nodiscard]] const uint8_t* data() const { return bytes.data(); }
+    [[nodiscard]] uint8_t* packet() { return bytes.data() + identifierSize; }
+
+private:
+    std::array<uint8_t, identifierSize + maxSize> bytes;
+};
+
 /// Finds the adapter among the HID devices, opens it, writes one report per packet and reads
 /// reports on a thread of its own.
 ///
@@ -19,7 +38,7 @@
 /// other drivers exist.
 class VeltraDriver {
 public:
-    /// One adapter model.
+    /// One adapter variant.
     struct MervoDeviceCharacteristics {
         uint16_t vendorId;
         uint16_t productId;
@@ -32,7 +51,7 @@ public:
     VeltraDriver(const VeltraDriver&) = delete;
     VeltraDriver& operator=(const VeltraDriver&) = delete;
 
-    /// The model with these identifiers, or null.
+    /// The variant with these identifiers, or null.
     static const MervoDeviceCharacteristics* findMervoDeviceCharacteristics(uint16_t vendorId,
                                                                             uint16_t productId);
 
@@ -50,16 +69,21 @@ public:
     /// false when closed or when the write failed.
     bool sendCommand(const std::vector<uint8_t>& packet);
 
+    /// The same for a packet that stands in the report already, at most a report's size of it.
+    bool sendReport(OutputReport& report, size_t packetSize);
+
     /// Installs the receiver of reports, which runs on the polling thread; only while closed.
     void onResponse(std::function<void(const std::vector<uint8_t>&)> callback);
 
 private:
     void pollingLoop();
     void pausePolling(std::chrono::milliseconds pause);
+    void endPause();
 
     static const std::vector<MervoDeviceCharacteristics> mervoDeviceList;
 
     const MervoDeviceCharacteristics* deviceCharacteristics = nullptr;
+    // Not read by the library; tells whoever looks at an object which adapter it holds.
     std::string devicePath;
     hid_device* device = nullptr;
     std::function<void(const std::vector<uint8_t>&)> responseCallback;
@@ -67,7 +91,10 @@ private:
     std::atomic<bool> isPolling{false};
     std::thread pollingThread;
 
-    // Let `close` end the pause that follows a read error.
+    // Let `close` and a written report end the pause that follows a read error. A report counts
+    // that was written since the failed read began: what answers it may be there by now.
+    std::atomic<bool> hasWritten{false};
+    std::atomic<bool> isPausing{false};
     std::mutex pauseMutex;
     std::condition_variable pauseEnded;
 };

@@ -2,6 +2,7 @@
 #include "support/ConditionWait.hpp"
 #include "support/Model.hpp"
 
+#include <atomic>
 #include <chrono>
 #include <ctime>
 #include <functional>
@@ -93,23 +94,47 @@ TEST_F(VeltraDriverPauses, PausesDoubleFromOneMillisecondToATenthOfASecond) {
     EXPECT_EQ(expected, lengthsMs.end());
 }
 
-TEST_F(VeltraDriverPauses, ClosingEndsThePause) {
-    std::promise<void> pausing;
-    bool firstWait = true;
-    bool woken = true;
-    const ConditionWait notByTime([&](const auto& call) {
-        if (std::exchange(firstWait, false)) {
-            pausing.set_value();
+/// Lets no pause end by time, and tells when the first two have begun.
+class UntimedPauses {
+public:
+    void waitForFirst() { first.get_future().wait(); }
+    void waitForSecond() { second.get_future().wait(); }
+    [[nodiscard]] bool wereAllEnded() const { return woken; }
+
+private:
+    std::promise<void> first;
+    std::promise<void> second;
+    int waits = 0;
+    std::atomic<bool> woken = true;
+    ConditionWait notByTime{[this](const auto& call) {
+        if (++waits <= 2) {
+            (waits == 1 ? first : second).set_value();
         }
         const int result = call.waitUntilWoken();
         woken = woken && result == 0;
         return result;
-    });
+    }};
+};
+
+TEST_F(VeltraDriverPauses, ClosingEndsThePause) {
+    UntimedPauses pauses;
     ASSERT_TRUE(driver.open("", ""));
-    pausing.get_future().wait();
+    pauses.waitForFirst();
     driver.close();
     EXPECT_EQ(hid.openDevices(), 0U);
-    EXPECT_TRUE(woken) << "the pause ended by itself";
+    EXPECT_TRUE(pauses.wereAllEnded()) << "the pause ended by itself";
+}
+
+TEST_F(VeltraDriverPauses, AWrittenReportEndsThePause) {
+    UntimedPauses pauses;
+    ASSERT_TRUE(driver.open("", ""));
+    pauses.waitForFirst();
+    EXPECT_EQ(hid.readCalls(), 2U);
+    EXPECT_TRUE(driver.sendCommand({0x55}));
+    pauses.waitForSecond();
+    EXPECT_EQ(hid.readCalls(), 3U);
+    driver.close();
+    EXPECT_TRUE(pauses.wereAllEnded()) << "a pause ended by itself";
 }
 
 } // namespace
