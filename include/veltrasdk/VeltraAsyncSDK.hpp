@@ -44,7 +44,8 @@ class RequestFrame;
  * thread, one frame at a time; it must not call any operation of the same object, nor replace the
  * callback, which would destroy the running one. Constructing, connecting, disconnecting, entering
  * boot mode and destroying must not overlap between any two objects of the process, since hidapi's
- * own calls are not safe against each other.
+ * own calls are not safe against each other. After fork() with a connected object the child may
+ * only call exec() or _exit().
  *
  * @par Exceptions
  * The library throws nothing of its own. What its standard facilities throw (std::bad_alloc, say)
@@ -77,7 +78,13 @@ public:
      * @brief Installs the receiver of frames, which replaces the one before.
      *
      * Install it while not connected: it is replaced without a lock. Frames that arrive before the
-     * first one is installed are dropped.
+     * first one is installed are dropped. A report that comes short is filled up with what earlier
+     * reports left, not with 0.
+     *
+     * Every call must return in less than 1 ms at full speed, 0.1 ms at high speed: one report time
+     * with about 20 us to spare. One stall may last about 30 report times: 30 ms at full speed, 4
+     * ms at high speed. hidapi keeps 32 unread reports beside the one at hand, and then silently
+     * drops the oldest, which may be a response.
      *
      * @param callback receives each whole message, of any length: a response, or with transaction
      *                 identifier 0 a notification. It runs on the polling thread, and the message
@@ -109,7 +116,8 @@ public:
      *                     known adapter.
      * @return whether the link is open; false when no such adapter is there or it cannot be opened.
      * @throws std::system_error when the polling thread cannot be started; nothing is left open.
-     * @throws std::range_error when a serial number met in the search cannot be converted.
+     * @throws std::range_error when a serial number met in the search, of any HID device, has a
+     *         code point above 0x10FFFF.
      */
     bool connectWithSerialNumber(const std::string& serialNumber);
 

@@ -49,12 +49,15 @@ class VeltraAsyncSDK;
  *
  * @par Outputs
  * Outputs are written whenever a response arrived, whatever its status, and left as they were when
- * none did. Bytes that a response announces but does not carry read as zero. Four functions deviate
- * and say how: getUsbString(), getDeviceInfo(), i2cScanBus() and i3cCccRSTACTDirect().
+ * none did. Bytes that a response announces but does not carry read as 0. A report that comes
+ * short is filled up with what earlier reports left, not with 0. Four functions deviate and say
+ * how: getUsbString(), getDeviceInfo(), i2cScanBus() and i3cCccRSTACTDirect().
  *
  * @par Time-outs
- * The time-out holds for each operation, from the moment at which its request was written. Writing
- * has a limit of its own: hidapi gives each report 1 s at most, whatever the time-out.
+ * The time-out holds for each operation, from the moment at which its request was written, and goes
+ * on while the process is stopped or gets no processor: a response that came in time may then be
+ * reported as #ResultCode_NoResponse, and is a late one. Writing has a limit of its own: hidapi
+ * gives each report 1 s at most, whatever the time-out.
  *
  * @par Late responses
  * The next response is taken as the answer of the operation that waits, whatever request it
@@ -69,7 +72,8 @@ class VeltraAsyncSDK;
  * thread, one notification at a time, while an operation may be waiting in another thread; it must
  * not call any operation of the same object, nor replace the handler. Constructing, connecting,
  * disconnecting, entering boot mode and destroying must not overlap between any two objects of the
- * process, since hidapi's own calls are not safe against each other.
+ * process, since hidapi's own calls are not safe against each other. After fork() with a connected
+ * object the child may only call exec() or _exit().
  *
  * @par Exceptions
  * The library throws nothing of its own. What its standard facilities throw (std::bad_alloc, say)
@@ -137,7 +141,8 @@ public:
      *                     known adapter.
      * @return whether the link is open; false when no such adapter is there or it cannot be opened.
      * @throws std::system_error when the polling thread cannot be started; nothing is left open.
-     * @throws std::range_error when a serial number met in the search cannot be converted.
+     * @throws std::range_error when a serial number met in the search, of any HID device, has a
+     *         code point above 0x10FFFF.
      */
     bool connectWithSerialNumber(const std::string& serialNumber);
 
@@ -153,9 +158,12 @@ public:
     /**
      * @brief Installs the receiver of notifications, which replaces the one before.
      *
-     * Install it while not connected: it is replaced without a lock. The USB stack beneath keeps
-     * about 30 unread reports, so a handler has that many report times (30 ms at full speed, 4 ms
-     * at high speed) before reports are lost.
+     * Install it while not connected: it is replaced without a lock.
+     *
+     * Every call must return in less than 1 ms at full speed, 0.1 ms at high speed: one report time
+     * with about 20 us to spare. One stall may last about 30 report times: 30 ms at full speed, 4
+     * ms at high speed. hidapi keeps 32 unread reports beside the one at hand, and then silently
+     * drops the oldest, which may be a response.
      *
      * @param handler receives each notification on the polling thread, those of kind
      *                #NotificationKind_Unknown included; empty for none. The object keeps it until

@@ -18,7 +18,9 @@
  * - those that its description adds.
  *
  * When several reasons apply, the first of these is told: a null handle, an argument that is
- * refused, a link that is not connected.
+ * refused, a link that is not connected. VeltraSDK_UartSendMessage() and VeltraSDK_I3cInitBus() are
+ * the exception: they copy their buffer before they look at the handle, so that a missing one is
+ * the caller's fault, also with a null handle.
  *
  * @par Arguments
  * "Refused" means #ResultCode_InvalidArgument. Arguments are sent as given, known to the adapter or
@@ -27,12 +29,14 @@
  *
  * @par Outputs
  * Output buffers belong to the caller. Bytes that a response announces but does not carry read as
- * 0. A buffer without a capacity argument must hold what the function says; the library does not
- * know its size.
+ * 0. A report that comes short is filled up with what earlier reports left, not with 0. A buffer
+ * without a capacity argument must hold what the function says; the library does not know its size.
  *
  * @par Time-outs
- * The time-out holds for each request, from the moment at which it was written. Writing has a limit
- * of its own: hidapi gives each report 1 s at most, whatever the time-out.
+ * The time-out holds for each request, from the moment at which it was written, and goes on while
+ * the process is stopped or gets no processor: a response that came in time may then be reported as
+ * #ResultCode_NoResponse, and is a late one. Writing has a limit of its own: hidapi gives each
+ * report 1 s at most, whatever the time-out.
  *
  * @par Late responses
  * The next response is taken as the answer of the call that waits, whatever request it answers. A
@@ -48,7 +52,8 @@
  * function of the same handle except the notification accessors. VeltraSDK_Create(),
  * VeltraSDK_Connect(), VeltraSDK_ConnectWithSerialNumber(), VeltraSDK_Disconnect(),
  * VeltraSDK_EnterBootMode() and VeltraSDK_Destroy() must not overlap between any two handles of the
- * process, since hidapi's own calls are not safe against each other.
+ * process, since hidapi's own calls are not safe against each other. After fork() with a connected
+ * handle the child may only call exec() or _exit().
  *
  * @par Exceptions
  * The functions catch nothing: what is thrown beneath them (std::bad_alloc, say) reaches the
@@ -173,8 +178,8 @@ VELTRASDK_API bool VeltraSDK_Connect(VeltraSDK_Handle* handle, const char* path)
  * @return whether the link is open; false for a null handle, and when no such adapter is there or
  *         it cannot be opened.
  * @throws std::system_error when the polling thread cannot be started; nothing is left open.
- * @throws std::range_error when a serial number met in the search, of any HID device, cannot be
- *         converted, which a C program cannot catch.
+ * @throws std::range_error when a serial number met in the search, of any HID device, has a code
+ *         point above 0x10FFFF, which a C program cannot catch.
  * @throws std::logic_error when @p serialNumber is null and @p handle is not, which a C program
  *         cannot catch.
  */
@@ -230,8 +235,10 @@ VELTRASDK_API int16_t VeltraSDK_EnterBootMode(VeltraSDK_Handle* handle);
  * The callback sees the first 256 bytes of a frame. The frame's size is kept in 8 bits: a frame of
  * 256 bytes or more arrives with size 0, and every accessor refuses it.
  *
- * The USB stack beneath keeps about 30 unread reports, so a callback has that many report times
- * (30 ms at full speed, 4 ms at high speed) before reports are lost.
+ * Every call must return in less than 1 ms at full speed, 0.1 ms at high speed: one report time
+ * with about 20 us to spare. One stall may last about 30 report times: 30 ms at full speed, 4 ms at
+ * high speed. hidapi keeps 32 unread reports beside the one at hand, and then silently drops the
+ * oldest, which may be a response.
  *
  * @param handle the handle; must not be null.
  * @param callback receives each notification on the polling thread, those of kind
@@ -514,7 +521,7 @@ VELTRASDK_API int16_t VeltraSDK_UartSetParameters(VeltraSDK_Handle* handle, Uart
 /**
  * @brief Sends bytes over the UART; sends 0x1005.
  * @param handle the handle.
- * @param message the bytes to send; must not be null unless @p length is 0.
+ * @param message the bytes to send; must not be null unless @p length is 0, whatever the handle.
  * @param length the bytes of it, 0 to 65535.
  * @return the result code.
  */
@@ -660,7 +667,8 @@ VELTRASDK_API int16_t VeltraSDK_I3cResetBus(VeltraSDK_Handle* handle);
  * interrupts as notifications of kind #NotificationKind_I3cIbi.
  *
  * @param handle the handle.
- * @param targets the records, sent as they are; must not be null unless @p count is 0.
+ * @param targets the records, sent as they are; must not be null unless @p count is 0, whatever the
+ *                handle.
  * @param count the number of records, 0 to 255.
  * @return the result code.
  */

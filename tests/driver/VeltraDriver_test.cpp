@@ -115,6 +115,12 @@ TEST(CompareSerial, AByteOrderMarkIsACharacterLikeAnyOther) {
                                L"A"));
 }
 
+TEST(CompareSerial, ALoneSurrogateIsComparedLikeAnyOtherCharacter) {
+    EXPECT_TRUE(compareSerial("A\xED\xA0\x80", std::wstring{L'A', wchar_t{0xD800}}.c_str()));
+    EXPECT_TRUE(compareSerial("\xED\xBF\xBF", std::wstring(1, wchar_t{0xDFFF}).c_str()));
+    EXPECT_FALSE(compareSerial("A", std::wstring{L'A', wchar_t{0xD800}}.c_str()));
+}
+
 TEST(CompareSerial, ACodePointBeyondUnicodeIsARangeError) {
     for (const wchar_t codePoint : {wchar_t{0x110000}, wchar_t{0x7FFFFFFF}}) {
         const std::wstring serialNumber{L'A', codePoint};

@@ -65,10 +65,6 @@ def called(names, others):
     }
 
 
-def without_comments(text):
-    return re.sub(r"/\*.*?\*/|//[^\n]*", "", text, flags=re.DOTALL)
-
-
 def between(begin, end, text):
     """What stands between two lines; a file that has lost them is no list any more."""
     return re.search(rf"^{begin}\n(.*?)^{end}$", text, re.DOTALL | re.MULTILINE)[1]
@@ -76,7 +72,7 @@ def between(begin, end, text):
 
 def methods_of(class_name, header):
     """The public member functions of a class."""
-    members = between("public:", "private:", without_comments(header))
+    members = between("public:", "private:", header)
     while (plain := re.sub(r"<[^<>]*>|\{[^{}]*\}", ";", members)) != members:
         members = plain
     return [name for name in re.findall(r"(?<!~)\b(\w+)\([^;]*;", members) if name != class_name]
@@ -104,11 +100,13 @@ def lists(root):
     def read(file):
         return (root / file).read_text()
 
+    def code(file):
+        return re.sub(r"/\*.*?\*/|//[^\n]*", "", read(file), flags=re.DOTALL)
+
     c_functions = [name.removeprefix("VeltraSDK_") for name in declared_functions(root / "include/veltrasdk")]
-    class_header = read("include/veltrasdk/VeltraSDK.hpp")
-    class_methods = methods_of("VeltraSDK", class_header)
-    async_header = read("include/veltrasdk/VeltraAsyncSDK.hpp")
-    frames = read("tests/docs/protocol_frames.cpp")
+    class_methods = methods_of("VeltraSDK", code("include/veltrasdk/VeltraSDK.hpp"))
+    async_methods = methods_of("VeltraAsyncSDK", code("include/veltrasdk/VeltraAsyncSDK.hpp"))
+    frames = code("tests/docs/protocol_frames.cpp")
 
     class_operations = {name.lower(): name for name in [*class_methods, *c_functions]}
     for name in NOT_OPERATIONS:
@@ -120,10 +118,10 @@ def lists(root):
 
     yield "include/veltrasdk/*.h", c_functions, c_operations
     yield "include/veltrasdk/VeltraSDK.hpp", class_methods, class_operations
-    yield "include/veltrasdk/VeltraAsyncSDK.hpp", methods_of("VeltraAsyncSDK", async_header), encoders
+    yield "include/veltrasdk/VeltraAsyncSDK.hpp", async_methods, encoders
     yield (
         "src/protocol/CommandCode.hpp",
-        re.findall(r"^ +(\w+)(?<!Notification) = 0x", read("src/protocol/CommandCode.hpp"), re.MULTILINE),
+        re.findall(r"^ +(\w+)(?<!Notification) = 0x", code("src/protocol/CommandCode.hpp"), re.MULTILINE),
         commands,
     )
     yield (
@@ -139,15 +137,15 @@ def lists(root):
     yield (
         "printResponses of tests/docs/protocol_frames.cpp",
         calls_on_sdk(r"void printResponses\(\) \{", r"\}", frames),
-        called(methods_with_output(class_header), AS_RESPONSE),
+        called(methods_with_output(read("include/veltrasdk/VeltraSDK.hpp")), AS_RESPONSE),
     )
     yield (
         "tests/capi/lifecycle_test.cpp",
-        re.findall(r'\{"(\w+)",\s*with\w*\(VeltraSDK_\1\b', read("tests/capi/lifecycle_test.cpp")),
+        re.findall(r'\{"(\w+)",\s*with\w*\(VeltraSDK_\1\b', code("tests/capi/lifecycle_test.cpp")),
         c_operations,
     )
-    yield "fuzz/c_operations.cpp", calls_of_table(read("fuzz/c_operations.cpp")), c_operations
-    yield "fuzz/class_operations.cpp", calls_of_table(read("fuzz/class_operations.cpp")), class_operations
+    yield "fuzz/c_operations.cpp", calls_of_table(code("fuzz/c_operations.cpp")), c_operations
+    yield "fuzz/class_operations.cpp", calls_of_table(code("fuzz/class_operations.cpp")), class_operations
 
 
 def main(root):
@@ -167,7 +165,7 @@ def main(root):
         print(f"{len(needed)} names in {where}")
         if not needed:
             complaints.append(f"{where} is empty")
-    complaints += [f"{not_operations[key]} is listed as no operation and is nowhere" for key in sorted(unused)]
+    complaints += [f"{not_operations[key]} is listed here and is nowhere" for key in sorted(unused)]
     print("\n".join(complaints))
     return bool(complaints)
 

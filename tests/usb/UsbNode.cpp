@@ -24,7 +24,7 @@ using virtual_adapter::UsbTransfer;
 namespace {
 
 constexpr size_t setupSize = 8;
-/// hidapi keeps about 30 reports that nobody has read; half of it is safe.
+/// hidapi keeps 32 reports that nobody has read; half of it is safe.
 constexpr size_t mostUnreadReports = 15;
 constexpr uint8_t towardsHost = 0x80;
 /// What ends the transfers of a device that the kernel has seen leave.
