@@ -2,8 +2,8 @@
 """Checks that includes run one way: capi -> sdk -> protocol -> driver -> hidapi.
 
 A floor includes its own files, the public headers and the listed files of the floor beneath it.
-The virtual adapter shares the packet framing and the command codes with the library, no more.
-The rooms around it include each other's files as listed.
+The virtual adapter shares the packet framing and the command codes with the library, no more; its
+rooms and those around it know each other as their table says.
 """
 
 import pathlib
@@ -25,26 +25,44 @@ FLOORS = {
     "preload": ("hidapi.h",),
     "usbip": (),
 }
+# The rooms of the virtual adapter and around it, and what each may include beside its own files:
+# whole rooms, or single files of one. A file belongs to the innermost room that it lies in.
+MODEL = ("model/Answer.hpp", "model/Frame.hpp", "model/Outbox.hpp", "model/Status.hpp")
+COMMANDS = (*MODEL, "bytes/", "model/checks.hpp")
 ROOMS = {
-    "preload": ("preload/", "device/"),
-    "usbip": ("usbip/", "bytes/"),
-    "virtual-adapter/bytes": ("bytes/",),
-    "virtual-adapter/cli": ("cli/", "ways/", "device/", "usbip/"),
-    "virtual-adapter/device": ("device/", "model/", "bytes/"),
-    "virtual-adapter/model": ("model/", "bytes/"),
-    "virtual-adapter/ways": ("ways/", "device/", "usbip/"),
+    "bytes": (),
+    "model/system": COMMANDS,
+    "model/i2c": (*COMMANDS, "model/system/voltage.hpp"),
+    "model/spi": (*COMMANDS, "model/system/voltage.hpp"),
+    "model/uart": (*COMMANDS, "model/system/voltage.hpp", "model/AdapterVariant.hpp"),
+    "model/gpio": (*COMMANDS, "model/system/voltage.hpp"),
+    "model/i3c": (*COMMANDS, "model/i2c/"),
+    # Adapter and Dispatcher put the buses together.
+    "model": ("bytes/", "model/", "board/Board.hpp"),
+    "board/parts": (
+        "bytes/",
+        "model/i2c/I2cTarget.hpp",
+        "model/spi/SpiTarget.hpp",
+        "model/uart/UartTarget.hpp",
+        "model/i3c/I3cTarget.hpp",
+    ),
+    "board": (
+        "board/parts/",
+        "model/i2c/I2cBus.hpp",
+        "model/spi/SpiBus.hpp",
+        "model/uart/UartTarget.hpp",
+        "model/gpio/GpioLines.hpp",
+        "model/i3c/I3cBus.hpp",
+    ),
+    "faults": ("bytes/", "model/Frame.hpp", "model/Outbox.hpp"),
+    "device": ("bytes/", "model/Adapter.hpp", "model/AdapterVariant.hpp", "board/", "faults/"),
+    "usbip": ("bytes/",),
+    "ways": ("device/", "usbip/"),
+    "cli": ("device/", "faults/", "usbip/", "ways/"),
+    "preload": ("device/", "faults/"),
 }
 INCLUDE = re.compile(r'\s*#\s*include\s*["<]([^">]*)[">]')
-LIBRARY = ("capi/", "sdk/", "protocol/", "driver/", "hidapi")
-VIRTUAL_ADAPTER = (
-    "bytes/",
-    "cli/",
-    "device/",
-    "model/",
-    "preload/",
-    "usbip/",
-    "ways/",
-)
+WATCHED = ("capi/", "sdk/", "protocol/", "driver/", "hidapi")
 
 
 def includes(directory):
@@ -56,16 +74,37 @@ def includes(directory):
                     yield path, number, match[1]
 
 
-def main(root):
+def room_of(path):
+    """The innermost room in which a file lies; none for one in no room."""
+    rooms = [room for room in ROOMS if path.startswith(f"{room}/")]
+    return max(rooms, key=len, default=None)
+
+
+def check_rooms(root):
+    """The includes between the rooms that their table does not have, and their number."""
     complaints = []
     watched = 0
-    for rooms, names in ((FLOORS, LIBRARY), (ROOMS, VIRTUAL_ADAPTER)):
-        for room, allowed in rooms.items():
-            for path, number, included in includes(root / room):
-                if included.startswith(names):
-                    watched += 1
-                    if not included.startswith(allowed):
-                        complaints.append(f"{path}:{number}: {room} must not include {included}")
+    entered = {room.split("/")[0] for room in ROOMS}
+    for house, directory in (("virtual-adapter", ""), ("", "preload"), ("", "usbip")):
+        for path, number, included in includes(root / house / directory):
+            room = room_of(path.relative_to(root / house).as_posix())
+            if room is None or included.split("/")[0] not in entered:
+                continue
+            watched += 1
+            if room_of(included) != room and not included.startswith(ROOMS[room]):
+                complaints.append(f"{path}:{number}: {room} must not include {included}")
+    return complaints, watched
+
+
+def main(root):
+    complaints, watched_rooms = check_rooms(root)
+    watched = 0
+    for floor, allowed in FLOORS.items():
+        for path, number, included in includes(root / floor):
+            if included.startswith(WATCHED):
+                watched += 1
+                if not included.startswith(allowed):
+                    complaints.append(f"{path}:{number}: {floor} must not include {included}")
 
     for path, number, included in includes(root / "include"):
         if "/" in included and not included.startswith("veltrasdk/"):
@@ -73,9 +112,9 @@ def main(root):
         if path.suffix == ".h" and not included.endswith(".h"):
             complaints.append(f"{path}:{number}: a C header must not include {included}")
 
-    print(f"{watched} includes between the rooms")
+    print(f"{watched} includes between the floors, {watched_rooms} between the rooms")
     print("\n".join(complaints))
-    return bool(complaints) or not watched
+    return bool(complaints) or not watched or not watched_rooms
 
 
 if __name__ == "__main__":

@@ -1,21 +1,32 @@
 #pragma once
 
+#include "board/FactoryBoard.hpp"
+#include "bytes/ByteReader.hpp"
 #include "model/Adapter.hpp"
 
 #include <gtest/gtest.h>
 
+#include <utility>
 #include <vector>
 
 namespace virtual_adapter {
 
-/// A virtual adapter, with the questions that tests ask of it.
-class AdapterFixture {
-public:
-    explicit AdapterFixture(const AdapterVariant& variant = fullSpeedVariant)
-        : adapter(variant, "VA-0001") {}
+/// A virtual adapter with the questions that tests ask of it. A test that needs a world of its own
+/// hands its board over.
+class AdapterFixture : public testing::Test {
+protected:
+    explicit AdapterFixture(Board board = factoryBoard(),
+                            const AdapterVariant& variant = fullSpeedVariant)
+        : adapter(variant, "VA-0001", std::move(board)) {}
 
     /// The response to @p request and the notifications that it gave rise to.
-    std::vector<Frame> frames(const Frame& request) { return adapter.handle(request); }
+    std::vector<Frame> frames(const Frame& request) {
+        std::vector<Frame> answered;
+        for (CountedFrame& message : adapter.handle(request)) {
+            answered.push_back(std::move(message.frame));
+        }
+        return answered;
+    }
 
     /// The response to @p request, which gives rise to no notification.
     Frame response(const Frame& request) {
@@ -31,13 +42,14 @@ public:
             ADD_FAILURE() << "no whole response";
             return 0xFFFF;
         }
-        return answered.front()[4] | static_cast<unsigned>(answered.front()[5]) << 8U;
+        ByteReader reader(answered.front());
+        reader.skip(4);
+        return reader.u16();
     }
 
     /// Sets the I/O voltage to 3.3 V.
     void powerOn() { EXPECT_EQ(status({0x01, 0x00, 0x05, 0x04, 0xE4, 0x0C, 0x01}), 0x0000U); }
 
-private:
     Adapter adapter;
 };
 

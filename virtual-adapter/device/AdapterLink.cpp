@@ -7,8 +7,10 @@
 namespace virtual_adapter {
 
 AdapterLink::AdapterLink(const AdapterVariant& variant, const std::string& serialNumber,
-                         const Fault& fault)
-    : adapter(variant, serialNumber), faults(fault), protocol(variant.reportSize) {}
+                         const Fault& fault, Board board)
+    : adapter(variant, serialNumber, std::move(board)),
+      faults(fault),
+      protocol(variant.reportSize) {}
 
 bool AdapterLink::writeReport(const Bytes& report, Time now) {
     auto packet = report.begin();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "board/FactoryBoard.hpp"
 #include "faults/FaultInjector.hpp"
 #include "model/Adapter.hpp"
 #include "model/AdapterVariant.hpp"
@@ -22,7 +23,7 @@ public:
     using Time = std::chrono::steady_clock::time_point;
 
     AdapterLink(const AdapterVariant& variant, const std::string& serialNumber,
-                const Fault& fault = {});
+                const Fault& fault = {}, Board board = factoryBoard());
 
     /// Takes one output report, without a report identifier. A longer transfer counts as several
     /// reports, as it arrives in several USB packets. Returns false when the adapter does not take

@@ -1,9 +1,9 @@
 #include "faults/FaultInjector.hpp"
 
-#include "protocol/CommandCode.hpp"
+#include "bytes/ByteReader.hpp"
 
-#include <array>
-#include <iterator>
+#include <algorithm>
+#include <utility>
 
 namespace virtual_adapter {
 
@@ -12,16 +12,13 @@ namespace {
 constexpr size_t strikingRequest = 3;
 constexpr size_t stormNotificationsOnEachSide = 1000;
 
-unsigned u16At(const Frame& frame, size_t offset) {
-    return frame[offset] | static_cast<unsigned>(frame[offset + 1]) << 8U;
-}
-
 /// One higher, and never 0: a response must not turn into a notification.
 void spoilIdentifier(Frame& frame) {
-    const unsigned identifier = u16At(frame, 0);
-    const unsigned spoilt = identifier == 0xFFFF ? 1 : identifier + 1;
-    frame[0] = static_cast<uint8_t>(spoilt & 0xFFU);
-    frame[1] = static_cast<uint8_t>(spoilt >> 8U);
+    const uint16_t identifier = ByteReader(frame).u16();
+    const uint16_t spoilt =
+        identifier == 0xFFFF ? uint16_t{1} : static_cast<uint16_t>(identifier + 1);
+    frame[0] = lowByte(spoilt);
+    frame[1] = highByte(spoilt);
 }
 
 /// One byte short of a whole header.
@@ -29,33 +26,10 @@ void cutInsideHeader(Frame& frame) {
     frame.resize(5);
 }
 
-struct CountField {
-    CommandCode code;
-    size_t offset;
-    size_t size;
-};
-
-constexpr std::array<CountField, 9> countFields{{
-    {CommandCode::GetUsbString, 6, 1},
-    {CommandCode::I2cRead, 7, 2},
-    {CommandCode::I2cScanBus, 7, 2},
-    {CommandCode::SpiTransfer, 6, 2},
-    {CommandCode::I3cGetDeviceTable, 6, 1},
-    {CommandCode::I3cPrivateTransfer, 8, 2},
-    {CommandCode::I3cCccTransfer, 9, 1},
-    {CommandCode::UartRxNotification, 6, 2},
-    {CommandCode::I3cIbiNotification, 7, 1},
-}};
-
-void announceTooMuch(Frame& frame) {
-    const auto code = static_cast<CommandCode>(u16At(frame, 2));
-    for (const CountField& field : countFields) {
-        const size_t end = field.offset + field.size;
-        if (field.code == code && frame.size() >= end) {
-            for (size_t i = field.offset; i < end; ++i) {
-                frame[i] = 0xFF;
-            }
-        }
+void announceTooMuch(CountedFrame& message) {
+    for (const ByteWriter::Field& count : message.counts) {
+        std::fill_n(message.frame.begin() + static_cast<Frame::difference_type>(count.offset),
+                    count.size, uint8_t{0xFF});
     }
 }
 
@@ -84,17 +58,15 @@ void appendStorm(std::vector<OutgoingFrame>& frames) {
 
 } // namespace
 
-std::vector<OutgoingFrame> FaultInjector::apply(const std::vector<Frame>& answer) {
+std::vector<OutgoingFrame> FaultInjector::apply(std::vector<CountedFrame> answer) {
     ++requests;
     std::vector<OutgoingFrame> frames;
     frames.reserve(answer.size());
-    for (const Frame& frame : answer) {
-        frames.push_back({frame});
-    }
-    if (fault.kind == FaultKind::OverLongCount && requests >= strikingRequest) {
-        for (OutgoingFrame& outgoing : frames) {
-            announceTooMuch(outgoing.frame);
+    for (CountedFrame& message : answer) {
+        if (fault.kind == FaultKind::OverLongCount && requests >= strikingRequest) {
+            announceTooMuch(message);
         }
+        frames.push_back({std::move(message.frame)});
     }
     if (requests == strikingRequest && !frames.empty()) {
         strike(frames);

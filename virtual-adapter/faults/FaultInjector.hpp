@@ -1,7 +1,7 @@
 #pragma once
 
 #include "faults/Fault.hpp"
-#include "model/Frame.hpp"
+#include "model/Outbox.hpp"
 
 #include <chrono>
 #include <cstddef>
@@ -30,7 +30,7 @@ public:
     [[nodiscard]] bool stallsNow() const { return strikesNext(FaultKind::Stall); }
 
     /// Turns what the adapter answers to one request, the response first, into what it sends.
-    std::vector<OutgoingFrame> apply(const std::vector<Frame>& answer);
+    std::vector<OutgoingFrame> apply(std::vector<CountedFrame> answer);
 
 private:
     void strike(std::vector<OutgoingFrame>& frames) const;

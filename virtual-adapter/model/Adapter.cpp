@@ -1,31 +1,20 @@
 #include "model/Adapter.hpp"
 
+#include <utility>
+
 namespace virtual_adapter {
 
-Adapter::Adapter(const AdapterVariant& variant, const std::string& serialNumber)
-    : system({"Veltra", variant.name, serialNumber, "virtual", "1.0.0"}),
-      uart(voltage, notifications, variant) {
-    system.registerCommands(dispatcher);
-    voltage.registerCommands(dispatcher);
-    i2c.registerCommands(dispatcher);
-    spi.registerCommands(dispatcher);
-    uart.registerCommands(dispatcher);
-    gpio.registerCommands(dispatcher);
-    i3cBusSetup.registerCommands(dispatcher);
-    i3cTransfer.registerCommands(dispatcher);
-    i3cCcc.registerCommands(dispatcher);
-}
+Adapter::Adapter(const AdapterVariant& variant, const std::string& serialNumber, Board itsBoard)
+    : board(std::move(itsBoard)), dispatcher(variant, serialNumber, board, outbox) {}
 
-std::vector<Frame> Adapter::handle(const Frame& request) {
-    std::vector<Frame> frames;
-    Frame response = dispatcher.respond(request);
-    if (!response.empty()) {
-        frames.push_back(std::move(response));
+std::vector<CountedFrame> Adapter::handle(const Frame& request) {
+    ByteReader reader(request);
+    const uint16_t identifier = reader.u16();
+    const uint16_t code = reader.u16();
+    if (!reader.overran()) {
+        outbox.respond(identifier, code, dispatcher.answer(static_cast<CommandCode>(code), reader));
     }
-    for (Frame& notification : notifications.take()) {
-        frames.push_back(std::move(notification));
-    }
-    return frames;
+    return outbox.take();
 }
 
 } // namespace virtual_adapter

@@ -1,39 +1,45 @@
 #pragma once
 
+#include "board/Board.hpp"
 #include "bytes/ByteReader.hpp"
-#include "model/Frame.hpp"
-#include "model/Status.hpp"
+#include "model/AdapterVariant.hpp"
+#include "model/gpio/gpio.hpp"
+#include "model/i2c/i2c.hpp"
+#include "model/i3c/i3c_bus.hpp"
+#include "model/i3c/i3c_ccc.hpp"
+#include "model/i3c/i3c_transfer.hpp"
+#include "model/spi/spi.hpp"
+#include "model/system/system.hpp"
+#include "model/system/voltage.hpp"
+#include "model/uart/uart.hpp"
 
 #include "protocol/CommandCode.hpp"
 
-#include <functional>
-#include <map>
-#include <utility>
-
 namespace virtual_adapter {
 
-/// What a command answers: the status, and the payload from response byte 6 on.
-struct Answer {
-    // NOLINTNEXTLINE(google-explicit-constructor): `return Status::X;`
-    Answer(Status answered) : status(answered) {}
-    Answer(Status answered, Bytes data) : status(answered), payload(std::move(data)) {}
-
-    Status status;
-    Bytes payload;
-};
-
-/// The commands that the adapter knows. Each family registers its own.
+/// The families of commands, and which command is whose.
 class Dispatcher {
 public:
-    using Handler = std::function<Answer(ByteReader&)>;
+    /// Board and outbox must outlive the dispatcher.
+    Dispatcher(const AdapterVariant& variant, const std::string& serialNumber, Board& board,
+               Outbox& outbox);
 
-    void on(CommandCode command, Handler handler) { handlers[command] = std::move(handler); }
+    /// Carries the command out whose payload @p request reads.
+    Answer answer(CommandCode code, ByteReader& request);
 
-    /// The response frame to a request frame. A request without a whole header has none.
-    [[nodiscard]] Frame respond(const Frame& request) const;
+    [[nodiscard]] bool inBootMode() const { return system.inBootMode(); }
 
 private:
-    std::map<CommandCode, Handler> handlers;
+    System system;
+    IoVoltage voltage;
+    I2c i2c;
+    Spi spi;
+    Uart uart;
+    Gpio gpio;
+    I3cController i3cController;
+    I3cBusSetup i3cBusSetup{i3cController};
+    I3cTransfer i3cTransfer{i3cController};
+    I3cCcc i3cCcc{i3cController};
 };
 
 } // namespace virtual_adapter

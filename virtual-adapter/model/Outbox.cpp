@@ -4,15 +4,27 @@
 
 namespace virtual_adapter {
 
-void Outbox::push(CommandCode code, const Bytes& payload) {
-    Frame frame{0, 0};
-    appendU16(frame, static_cast<uint16_t>(code));
-    frame.insert(frame.end(), {0, 0});
-    frame.insert(frame.end(), payload.begin(), payload.end());
-    frames.push_back(std::move(frame));
+namespace {
+
+CountedFrame framed(uint16_t identifier, uint16_t code, Status status, const ByteWriter& payload) {
+    ByteWriter frame;
+    frame.u16(identifier).u16(code).u16(static_cast<uint16_t>(status)).append(payload);
+    std::vector<ByteWriter::Field> counts = frame.counts();
+    return {frame.take(), std::move(counts)};
 }
 
-std::vector<Frame> Outbox::take() {
+} // namespace
+
+void Outbox::respond(uint16_t identifier, uint16_t code, const Answer& answer) {
+    frames.insert(frames.begin(), framed(identifier, code, answer.status, answer.payload));
+}
+
+void Outbox::notify(CommandCode code, const ByteWriter& payload) {
+    constexpr uint16_t noIdentifier = 0;
+    frames.push_back(framed(noIdentifier, static_cast<uint16_t>(code), Status::Success, payload));
+}
+
+std::vector<CountedFrame> Outbox::take() {
     return std::exchange(frames, {});
 }
 

@@ -50,7 +50,6 @@ void I2cEeprom::stop() {
     for (const auto& [address, byte] : pendingBytes) {
         memory[address] = byte;
     }
-    pendingBytes.clear();
     attemptsUntilReady = attemptsPerWriteCycle;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/Frame.hpp"
+#include "bytes/Bytes.hpp"
 #include "model/i2c/I2cTarget.hpp"
 
 #include <cstddef>

@@ -13,7 +13,7 @@ Bytes temperatureRegister(int halfDegrees) {
 } // namespace
 
 I2cTemperatureSensor::I2cTemperatureSensor(int halfDegrees)
-    : registers{{
+    : initialRegisters{{
           {temperatureRegister(halfDegrees), {0x00, 0x00}},
           {{0x00}, {0x1F}},                            // configuration
           {temperatureRegister(2 * 75), {0xFF, 0x80}}, // hysteresis
@@ -48,6 +48,11 @@ bool I2cTemperatureSensor::write(uint8_t byte) {
 uint8_t I2cTemperatureSensor::read() {
     const Bytes& value = registers.at(pointer).value;
     return value[offset++ % value.size()];
+}
+
+void I2cTemperatureSensor::cyclePower() {
+    registers = initialRegisters;
+    pointer = 0;
 }
 
 } // namespace virtual_adapter

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/Frame.hpp"
+#include "bytes/Bytes.hpp"
 #include "model/i2c/I2cTarget.hpp"
 
 #include <array>
@@ -19,6 +19,7 @@ public:
     bool write(uint8_t byte) override;
     uint8_t read() override;
     void stop() override {}
+    void cyclePower() override;
 
 private:
     struct Register {
@@ -28,7 +29,10 @@ private:
         Bytes writableBits;
     };
 
-    std::array<Register, 4> registers;
+    using Registers = std::array<Register, 4>;
+
+    const Registers initialRegisters;
+    Registers registers = initialRegisters;
     size_t pointer = 0;
     bool pointerExpected = false;
     /// The byte of the register that the transfer has reached.

@@ -15,13 +15,11 @@ I3cAccelerometer::I3cAccelerometer()
     // The module lies still and level: 1 g on the last of three axes.
     : I3cTarget(accelerometer, {0, 0, 0, 0, 0x10, 0x00, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}) {}
 
-void I3cAccelerometer::setSupply(bool supplied) {
-    if (supplied == powered) {
-        return;
+void I3cAccelerometer::setSupply(bool isSupplied) {
+    if (isSupplied != isPowered()) {
+        joining = isSupplied;
     }
-    powered = supplied;
-    joining = supplied;
-    resetWholeTarget();
+    I3cTarget::setSupply(isSupplied);
 }
 
 void I3cAccelerometer::setDynamicAddress(uint8_t assigned) {

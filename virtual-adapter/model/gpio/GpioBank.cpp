@@ -28,11 +28,6 @@ Effect effectOf(std::optional<GpioFunctionality> functionality, GpioLogicLevel d
     return Effect::None;
 }
 
-/// The other pin on the pin's line; the pin itself if it has the line to itself.
-size_t partnerOf(size_t pin) {
-    return pin < 4 ? pin ^ 1U : pin;
-}
-
 } // namespace
 
 bool GpioBank::isConfigured(GpioPinNumber pin) const {
@@ -54,10 +49,13 @@ void GpioBank::drive(GpioPinNumber pin, GpioLogicLevel level) {
 }
 
 GpioLogicLevel GpioBank::level(GpioPinNumber pin) const {
-    const Pin& one = pins.at(pin);
-    const Pin& other = pins.at(partnerOf(pin));
-    const Effect effect = std::min(effectOf(one.functionality, one.driven),
-                                   effectOf(other.functionality, other.driven));
+    Effect effect = Effect::None;
+    for (size_t other = 0; other < pinCount; ++other) {
+        if (lines.areJoined(pin, other)) {
+            const auto& [functionality, driven] = pins.at(other);
+            effect = std::min(effect, effectOf(functionality, driven));
+        }
+    }
     return effect == Effect::DrivesHigh || effect == Effect::PullsUp ? GpioLogicLevel_High
                                                                      : GpioLogicLevel_Low;
 }

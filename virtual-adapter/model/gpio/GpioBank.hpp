@@ -1,6 +1,6 @@
 #pragma once
 
-#include <veltrasdk/gpio.h>
+#include "model/gpio/GpioLines.hpp"
 
 #include <array>
 #include <cstddef>
@@ -8,12 +8,13 @@
 
 namespace virtual_adapter {
 
-/// The eight pins and the lines they lie on: pins 0 and 1 share a line, pins 2 and 3 share
-/// another, and each of the others has its own.
+/// The eight pins and what they do to the lines that they lie on.
 class GpioBank {
 public:
-    static constexpr size_t pinCount = 8;
+    static constexpr size_t pinCount = GpioLines::pinCount;
     using Levels = std::array<GpioLogicLevel, pinCount>;
+
+    explicit GpioBank(const GpioLines& wiring) : lines(wiring) {}
 
     [[nodiscard]] bool isConfigured(GpioPinNumber pin) const;
     [[nodiscard]] bool isOutput(GpioPinNumber pin) const;
@@ -33,6 +34,7 @@ private:
         GpioLogicLevel driven = GpioLogicLevel_Low;
     };
 
+    const GpioLines& lines;
     std::array<Pin, pinCount> pins;
 };
 

@@ -39,19 +39,6 @@ bool firesOnArming(GpioTriggerType trigger, GpioLogicLevel present) {
 
 } // namespace
 
-void Gpio::registerCommands(Dispatcher& dispatcher) {
-    dispatcher.on(CommandCode::GpioConfigurePin,
-                  voltage.required([this](auto& request) { return configurePin(request); }));
-    dispatcher.on(CommandCode::GpioDigitalWrite,
-                  voltage.required([this](auto& request) { return digitalWrite(request); }));
-    dispatcher.on(CommandCode::GpioDigitalRead,
-                  voltage.required([this](auto& request) { return digitalRead(request); }));
-    dispatcher.on(CommandCode::GpioConfigureInterrupt,
-                  voltage.required([this](auto& request) { return configureInterrupt(request); }));
-    dispatcher.on(CommandCode::GpioDisableInterrupt,
-                  voltage.required([this](auto& request) { return disableInterrupt(request); }));
-}
-
 Answer Gpio::configurePin(ByteReader& request) {
     const GpioPinNumber pin = readPin(request);
     const auto functionality = static_cast<GpioFunctionality>(request.u8());
@@ -59,9 +46,9 @@ Answer Gpio::configurePin(ByteReader& request) {
     const auto level = functionality == GpioFunctionality_Output
                            ? static_cast<GpioLogicLevel>(request.u8())
                            : GpioLogicLevel_High;
-    const Status status = check(request, isPin(pin) && isLevel(level) &&
-                                             within(functionality, GpioFunctionality_Input,
-                                                    GpioFunctionality_OpenDrainOutput));
+    const Status status = voltage.check(request, isPin(pin) && isLevel(level) &&
+                                                     within(functionality, GpioFunctionality_Input,
+                                                            GpioFunctionality_OpenDrainOutput));
     if (status == Status::Success) {
         const GpioBank::Levels before = bank.levels();
         bank.configure(pin, functionality, level);
@@ -73,7 +60,7 @@ Answer Gpio::configurePin(ByteReader& request) {
 Answer Gpio::digitalWrite(ByteReader& request) {
     const GpioPinNumber pin = readPin(request);
     const auto level = static_cast<GpioLogicLevel>(request.u8());
-    const Status status = check(request, isPin(pin) && isLevel(level));
+    const Status status = voltage.check(request, isPin(pin) && isLevel(level));
     if (status != Status::Success) {
         return status;
     }
@@ -91,21 +78,22 @@ Answer Gpio::digitalWrite(ByteReader& request) {
 
 Answer Gpio::digitalRead(ByteReader& request) {
     const GpioPinNumber pin = readPin(request);
-    const Status status = check(request, isPin(pin));
+    const Status status = voltage.check(request, isPin(pin));
     if (status != Status::Success) {
         return status;
     }
     if (!bank.isConfigured(pin)) {
         return Status::NotInitialised;
     }
-    return {Status::Success, {bank.level(pin)}};
+    return {Status::Success, ByteWriter().u8(bank.level(pin))};
 }
 
 Answer Gpio::configureInterrupt(ByteReader& request) {
     const GpioPinNumber pin = readPin(request);
     const auto trigger = static_cast<GpioTriggerType>(request.u8());
-    const Status status = check(request, isPin(pin) && within(trigger, GpioTriggerType_RisingEdge,
-                                                              GpioTriggerType_HighLevel));
+    const Status status =
+        voltage.check(request, isPin(pin) && within(trigger, GpioTriggerType_RisingEdge,
+                                                    GpioTriggerType_HighLevel));
     if (status != Status::Success) {
         return status;
     }
@@ -121,7 +109,7 @@ Answer Gpio::configureInterrupt(ByteReader& request) {
 
 Answer Gpio::disableInterrupt(ByteReader& request) {
     const GpioPinNumber pin = readPin(request);
-    const Status status = check(request, isPin(pin));
+    const Status status = voltage.check(request, isPin(pin));
     if (status != Status::Success) {
         return status;
     }
@@ -143,7 +131,7 @@ void Gpio::sendInterrupts(const GpioBank::Levels& before) {
 }
 
 void Gpio::sendInterrupt(size_t pin) {
-    notifications.push(CommandCode::GpioNotification, {static_cast<uint8_t>(pin)});
+    outbox.notify(CommandCode::GpioNotification, ByteWriter().u8(static_cast<uint8_t>(pin)));
 }
 
 } // namespace virtual_adapter

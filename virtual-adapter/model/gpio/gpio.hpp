@@ -1,5 +1,6 @@
 #pragma once
 
+#include "bytes/ByteReader.hpp"
 #include "model/Outbox.hpp"
 #include "model/gpio/GpioBank.hpp"
 #include "model/system/voltage.hpp"
@@ -12,23 +13,23 @@ namespace virtual_adapter {
 /// The commands of the GPIO pins, and their interrupts.
 class Gpio {
 public:
-    Gpio(const IoVoltage& ioVoltage, Outbox& toHost) : voltage(ioVoltage), notifications(toHost) {}
+    /// The lines must outlive the pins.
+    Gpio(const IoVoltage& ioVoltage, const GpioLines& lines, Outbox& toHost)
+        : voltage(ioVoltage), outbox(toHost), bank(lines) {}
 
-    void registerCommands(Dispatcher& dispatcher);
-
-private:
     Answer configurePin(ByteReader& request);
     Answer digitalWrite(ByteReader& request);
     Answer digitalRead(ByteReader& request);
     Answer configureInterrupt(ByteReader& request);
     Answer disableInterrupt(ByteReader& request);
 
+private:
     /// Sends the interrupts of the armed pins whose levels have changed since @p before.
     void sendInterrupts(const GpioBank::Levels& before);
     void sendInterrupt(size_t pin);
 
     const IoVoltage& voltage;
-    Outbox& notifications;
+    Outbox& outbox;
     GpioBank bank;
     /// Empty for a pin that is not armed.
     std::array<std::optional<GpioTriggerType>, GpioBank::pinCount> triggers;

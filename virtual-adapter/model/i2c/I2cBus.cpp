@@ -22,4 +22,11 @@ void I2cBus::stop() {
     }
 }
 
+void I2cBus::cyclePower() {
+    stop();
+    for (const auto& [address, target] : targets) {
+        target->cyclePower();
+    }
+}
+
 } // namespace virtual_adapter

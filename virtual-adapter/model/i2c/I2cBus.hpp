@@ -25,6 +25,9 @@ public:
     uint8_t read() { return addressed->read(); }
     void stop();
 
+    /// Takes the power of every target away and gives it back.
+    void cyclePower();
+
     /// In ascending order.
     [[nodiscard]] const std::set<uint16_t>& tenBitAddresses() const { return tenBitTargets; }
 

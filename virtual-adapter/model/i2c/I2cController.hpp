@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/Frame.hpp"
+#include "bytes/Bytes.hpp"
 #include "model/Status.hpp"
 #include "model/i2c/I2cBus.hpp"
 
@@ -9,7 +9,7 @@
 
 namespace virtual_adapter {
 
-/// One I2C controller with the bus and the pull-up resistors that it works on.
+/// One I2C controller with the pull-up resistors of the bus that it works on.
 class I2cController {
 public:
     /// What a transfer leaves behind: a free bus, or a held one on which the next transfer begins
@@ -18,6 +18,9 @@ public:
 
     /// How often the controller sends an address before it takes it for not acknowledged.
     enum class Polling : unsigned { Once = 1, UntilReady = 16 };
+
+    /// @p itsBus must outlive the controller.
+    explicit I2cController(I2cBus& itsBus) : bus(itsBus) {}
 
     [[nodiscard]] I2cBus& getBus() { return bus; }
 
@@ -45,7 +48,7 @@ private:
     /// Frees the bus if the transfer has come to that. Returns @p status.
     Status finish(Status status, End end);
 
-    I2cBus bus;
+    I2cBus& bus;
     bool pulledUp = false;
     bool initialised = false;
     Polling polling = Polling::Once;

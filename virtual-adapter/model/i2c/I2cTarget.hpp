@@ -23,7 +23,11 @@ public:
 
     virtual uint8_t read() = 0;
 
+    /// Comes only to a target that has acknowledged its address since the last STOP.
     virtual void stop() = 0;
+
+    /// Power went and has come back: what does not last is as it was at first.
+    virtual void cyclePower() {}
 };
 
 } // namespace virtual_adapter

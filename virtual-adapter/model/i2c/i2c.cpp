@@ -1,14 +1,12 @@
 #include "model/i2c/i2c.hpp"
 
-#include "board/parts/I2cEeprom.hpp"
-#include "board/parts/I2cTemperatureSensor.hpp"
 #include "model/checks.hpp"
 
 namespace virtual_adapter {
 
 namespace {
 
-constexpr size_t busCount = 2;
+constexpr size_t busCount = I2c::busCount;
 constexpr uint32_t lowestClock = 10'000;
 constexpr uint32_t highestClock = 1'000'000;
 constexpr uint8_t highestAddress = 0x7F;
@@ -19,16 +17,15 @@ constexpr unsigned strongestPullUp = 3;
 /// The payload of 0x0901 and 0x0902.
 struct Settings {
     explicit Settings(ByteReader& request)
-        : busIndex(request.u8()),
-          clock(request.u32()),
-          option(request.u8()),
-          status(check(request, busIndex < busCount && within(clock, lowestClock, highestClock) &&
-                                    option <= 1)) {}
+        : busIndex(request.u8()), clock(request.u32()), option(request.u8()) {}
 
     size_t busIndex;
     uint32_t clock;
     uint8_t option;
-    Status status;
+
+    [[nodiscard]] bool valuesKnown() const {
+        return busIndex < busCount && within(clock, lowestClock, highestClock) && option <= 1;
+    }
 
     [[nodiscard]] I2cController::Polling polling() const {
         return option == 1 ? I2cController::Polling::UntilReady : I2cController::Polling::Once;
@@ -72,45 +69,28 @@ struct Transfer {
     }
 };
 
+/// The payload of a response to 0x0906.
+ByteWriter scanned(const Bytes& addresses, const std::set<uint16_t>& tenBitAddresses) {
+    ByteWriter payload;
+    payload.u8(0)
+        .countU8(static_cast<uint8_t>(addresses.size()))
+        .countU8(static_cast<uint8_t>(tenBitAddresses.size()))
+        .bytes(addresses);
+    for (const uint16_t address : tenBitAddresses) {
+        payload.u16(address);
+    }
+    return payload;
+}
+
 } // namespace
 
-I2c::I2c(const IoVoltage& ioVoltage) : voltage(ioVoltage) {
-    I2cBus& first = controllers[0].getBus();
-    first.attach(0x48, std::make_unique<I2cTemperatureSensor>(2 * 25));
-    first.attach(0x50, std::make_unique<I2cEeprom>(I2cEeprom::geometry24C02,
-                                                   "Hello from the virtual adapter!"));
-    first.attach(0x51, std::make_unique<I2cEeprom>(I2cEeprom::geometry24C256, ""));
-
-    I2cBus& second = controllers[1].getBus();
-    second.attach(0x48, std::make_unique<I2cTemperatureSensor>(-21));
-    second.attach(0x50, std::make_unique<I2cEeprom>(I2cEeprom::geometry24C02, "Hello from bus 1!"));
-    second.attach(0x51, std::make_unique<I2cEeprom>(I2cEeprom::geometry24C256, "32 KiB on bus 1"));
-    second.attachTenBit(0x1A2);
-}
-
-void I2c::registerCommands(Dispatcher& dispatcher) {
-    dispatcher.on(CommandCode::I2cSetPullUpResistors,
-                  voltage.required([this](auto& request) { return setPullUpResistors(request); }));
-    dispatcher.on(CommandCode::I2cControllerInit,
-                  voltage.required([this](auto& request) { return controllerInit(request); }));
-    dispatcher.on(CommandCode::I2cSetParameters,
-                  voltage.required([this](auto& request) { return setParameters(request); }));
-    dispatcher.on(CommandCode::I2cWrite,
-                  voltage.required([this](auto& request) { return write(request); }));
-    dispatcher.on(CommandCode::I2cRead,
-                  voltage.required([this](auto& request) { return read(request); }));
-    const auto scan = voltage.required([this](auto& request) { return scanBus(request); });
-    dispatcher.on(CommandCode::I2cScanBus, [scan](auto& request) {
-        const Answer answer = scan(request);
-        // Without the two counts the host would take a refusal for a truncated list.
-        return answer.status == Status::Success ? answer : Answer(answer.status, Bytes(3));
-    });
-}
+I2c::I2c(const IoVoltage& ioVoltage, std::array<I2cBus, busCount>& buses)
+    : voltage(ioVoltage), controllers{I2cController(buses[0]), I2cController(buses[1])} {}
 
 Answer I2c::setPullUpResistors(ByteReader& request) {
     const size_t busIndex = request.u8();
     const unsigned setting = request.u8();
-    const Status status = check(request, busIndex < busCount && setting <= strongestPullUp);
+    const Status status = voltage.check(request, busIndex < busCount && setting <= strongestPullUp);
     if (status == Status::Success) {
         controllers.at(busIndex).connectPullUp(setting != 0);
     }
@@ -119,24 +99,25 @@ Answer I2c::setPullUpResistors(ByteReader& request) {
 
 Answer I2c::controllerInit(ByteReader& request) {
     const Settings settings(request);
-    if (settings.status == Status::Success) {
+    const Status status = voltage.check(request, settings.valuesKnown());
+    if (status == Status::Success) {
         controllers.at(settings.busIndex).init(settings.polling());
     }
-    return settings.status;
+    return status;
 }
 
 Answer I2c::setParameters(ByteReader& request) {
     const Settings settings(request);
-    if (settings.status != Status::Success) {
-        return settings.status;
-    }
-    return controllers.at(settings.busIndex).setParameters(settings.polling());
+    const Status status = voltage.check(request, settings.valuesKnown());
+    return status == Status::Success
+               ? controllers.at(settings.busIndex).setParameters(settings.polling())
+               : status;
 }
 
 Answer I2c::write(ByteReader& request) {
     const Transfer transfer(request);
     const Bytes data = request.bytes(transfer.length);
-    const Status status = check(request, transfer.valuesKnown());
+    const Status status = voltage.check(request, transfer.valuesKnown());
     if (status != Status::Success) {
         return status;
     }
@@ -147,22 +128,33 @@ Answer I2c::write(ByteReader& request) {
 
 Answer I2c::read(ByteReader& request) {
     const Transfer transfer(request);
-    Status status = check(request, transfer.valuesKnown());
+    Status status = voltage.check(request, transfer.valuesKnown());
     if (status != Status::Success) {
         return status;
     }
-    Bytes payload{transfer.busIndex};
-    appendU16(payload, transfer.length);
+    Bytes received;
     status = controllers.at(transfer.busIndex)
                  .read(transfer.target, transfer.registerAddressBytes(), transfer.length,
-                       transfer.end(), payload);
-    return status == Status::Success ? Answer(status, payload) : Answer(status);
+                       transfer.end(), received);
+    if (status != Status::Success) {
+        return status;
+    }
+    return {status, ByteWriter().u8(transfer.busIndex).countU16(transfer.length).bytes(received)};
 }
 
 Answer I2c::scanBus(ByteReader& request) {
+    Answer answer = scan(request);
+    if (answer.status != Status::Success) {
+        // Without the two counts the host would take a refusal for a truncated list.
+        answer.payload = scanned({}, {});
+    }
+    return answer;
+}
+
+Answer I2c::scan(ByteReader& request) {
     const size_t busIndex = request.u8();
     const unsigned tenBitToo = request.u8();
-    Status status = check(request, busIndex < busCount && tenBitToo <= 1);
+    Status status = voltage.check(request, busIndex < busCount && tenBitToo <= 1);
     if (status != Status::Success) {
         return status;
     }
@@ -172,15 +164,9 @@ Answer I2c::scanBus(ByteReader& request) {
     if (status != Status::Success) {
         return status;
     }
-    Bytes payload{0, static_cast<uint8_t>(addresses.size()), 0};
-    payload.insert(payload.end(), addresses.begin(), addresses.end());
-    if (tenBitToo == 1) {
-        for (const uint16_t address : controller.getBus().tenBitAddresses()) {
-            appendU16(payload, address);
-            ++payload[2];
-        }
-    }
-    return {Status::Success, payload};
+    const std::set<uint16_t> none;
+    return {Status::Success,
+            scanned(addresses, tenBitToo == 1 ? controller.getBus().tenBitAddresses() : none)};
 }
 
 } // namespace virtual_adapter

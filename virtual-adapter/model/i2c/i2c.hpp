@@ -1,20 +1,22 @@
 #pragma once
 
+#include "bytes/ByteReader.hpp"
+#include "model/Answer.hpp"
 #include "model/i2c/I2cController.hpp"
 #include "model/system/voltage.hpp"
 
 #include <array>
+#include <cstddef>
 
 namespace virtual_adapter {
 
 /// The commands of the two I2C controllers.
 class I2c {
 public:
-    explicit I2c(const IoVoltage& ioVoltage);
+    static constexpr size_t busCount = 2;
 
-    void registerCommands(Dispatcher& dispatcher);
+    I2c(const IoVoltage& ioVoltage, std::array<I2cBus, busCount>& buses);
 
-private:
     Answer setPullUpResistors(ByteReader& request);
     Answer controllerInit(ByteReader& request);
     Answer setParameters(ByteReader& request);
@@ -22,8 +24,11 @@ private:
     Answer read(ByteReader& request);
     Answer scanBus(ByteReader& request);
 
+private:
+    Answer scan(ByteReader& request);
+
     const IoVoltage& voltage;
-    std::array<I2cController, 2> controllers;
+    std::array<I2cController, busCount> controllers;
 };
 
 } // namespace virtual_adapter

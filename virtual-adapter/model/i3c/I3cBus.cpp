@@ -1,17 +1,11 @@
 #include "model/i3c/I3cBus.hpp"
 
-#include "board/parts/I2cEeprom.hpp"
-#include "board/parts/I2cTemperatureSensor.hpp"
-
 #include <algorithm>
-#include <memory>
+#include <utility>
 
 namespace virtual_adapter {
 
 namespace {
-
-constexpr uint8_t legacySensorAddress = 0x4F;
-constexpr uint8_t legacyEepromAddress = 0x50;
 
 /// The target that @p wanted tells apart, or null.
 template <typename Predicate>
@@ -22,55 +16,54 @@ I3cTarget* findTarget(const std::vector<I3cTarget*>& targets, Predicate wanted) 
 
 } // namespace
 
-I3cBus::I3cBus() : companion([this](bool supplied) { module.setSupply(supplied); }) {
-    legacyController.connectPullUp(true);
-    legacyController.init(I2cController::Polling::Once);
-    legacyController.getBus().attach(
-        legacyEepromAddress,
-        std::make_unique<I2cEeprom>(I2cEeprom::geometry24C02, "Hello from the I3C bus!"));
-    attachLegacySensor();
+void I3cBus::attach(std::unique_ptr<I3cTarget> target) {
+    targets.push_back(std::move(target));
 }
 
-std::vector<I3cTarget*> I3cBus::powered() {
-    std::vector<I3cTarget*> targets{&sensor, &companion, &memory};
-    if (module.isPowered()) {
-        targets.push_back(&module);
+void I3cBus::attachLegacy(uint8_t address, I2cTransferRate fastestRate,
+                          std::unique_ptr<I2cTarget> device) {
+    legacyBus.attach(address, std::move(device));
+    fastestRates[address] = fastestRate;
+}
+
+std::vector<I3cTarget*> I3cBus::powered() const {
+    std::vector<I3cTarget*> present;
+    for (const auto& target : targets) {
+        if (target->isPowered()) {
+            present.push_back(target.get());
+        }
     }
-    return targets;
+    return present;
 }
 
-I3cTarget* I3cBus::withDynamicAddress(uint8_t address) {
+I3cTarget* I3cBus::withDynamicAddress(uint8_t address) const {
     return findTarget(powered(), [=](const I3cTarget* target) {
         return address != 0 && target->dynamicAddress() == address;
     });
 }
 
-I3cTarget* I3cBus::unassigned(uint8_t staticAddress) {
+I3cTarget* I3cBus::unassigned(uint8_t staticAddress) const {
     return findTarget(powered(), [=](const I3cTarget* target) {
         return staticAddress != 0 && target->dynamicAddress() == 0 &&
                target->characteristics().staticAddress == staticAddress;
     });
 }
 
-bool I3cBus::isLegacy(uint8_t address) {
-    return address == legacySensorAddress || address == legacyEepromAddress;
+bool I3cBus::isLegacy(uint8_t address) const {
+    return fastestRates.count(address) != 0;
 }
 
-bool I3cBus::follows(uint8_t address, I2cTransferRate rate) {
-    return address != legacySensorAddress || rate != I2cTransferRate_1_MHz;
+bool I3cBus::isLegacyAt(uint8_t address, I2cTransferRate rate) const {
+    const auto fastest = fastestRates.find(address);
+    // The enumerators count from the fastest rate down.
+    return fastest != fastestRates.end() && rate >= fastest->second;
 }
 
 void I3cBus::cyclePower() {
-    legacyController.getBus().stop();
-    attachLegacySensor();
+    legacyBus.cyclePower();
     for (I3cTarget* target : powered()) {
         target->resetWholeTarget();
     }
-}
-
-void I3cBus::attachLegacySensor() {
-    legacyController.getBus().attach(legacySensorAddress,
-                                     std::make_unique<I2cTemperatureSensor>(2 * 20));
 }
 
 } // namespace virtual_adapter

@@ -1,44 +1,45 @@
 #pragma once
 
-#include "board/parts/I3cAccelerometer.hpp"
-#include "board/parts/I3cCompanion.hpp"
-#include "board/parts/I3cMemory.hpp"
-#include "board/parts/I3cTemperatureSensor.hpp"
-#include "model/i2c/I2cController.hpp"
+#include "model/i2c/I2cBus.hpp"
+#include "model/i3c/I3cTarget.hpp"
 
+#include <veltrasdk/i3c.h>
+
+#include <map>
+#include <memory>
 #include <vector>
 
 namespace virtual_adapter {
 
-/// Everything on the wires of the I3C bus: four I3C targets and two legacy I2C devices.
+/// Everything on the wires of the I3C bus: I3C targets, and I2C devices as legacy devices.
 class I3cBus {
 public:
-    I3cBus();
+    void attach(std::unique_ptr<I3cTarget> target);
+    /// @p fastestRate is the fastest at which the device answers to legacy transfers.
+    void attachLegacy(uint8_t address, I2cTransferRate fastestRate,
+                      std::unique_ptr<I2cTarget> device);
 
     /// The I3C targets that have power.
-    [[nodiscard]] std::vector<I3cTarget*> powered();
+    [[nodiscard]] std::vector<I3cTarget*> powered() const;
     /// The target that has @p address as its dynamic address, or null.
-    I3cTarget* withDynamicAddress(uint8_t address);
+    [[nodiscard]] I3cTarget* withDynamicAddress(uint8_t address) const;
     /// The target without a dynamic address that has @p address as its static one, or null.
-    I3cTarget* unassigned(uint8_t staticAddress);
+    [[nodiscard]] I3cTarget* unassigned(uint8_t staticAddress) const;
 
-    /// Carries the legacy I2C transfers.
-    I2cController& legacy() { return legacyController; }
-    [[nodiscard]] static bool isLegacy(uint8_t address);
-    /// Whether the legacy device at @p address follows the rate.
-    [[nodiscard]] static bool follows(uint8_t address, I2cTransferRate rate);
+    /// The wires as the legacy devices see them.
+    I2cBus& legacy() { return legacyBus; }
+    [[nodiscard]] bool isLegacy(uint8_t address) const;
+    /// Whether a legacy device stands at @p address that follows the rate.
+    [[nodiscard]] bool isLegacyAt(uint8_t address, I2cTransferRate rate) const;
 
     /// Takes the power away and gives it back.
     void cyclePower();
 
 private:
-    void attachLegacySensor();
-
-    I3cTemperatureSensor sensor;
-    I3cAccelerometer module;
-    I3cCompanion companion;
-    I3cMemory memory;
-    I2cController legacyController;
+    std::vector<std::unique_ptr<I3cTarget>> targets;
+    I2cBus legacyBus;
+    /// By the address of the legacy device.
+    std::map<uint8_t, I2cTransferRate> fastestRates;
 };
 
 } // namespace virtual_adapter

@@ -3,13 +3,18 @@
 #include "model/i3c/i3c_records.hpp"
 
 #include <algorithm>
-#include <utility>
 
 namespace virtual_adapter {
 
+I3cController::I3cController(I3cBus& itsBus, Outbox& toHost)
+    : bus(itsBus), outbox(toHost), legacyController(bus.legacy()), table(bus) {
+    legacyController.connectPullUp(true);
+    legacyController.init(I2cController::Polling::Once);
+}
+
 void I3cController::setSupply(bool supplied) {
     if (!supplied) {
-        targets.cyclePower();
+        bus.cyclePower();
         table.clear();
         controllerInitialised = false;
         busInitialised = false;
@@ -48,8 +53,8 @@ Status I3cController::resetBus() {
     if (!controllerInitialised) {
         return Status::NotInitialised;
     }
-    targets.legacy().getBus().stop();
-    for (I3cTarget* target : targets.powered()) {
+    bus.legacy().stop();
+    for (I3cTarget* target : bus.powered()) {
         target->disableEvents(i3c_event::all);
     }
     table.clear();
@@ -59,28 +64,22 @@ Status I3cController::resetBus() {
     return Status::Success;
 }
 
-Dispatcher::Handler I3cController::whenSupplied(Dispatcher::Handler handler) const {
-    return [this, handler = std::move(handler)](ByteReader& request) {
-        return hasSupply ? handler(request) : Answer(Status::NoVoltage);
-    };
-}
-
 bool I3cController::isHeardBy(const I3cTarget& target) const {
     // The enumerators count from the fastest rate down.
     return settings.pushPullRate >= target.characteristics().fastestRate;
 }
 
 bool I3cController::isHeardByLegacy(uint8_t address) const {
-    return I3cBus::follows(address, static_cast<I2cTransferRate>(settings.i2cRate));
+    return bus.isLegacyAt(address, static_cast<I2cTransferRate>(settings.i2cRate));
 }
 
 void I3cController::start() {
-    targets.legacy().getBus().start(i3cBroadcastAddress, I2cDirection::Write);
+    bus.legacy().start(i3cBroadcastAddress, I2cDirection::Write);
 }
 
 void I3cController::stop() {
     held = false;
-    targets.legacy().getBus().stop();
+    bus.legacy().stop();
     serveRequests();
 }
 
@@ -95,7 +94,7 @@ void I3cController::serveHotJoin() {
     if (!hotJoinAdmitted) {
         return;
     }
-    for (I3cTarget* target : targets.powered()) {
+    for (I3cTarget* target : bus.powered()) {
         if (!target->requestsHotJoin()) {
             continue;
         }
@@ -104,14 +103,17 @@ void I3cController::serveHotJoin() {
             continue;
         }
         const I3cCharacteristics& kind = target->characteristics();
-        Bytes payload(kind.pid.begin(), kind.pid.end());
-        payload.insert(payload.end(), {kind.bcr, kind.dcr, target->dynamicAddress()});
-        notifications.push(CommandCode::I3cHotJoinNotification, payload);
+        outbox.notify(CommandCode::I3cHotJoinNotification,
+                      ByteWriter()
+                          .range(kind.pid.begin(), kind.pid.end())
+                          .u8(kind.bcr)
+                          .u8(kind.dcr)
+                          .u8(target->dynamicAddress()));
     }
 }
 
 void I3cController::serveInterrupts() {
-    std::vector<I3cTarget*> contenders = targets.powered();
+    std::vector<I3cTarget*> contenders = bus.powered();
     std::sort(contenders.begin(), contenders.end(),
               [](const I3cTarget* left, const I3cTarget* right) {
                   return left->dynamicAddress() < right->dynamicAddress();
@@ -120,10 +122,12 @@ void I3cController::serveInterrupts() {
         if (!target->requestsInterrupt() || !table.acceptsInterruptsOf(*target)) {
             continue;
         }
-        Bytes payload = target->raiseInterrupt();
-        const auto size = static_cast<uint8_t>(payload.size());
-        payload.insert(payload.begin(), {target->dynamicAddress(), size});
-        notifications.push(CommandCode::I3cIbiNotification, payload);
+        const Bytes payload = target->raiseInterrupt();
+        outbox.notify(CommandCode::I3cIbiNotification,
+                      ByteWriter()
+                          .u8(target->dynamicAddress())
+                          .countU8(static_cast<uint8_t>(payload.size()))
+                          .bytes(payload));
     }
 }
 

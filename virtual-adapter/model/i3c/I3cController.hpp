@@ -1,7 +1,8 @@
 #pragma once
 
-#include "model/Dispatcher.hpp"
+#include "bytes/ByteReader.hpp"
 #include "model/Outbox.hpp"
+#include "model/i2c/I2cController.hpp"
 #include "model/i3c/I3cDeviceTable.hpp"
 
 #include <veltrasdk/i3c.h>
@@ -18,7 +19,8 @@ public:
         uint8_t driveStrength;
     };
 
-    explicit I3cController(Outbox& toHost) : notifications(toHost) {}
+    /// Bus and outbox must outlive the controller.
+    I3cController(I3cBus& itsBus, Outbox& toHost);
 
     /// Switches the supply of the bus; without it nothing on the bus keeps its state.
     void setSupply(bool supplied);
@@ -29,15 +31,19 @@ public:
     /// Takes every dynamic address away; the bus waits for `initialiseBus`.
     Status resetBus();
 
-    /// @p handler, refused with `NoVoltage` without the supply. The controller must outlive it.
-    [[nodiscard]] Dispatcher::Handler whenSupplied(Dispatcher::Handler handler) const;
-    /// @p checked, the status of a request's fields, or `NotInitialised` when they are right and
-    /// the bus is not initialised.
+    /// @p checked, the status of a request's fields, which counts only with the supply.
+    [[nodiscard]] Status whenSupplied(Status checked) const {
+        return hasSupply ? checked : Status::NoVoltage;
+    }
+    /// The same for a request that needs the initialised bus, when its fields are right.
     [[nodiscard]] Status onInitialisedBus(Status checked) const {
-        return checked == Status::Success && !busInitialised ? Status::NotInitialised : checked;
+        const Status status = whenSupplied(checked);
+        return status == Status::Success && !busInitialised ? Status::NotInitialised : status;
     }
 
-    I3cBus& getTargets() { return targets; }
+    I3cBus& getBus() { return bus; }
+    /// Carries the legacy transfers.
+    I2cController& getLegacyController() { return legacyController; }
     I3cDeviceTable& getTable() { return table; }
 
     /// Whether the push-pull rate is one that the target follows.
@@ -63,9 +69,10 @@ private:
     void serveHotJoin();
     void serveInterrupts();
 
-    Outbox& notifications;
-    I3cBus targets;
-    I3cDeviceTable table{targets};
+    I3cBus& bus;
+    Outbox& outbox;
+    I2cController legacyController;
+    I3cDeviceTable table;
     Settings settings{};
     bool hasSupply = false;
     bool controllerInitialised = false;

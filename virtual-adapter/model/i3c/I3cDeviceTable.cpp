@@ -50,7 +50,7 @@ Status I3cDeviceTable::initialise(const std::vector<I3cTargetInfo>& hostRecords)
             entries.push_back({nullptr, wish.staticAddress, wish.configuration});
         } else if (wish.staticAddress == 0) {
             assigningAll = true;
-        } else if (I3cTarget* target = targets.unassigned(wish.staticAddress)) {
+        } else if (I3cTarget* target = bus.unassigned(wish.staticAddress)) {
             assign(*target);
         } else {
             status = Status::NotAcknowledged;
@@ -69,7 +69,7 @@ void I3cDeviceTable::clear() {
 }
 
 Status I3cDeviceTable::assignFromStatic(uint8_t staticAddress, uint8_t dynamicAddress) {
-    I3cTarget* target = targets.unassigned(staticAddress);
+    I3cTarget* target = bus.unassigned(staticAddress);
     if (target == nullptr) {
         return Status::NotAcknowledged;
     }
@@ -82,7 +82,7 @@ Status I3cDeviceTable::assignFromStatic(uint8_t staticAddress, uint8_t dynamicAd
 
 Status I3cDeviceTable::adoptStatic(const Bytes& staticAddresses) {
     if (staticAddresses.empty()) {
-        for (const I3cTarget* target : targets.powered()) {
+        for (const I3cTarget* target : bus.powered()) {
             const uint8_t address = target->characteristics().staticAddress;
             assignFromStatic(address, address);
         }
@@ -97,7 +97,7 @@ Status I3cDeviceTable::adoptStatic(const Bytes& staticAddresses) {
 }
 
 void I3cDeviceTable::assignAll() {
-    std::vector<I3cTarget*> contenders = targets.powered();
+    std::vector<I3cTarget*> contenders = bus.powered();
     const auto arbitrationOrder = [](const I3cTarget* left, const I3cTarget* right) {
         const auto key = [](const I3cCharacteristics& kind) {
             return std::tie(kind.pid, kind.bcr, kind.dcr);
@@ -121,7 +121,7 @@ Status I3cDeviceTable::change(I3cTarget& target, uint8_t dynamicAddress) {
 }
 
 void I3cDeviceTable::resetAddresses() {
-    for (I3cTarget* target : targets.powered()) {
+    for (I3cTarget* target : bus.powered()) {
         target->setDynamicAddress(0);
     }
 }
@@ -157,8 +157,8 @@ bool I3cDeviceTable::belongsToAnother(const I3cTargetInfo& record) {
     if (isLegacy(record) || address == 0) {
         return false;
     }
-    const std::vector<I3cTarget*> present = targets.powered();
-    return I3cBus::isLegacy(address) ||
+    const std::vector<I3cTarget*> present = bus.powered();
+    return bus.isLegacy(address) ||
            std::any_of(present.begin(), present.end(), [&](const I3cTarget* target) {
                return target->characteristics().staticAddress == address && !names(record, *target);
            });
@@ -168,7 +168,7 @@ Status I3cDeviceTable::assignable(uint8_t address, const I3cTarget& target) {
     if (isReservedI3cAddress(address)) {
         return Status::AddressReserved;
     }
-    const std::vector<I3cTarget*> present = targets.powered();
+    const std::vector<I3cTarget*> present = bus.powered();
     const bool answers = std::any_of(present.begin(), present.end(), [&](const I3cTarget* other) {
         return other != &target && (other->dynamicAddress() == address ||
                                     other->characteristics().staticAddress == address);
@@ -180,8 +180,7 @@ Status I3cDeviceTable::assignable(uint8_t address, const I3cTarget& target) {
             });
         return wantedAddress(wish) == address && !fulfilled;
     });
-    return answers || keptFree || I3cBus::isLegacy(address) ? Status::AddressInUse
-                                                            : Status::Success;
+    return answers || keptFree || bus.isLegacy(address) ? Status::AddressInUse : Status::Success;
 }
 
 void I3cDeviceTable::assign(I3cTarget& target) {

@@ -10,7 +10,7 @@ namespace virtual_adapter {
 /// What the controller knows of the devices on its bus, and the addresses it gives them.
 class I3cDeviceTable {
 public:
-    explicit I3cDeviceTable(I3cBus& onTheBus) : targets(onTheBus) {}
+    explicit I3cDeviceTable(I3cBus& itsBus) : bus(itsBus) {}
 
     /// Whether the bus can be what the records of the host say.
     Status check(const std::vector<I3cTargetInfo>& hostRecords);
@@ -59,7 +59,7 @@ private:
     [[nodiscard]] const I3cTargetInfo* wishFor(const I3cTarget& target) const;
     Entry* entryAt(uint8_t address);
 
-    I3cBus& targets;
+    I3cBus& bus;
     /// The records that the host gave when it initialised the bus.
     std::vector<I3cTargetInfo> wishes;
     std::vector<Entry> entries;

@@ -31,6 +31,13 @@ I3cTarget::I3cTarget(const I3cCharacteristics& ofThisKind, Bytes contents, size_
     resetPeripheral();
 }
 
+void I3cTarget::setSupply(bool isSupplied) {
+    if (isSupplied != supplied) {
+        supplied = isSupplied;
+        resetWholeTarget();
+    }
+}
+
 bool I3cTarget::hasIbiPayload() const {
     return (kind.bcr & bcrIbiPayload) != 0;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/Frame.hpp"
+#include "bytes/Bytes.hpp"
 
 #include <veltrasdk/i3c.h>
 
@@ -54,6 +54,10 @@ public:
     [[nodiscard]] const I3cCharacteristics& characteristics() const { return kind; }
     [[nodiscard]] bool hasIbiPayload() const;
     [[nodiscard]] bool supportsHdrDdr() const;
+
+    [[nodiscard]] bool isPowered() const { return supplied; }
+    /// The target starts with power. Whenever power comes or goes, nothing keeps its state.
+    virtual void setSupply(bool isSupplied);
 
     /// Whether the target asks to join the running bus.
     [[nodiscard]] virtual bool requestsHotJoin() const { return false; }
@@ -128,6 +132,7 @@ private:
     const Bytes initialRegisters;
     const size_t pointerSize;
 
+    bool supplied = true;
     Bytes registers;
     size_t pointer = 0;
     uint8_t address = 0;

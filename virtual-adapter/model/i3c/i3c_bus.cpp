@@ -25,30 +25,6 @@ struct SettingsRequest {
 
 } // namespace
 
-void I3cBusSetup::registerCommands(Dispatcher& dispatcher) {
-    dispatcher.on(CommandCode::I3cSetBusVoltage,
-                  [this](auto& request) { return setVoltage(request); });
-    const auto onSupplied = [&](CommandCode command, Answer (I3cBusSetup::*handler)(ByteReader&)) {
-        dispatcher.on(command, controller.whenSupplied([this, handler](ByteReader& request) {
-            return (this->*handler)(request);
-        }));
-    };
-    onSupplied(CommandCode::I3cControllerInit, &I3cBusSetup::controllerInit);
-    onSupplied(CommandCode::I3cSetParameters, &I3cBusSetup::setParameters);
-    onSupplied(CommandCode::I3cInitBus, &I3cBusSetup::initBus);
-    onSupplied(CommandCode::I3cResetBus, &I3cBusSetup::resetBus);
-
-    onSupplied(CommandCode::I3cSetTargetDeviceConfiguration, &I3cBusSetup::configureTarget);
-
-    const auto table =
-        controller.whenSupplied([this](auto& request) { return getDeviceTable(request); });
-    dispatcher.on(CommandCode::I3cGetDeviceTable, [table](auto& request) {
-        const Answer answer = table(request);
-        // A refusal counts no records for readers that ignore the status.
-        return answer.status == Status::Success ? answer : Answer(answer.status, Bytes{0});
-    });
-}
-
 Answer I3cBusSetup::setVoltage(ByteReader& request) {
     const unsigned millivolts = request.u16();
     const bool off = millivolts == 0;
@@ -62,16 +38,17 @@ Answer I3cBusSetup::setVoltage(ByteReader& request) {
 
 Answer I3cBusSetup::controllerInit(ByteReader& request) {
     const SettingsRequest wanted(request);
-    if (wanted.status == Status::Success) {
+    const Status status = controller.whenSupplied(wanted.status);
+    if (status == Status::Success) {
         controller.init(wanted.settings);
     }
-    return wanted.status;
+    return status;
 }
 
 Answer I3cBusSetup::setParameters(ByteReader& request) {
     const SettingsRequest wanted(request);
-    return wanted.status == Status::Success ? controller.setParameters(wanted.settings)
-                                            : wanted.status;
+    const Status status = controller.whenSupplied(wanted.status);
+    return status == Status::Success ? controller.setParameters(wanted.settings) : status;
 }
 
 Answer I3cBusSetup::initBus(ByteReader& request) {
@@ -79,24 +56,34 @@ Answer I3cBusSetup::initBus(ByteReader& request) {
     for (I3cTargetInfo& record : records) {
         record = readI3cRecord(request);
     }
-    const Status status = check(request, true);
+    const Status status = controller.whenSupplied(check(request, true));
     return status == Status::Success ? controller.initialiseBus(records) : status;
 }
 
 Answer I3cBusSetup::resetBus(ByteReader& request) {
-    const Status status = check(request, true);
+    const Status status = controller.whenSupplied(check(request, true));
     return status == Status::Success ? controller.resetBus() : status;
 }
 
 Answer I3cBusSetup::getDeviceTable(ByteReader& request) {
+    Answer answer = listDevices(request);
+    if (answer.status != Status::Success) {
+        // A refusal counts no records for readers that ignore the status.
+        answer.payload.countU8(0);
+    }
+    return answer;
+}
+
+Answer I3cBusSetup::listDevices(ByteReader& request) {
     const Status status = controller.onInitialisedBus(check(request, true));
     if (status != Status::Success) {
         return status;
     }
     const std::vector<I3cTargetInfo> records = controller.getTable().records();
-    Bytes payload{static_cast<uint8_t>(records.size())};
+    ByteWriter payload;
+    payload.countU8(static_cast<uint8_t>(records.size()));
     for (const I3cTargetInfo& record : records) {
-        appendI3cRecord(payload, record);
+        writeI3cRecord(payload, record);
     }
     return {Status::Success, payload};
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "bytes/ByteReader.hpp"
+#include "model/Answer.hpp"
 #include "model/i3c/I3cController.hpp"
 
 namespace virtual_adapter {
@@ -9,9 +11,6 @@ class I3cBusSetup {
 public:
     explicit I3cBusSetup(I3cController& ofTheBus) : controller(ofTheBus) {}
 
-    void registerCommands(Dispatcher& dispatcher);
-
-private:
     Answer setVoltage(ByteReader& request);
     Answer controllerInit(ByteReader& request);
     Answer setParameters(ByteReader& request);
@@ -19,6 +18,9 @@ private:
     Answer resetBus(ByteReader& request);
     Answer getDeviceTable(ByteReader& request);
     Answer configureTarget(ByteReader& request);
+
+private:
+    Answer listDevices(ByteReader& request);
 
     I3cController& controller;
 };

@@ -76,11 +76,6 @@ std::optional<Bytes> query(I3cTarget& target, CCC code, std::optional<uint8_t> d
 
 } // namespace
 
-void I3cCcc::registerCommands(Dispatcher& dispatcher) {
-    dispatcher.on(CommandCode::I3cCccTransfer,
-                  controller.whenSupplied([this](auto& request) { return transfer(request); }));
-}
-
 Answer I3cCcc::transfer(ByteReader& request) {
     const I3cCccCommand command(request);
     Status status = controller.onInitialisedBus(command.status());
@@ -92,10 +87,10 @@ Answer I3cCcc::transfer(ByteReader& request) {
     status = carryOut(command, received);
     controller.stop();
 
-    Bytes payload = command.echo();
-    payload.push_back(static_cast<uint8_t>(received.size()));
-    payload.insert(payload.end(), received.begin(), received.end());
-    return {status, payload};
+    return {status, ByteWriter()
+                        .bytes(command.echo())
+                        .countU8(static_cast<uint8_t>(received.size()))
+                        .bytes(received)};
 }
 
 Status I3cCcc::carryOut(const I3cCccCommand& command, Bytes& received) {
@@ -121,14 +116,14 @@ Status I3cCcc::broadcast(const I3cCccCommand& command) {
     case CCC_SETAASA:
         return controller.getTable().adoptStatic(operands);
     case CCC_RSTACTBroadcast:
-        for (I3cTarget* target : controller.getTargets().powered()) {
+        for (I3cTarget* target : controller.getBus().powered()) {
             target->armReset(operands[0]);
         }
         return Status::Success;
     default:
         break;
     }
-    for (I3cTarget* target : controller.getTargets().powered()) {
+    for (I3cTarget* target : controller.getBus().powered()) {
         set(*target, static_cast<CCC>(command.code() | directBit), operands);
     }
     const bool admitted = command.code() == CCC_ENECBroadcast;
@@ -144,7 +139,7 @@ Status I3cCcc::write(const I3cCccCommand& command) {
     if (command.code() == CCC_SETDASA) {
         return controller.getTable().assignFromStatic(command.address(), operands[0] / 2);
     }
-    I3cTarget* target = controller.getTargets().withDynamicAddress(command.address());
+    I3cTarget* target = controller.getBus().withDynamicAddress(command.address());
     if (target == nullptr) {
         return Status::NotAcknowledged;
     }
@@ -161,7 +156,7 @@ Status I3cCcc::write(const I3cCccCommand& command) {
 }
 
 Status I3cCcc::read(const I3cCccCommand& command, Bytes& received) {
-    I3cTarget* target = controller.getTargets().withDynamicAddress(command.address());
+    I3cTarget* target = controller.getBus().withDynamicAddress(command.address());
     if (target == nullptr) {
         return Status::NotAcknowledged;
     }

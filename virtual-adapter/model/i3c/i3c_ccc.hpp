@@ -1,5 +1,7 @@
 #pragma once
 
+#include "bytes/ByteReader.hpp"
+#include "model/Answer.hpp"
 #include "model/i3c/I3cCccCommand.hpp"
 #include "model/i3c/I3cController.hpp"
 
@@ -10,11 +12,9 @@ class I3cCcc {
 public:
     explicit I3cCcc(I3cController& ofTheBus) : controller(ofTheBus) {}
 
-    void registerCommands(Dispatcher& dispatcher);
-
-private:
     Answer transfer(ByteReader& request);
 
+private:
     Status carryOut(const I3cCccCommand& command, Bytes& received);
     Status broadcast(const I3cCccCommand& command);
     Status write(const I3cCccCommand& command);

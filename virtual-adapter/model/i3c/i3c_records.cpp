@@ -65,16 +65,16 @@ I3cTargetInfo readI3cRecord(ByteReader& request) {
     return record;
 }
 
-void appendI3cRecord(Bytes& payload, const I3cTargetInfo& record) {
-    payload.push_back(record.staticAddress);
-    payload.push_back(record.dynamicAddress);
-    payload.insert(payload.end(), std::begin(record.pid), std::end(record.pid));
-    payload.push_back(record.bcr);
-    payload.push_back(record.dcr);
-    appendU16(payload, record.maxWriteLength);
-    appendU16(payload, record.maxReadLength);
-    payload.push_back(record.maxIbiPayloadSize);
-    payload.push_back(record.configuration);
+void writeI3cRecord(ByteWriter& payload, const I3cTargetInfo& record) {
+    payload.u8(record.staticAddress)
+        .u8(record.dynamicAddress)
+        .range(std::begin(record.pid), std::end(record.pid))
+        .u8(record.bcr)
+        .u8(record.dcr)
+        .u16(record.maxWriteLength)
+        .u16(record.maxReadLength)
+        .u8(record.maxIbiPayloadSize)
+        .u8(record.configuration);
 }
 
 bool isLegacy(const I3cTargetInfo& record) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "bytes/ByteReader.hpp"
+#include "bytes/ByteWriter.hpp"
 #include "model/Status.hpp"
 #include "model/i3c/I3cTarget.hpp"
 
@@ -17,7 +18,7 @@ constexpr uint8_t i3cBroadcastAddress = 0x7E;
 bool isReservedI3cAddress(uint8_t address);
 
 I3cTargetInfo readI3cRecord(ByteReader& request);
-void appendI3cRecord(Bytes& payload, const I3cTargetInfo& record);
+void writeI3cRecord(ByteWriter& payload, const I3cTargetInfo& record);
 
 bool isLegacy(const I3cTargetInfo& record);
 

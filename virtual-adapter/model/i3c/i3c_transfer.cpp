@@ -80,13 +80,6 @@ struct I3cTransfer::Transfer {
     }
 };
 
-void I3cTransfer::registerCommands(Dispatcher& dispatcher) {
-    dispatcher.on(CommandCode::I3cPrivateTransfer,
-                  controller.whenSupplied([this](auto& request) { return transfer(request); }));
-    dispatcher.on(CommandCode::I3cBusPattern,
-                  controller.whenSupplied([this](auto& request) { return busPattern(request); }));
-}
-
 Answer I3cTransfer::transfer(ByteReader& request) {
     const Transfer wanted(request);
     Status status = controller.onInitialisedBus(check(request, wanted.valuesKnown()));
@@ -104,11 +97,10 @@ Answer I3cTransfer::transfer(ByteReader& request) {
     if (!wanted.isRead()) {
         return status;
     }
-    Bytes payload;
-    appendU16(payload, wanted.length);
-    appendU16(payload, static_cast<uint16_t>(received.size()));
-    payload.insert(payload.end(), received.begin(), received.end());
-    return {status, payload};
+    return {status, ByteWriter()
+                        .u16(wanted.length)
+                        .countU16(static_cast<uint16_t>(received.size()))
+                        .bytes(received)};
 }
 
 Answer I3cTransfer::busPattern(ByteReader& request) {
@@ -119,7 +111,7 @@ Answer I3cTransfer::busPattern(ByteReader& request) {
         return status;
     }
     if (pattern == targetResetPattern) {
-        for (I3cTarget* target : controller.getTargets().powered()) {
+        for (I3cTarget* target : controller.getBus().powered()) {
             target->receiveTargetResetPattern();
         }
     }
@@ -139,7 +131,7 @@ Status I3cTransfer::carryOut(const Transfer& wanted, Bytes& received) {
 }
 
 Status I3cTransfer::carryOutSdr(const Transfer& wanted, Bytes& received) {
-    I3cTarget* target = controller.getTargets().withDynamicAddress(wanted.address);
+    I3cTarget* target = controller.getBus().withDynamicAddress(wanted.address);
     if (target == nullptr || !controller.isHeardBy(*target)) {
         return Status::NotAcknowledged;
     }
@@ -147,7 +139,7 @@ Status I3cTransfer::carryOutSdr(const Transfer& wanted, Bytes& received) {
 }
 
 Status I3cTransfer::carryOutHdrDdr(const Transfer& wanted, Bytes& received) {
-    I3cTarget* target = controller.getTargets().withDynamicAddress(wanted.address);
+    I3cTarget* target = controller.getBus().withDynamicAddress(wanted.address);
     if (target == nullptr || !target->supportsHdrDdr()) {
         return Status::NotAcknowledged;
     }
@@ -163,11 +155,10 @@ Status I3cTransfer::carryOutHdrDdr(const Transfer& wanted, Bytes& received) {
 }
 
 Status I3cTransfer::carryOutLegacy(const Transfer& wanted, Bytes& received) {
-    I3cBus& targets = controller.getTargets();
     // A frame that the broadcast address opens is I3C's own. A target without a dynamic address
     // takes part in one that it does not open, as an I2C device.
     if (wanted.has(I3cTransferFlags_SkipBroadcastAddress)) {
-        if (I3cTarget* target = targets.unassigned(wanted.address)) {
+        if (I3cTarget* target = controller.getBus().unassigned(wanted.address)) {
             return exchange(*target, wanted, received);
         }
     }
@@ -175,9 +166,10 @@ Status I3cTransfer::carryOutLegacy(const Transfer& wanted, Bytes& received) {
         return Status::NotAcknowledged;
     }
     const auto end = I2cController::End::Hold;
-    return wanted.isRead() ? targets.legacy().read(wanted.address, wanted.subAddress(),
-                                                   wanted.length, end, received)
-                           : targets.legacy().write(wanted.address, wanted.written(), end);
+    I2cController& legacy = controller.getLegacyController();
+    return wanted.isRead()
+               ? legacy.read(wanted.address, wanted.subAddress(), wanted.length, end, received)
+               : legacy.write(wanted.address, wanted.written(), end);
 }
 
 Status I3cTransfer::exchange(I3cTarget& target, const Transfer& wanted, Bytes& received) {

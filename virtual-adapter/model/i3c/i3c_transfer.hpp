@@ -1,5 +1,7 @@
 #pragma once
 
+#include "bytes/ByteReader.hpp"
+#include "model/Answer.hpp"
 #include "model/i3c/I3cController.hpp"
 
 namespace virtual_adapter {
@@ -9,13 +11,11 @@ class I3cTransfer {
 public:
     explicit I3cTransfer(I3cController& ofTheBus) : controller(ofTheBus) {}
 
-    void registerCommands(Dispatcher& dispatcher);
+    Answer transfer(ByteReader& request);
+    Answer busPattern(ByteReader& request);
 
 private:
     struct Transfer;
-
-    Answer transfer(ByteReader& request);
-    Answer busPattern(ByteReader& request);
 
     Status carryOut(const Transfer& wanted, Bytes& received);
     Status carryOutSdr(const Transfer& wanted, Bytes& received);

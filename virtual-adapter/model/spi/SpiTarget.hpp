@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/Frame.hpp"
+#include "bytes/Bytes.hpp"
 
 #include <veltrasdk/spi.h>
 

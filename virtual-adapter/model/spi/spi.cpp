@@ -1,7 +1,5 @@
 #include "model/spi/spi.hpp"
 
-#include "board/parts/SpiFlash.hpp"
-#include "board/parts/SpiLoopback.hpp"
 #include "model/checks.hpp"
 
 #include <algorithm>
@@ -40,35 +38,22 @@ Bytes wireOrder(Bytes bytes, SpiBitOrder bitOrder, SpiDataWidth dataWidth) {
 
 } // namespace
 
-Spi::Spi(const IoVoltage& ioVoltage) : voltage(ioVoltage) {
-    targets[SpiChipSelect_0] = std::make_unique<SpiFlash>();
-    targets[SpiChipSelect_1] = std::make_unique<SpiLoopback>();
-}
-
-void Spi::registerCommands(Dispatcher& dispatcher) {
-    dispatcher.on(CommandCode::SpiControllerInit,
-                  voltage.required([this](auto& request) { return controllerInit(request); }));
-    dispatcher.on(CommandCode::SpiSetParameters,
-                  voltage.required([this](auto& request) { return setParameters(request); }));
-    dispatcher.on(CommandCode::SpiTransfer,
-                  voltage.required([this](auto& request) { return transfer(request); }));
-}
-
-Status Spi::readSettings(ByteReader& request, Settings& settings) {
+Status Spi::readSettings(ByteReader& request, Settings& settings) const {
     settings.bitOrder = static_cast<SpiBitOrder>(request.u8());
     settings.mode = static_cast<SpiMode>(request.u8());
     settings.dataWidth = static_cast<SpiDataWidth>(request.u8());
     settings.chipSelect = static_cast<SpiChipSelect>(request.u8());
     settings.polarity = static_cast<SpiChipSelectPolarity>(request.u8());
     const uint32_t clock = request.u32();
-    return check(request, within(settings.bitOrder, SpiBitOrder_MsbFirst, SpiBitOrder_LsbFirst) &&
-                              within(settings.mode, SpiMode_0, SpiMode_3) &&
-                              (settings.dataWidth == SpiDataWidth_8Bits ||
-                               settings.dataWidth == SpiDataWidth_16Bits) &&
-                              within(settings.chipSelect, SpiChipSelect_0, SpiChipSelect_3) &&
-                              within(settings.polarity, SpiChipSelectPolarity_ActiveLow,
-                                     SpiChipSelectPolarity_ActiveHigh) &&
-                              within(clock, lowestClock, highestClock));
+    return voltage.check(request,
+                         within(settings.bitOrder, SpiBitOrder_MsbFirst, SpiBitOrder_LsbFirst) &&
+                             within(settings.mode, SpiMode_0, SpiMode_3) &&
+                             (settings.dataWidth == SpiDataWidth_8Bits ||
+                              settings.dataWidth == SpiDataWidth_16Bits) &&
+                             within(settings.chipSelect, SpiChipSelect_0, SpiChipSelect_3) &&
+                             within(settings.polarity, SpiChipSelectPolarity_ActiveLow,
+                                    SpiChipSelectPolarity_ActiveHigh) &&
+                             within(clock, lowestClock, highestClock));
 }
 
 Answer Spi::controllerInit(ByteReader& request) {
@@ -97,7 +82,7 @@ Answer Spi::transfer(ByteReader& request) {
     const size_t sendLength = request.u16();
     const uint16_t receiveLength = request.u16();
     Bytes bytes = request.bytes(sendLength);
-    const Status status = check(request, true);
+    const Status status = voltage.check(request, true);
     if (status != Status::Success) {
         return status;
     }
@@ -113,19 +98,14 @@ Answer Spi::transfer(ByteReader& request) {
     bytes = exchange(bytes);
     bytes.resize(receiveLength);
 
-    Bytes payload;
-    appendU16(payload, receiveLength);
-    payload.insert(payload.end(), bytes.begin(), bytes.end());
-    return {Status::Success, payload};
+    return {Status::Success, ByteWriter().countU16(receiveLength).bytes(bytes)};
 }
 
 Bytes Spi::exchange(const Bytes& sent) const {
-    const auto& target = targets.at(current->chipSelect);
-    Bytes received(sent.size(), undrivenByte);
-    if (target != nullptr && target->understands(current->mode, current->polarity)) {
-        received = target->transfer(wireOrder(sent, current->bitOrder, current->dataWidth));
-    }
-    return wireOrder(received, current->bitOrder, current->dataWidth);
+    const auto& [bitOrder, mode, dataWidth, chipSelect, polarity] = *current;
+    const Bytes received =
+        bus.transfer(chipSelect, mode, polarity, wireOrder(sent, bitOrder, dataWidth));
+    return wireOrder(received, bitOrder, dataWidth);
 }
 
 } // namespace virtual_adapter

@@ -1,20 +1,22 @@
 #pragma once
 
-#include "model/spi/SpiTarget.hpp"
+#include "bytes/ByteReader.hpp"
+#include "model/Answer.hpp"
+#include "model/spi/SpiBus.hpp"
 #include "model/system/voltage.hpp"
 
-#include <array>
-#include <memory>
 #include <optional>
 
 namespace virtual_adapter {
 
-/// The SPI controller and the targets behind its chip selects.
+/// The commands of the SPI controller.
 class Spi {
 public:
-    explicit Spi(const IoVoltage& ioVoltage);
+    Spi(const IoVoltage& ioVoltage, SpiBus& itsBus) : voltage(ioVoltage), bus(itsBus) {}
 
-    void registerCommands(Dispatcher& dispatcher);
+    Answer controllerInit(ByteReader& request);
+    Answer setParameters(ByteReader& request);
+    Answer transfer(ByteReader& request);
 
 private:
     struct Settings {
@@ -25,17 +27,13 @@ private:
         SpiChipSelectPolarity polarity;
     };
 
-    Answer controllerInit(ByteReader& request);
-    Answer setParameters(ByteReader& request);
-    Answer transfer(ByteReader& request);
-
     /// Reads the payload that initialising and changing the parameters share.
-    static Status readSettings(ByteReader& request, Settings& settings);
+    Status readSettings(ByteReader& request, Settings& settings) const;
     /// What is received while @p sent goes out.
     [[nodiscard]] Bytes exchange(const Bytes& sent) const;
 
     const IoVoltage& voltage;
-    std::array<std::unique_ptr<SpiTarget>, 4> targets;
+    SpiBus& bus;
     /// Empty until the controller has been initialised.
     std::optional<Settings> current;
 };

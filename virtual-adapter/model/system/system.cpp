@@ -2,13 +2,6 @@
 
 namespace virtual_adapter {
 
-void System::registerCommands(Dispatcher& dispatcher) {
-    dispatcher.on(CommandCode::GetUsbString,
-                  [this](ByteReader& request) { return getUsbString(request); });
-    dispatcher.on(CommandCode::EnterBootMode,
-                  [this](ByteReader& request) { return enterBootMode(request); });
-}
-
 Answer System::getUsbString(ByteReader& request) const {
     const size_t index = request.u8();
     if (!request.consumedExactly()) {
@@ -16,12 +9,11 @@ Answer System::getUsbString(ByteReader& request) const {
     }
     if (index < 1 || index > identityStrings.size()) {
         // The length byte counts itself: an empty string for readers that ignore the status.
-        return {Status::InvalidParameter, {1}};
+        return {Status::InvalidParameter, ByteWriter().countU8(1)};
     }
     const std::string& text = identityStrings.at(index - 1);
-    Bytes payload{static_cast<uint8_t>(text.size() + 1)};
-    payload.insert(payload.end(), text.begin(), text.end());
-    return {Status::Success, payload};
+    return {Status::Success,
+            ByteWriter().countU8(static_cast<uint8_t>(text.size() + 1)).text(text, text.size())};
 }
 
 Answer System::enterBootMode(ByteReader& request) {

@@ -1,9 +1,11 @@
 #pragma once
 
-#include "model/Dispatcher.hpp"
+#include "bytes/ByteReader.hpp"
+#include "model/Answer.hpp"
 
 #include <array>
 #include <string>
+#include <utility>
 
 namespace virtual_adapter {
 
@@ -12,15 +14,13 @@ class System {
 public:
     explicit System(std::array<std::string, 5> strings) : identityStrings(std::move(strings)) {}
 
-    void registerCommands(Dispatcher& dispatcher);
+    Answer getUsbString(ByteReader& request) const;
+    Answer enterBootMode(ByteReader& request);
 
     /// Whether the adapter has left its application firmware, and with it the USB bus.
     [[nodiscard]] bool inBootMode() const { return bootMode; }
 
 private:
-    Answer getUsbString(ByteReader& request) const;
-    Answer enterBootMode(ByteReader& request);
-
     std::array<std::string, 5> identityStrings;
     bool bootMode = false;
 };

@@ -1,20 +1,20 @@
 #pragma once
 
-#include "model/Dispatcher.hpp"
+#include "bytes/ByteReader.hpp"
+#include "model/Answer.hpp"
 
 namespace virtual_adapter {
 
 /// The one I/O voltage that the I2C, SPI, UART and GPIO pins share.
 class IoVoltage {
 public:
-    void registerCommands(Dispatcher& dispatcher);
-
-    /// @p handler, refused with `NoVoltage` while the output is off. The voltage must outlive it.
-    [[nodiscard]] Dispatcher::Handler required(Dispatcher::Handler handler) const;
-
-private:
     Answer set(ByteReader& request);
 
+    /// The status of a request that needs the voltage and whose fields have all been read:
+    /// without the voltage nothing else counts.
+    [[nodiscard]] Status check(const ByteReader& request, bool valuesKnown) const;
+
+private:
     bool outputEnabled = false;
 };
 

@@ -13,37 +13,15 @@ constexpr size_t notificationHeaderSize = 8;
 /// Keeps the notification below 256 bytes, beyond which the library's C callback sees none of it.
 constexpr size_t longestChunkOfAnyModel = 240;
 
-/// Reads the payload that initialising and changing the parameters share. The line is a loop, so
-/// of all its settings only the number of data bits shows.
-Status readSettings(ByteReader& request, UartDataSize& dataSize) {
-    const uint8_t baudRate = request.u8();
-    const uint8_t handshake = request.u8();
-    const uint8_t parity = request.u8();
-    dataSize = static_cast<UartDataSize>(request.u8());
-    const uint8_t stopBit = request.u8();
-    return check(request, within(baudRate, UartBaudRate_1200, UartBaudRate_921600) &&
-                              within(handshake, UartHwHandshake_None, UartHwHandshake_RtsCts) &&
-                              within(parity, UartParity_None, UartParity_Even) &&
-                              within(dataSize, UartDataSize_5Bits, UartDataSize_8Bits) &&
-                              within(stopBit, UartStopBit_1, UartStopBit_2));
-}
-
 } // namespace
 
-Uart::Uart(const IoVoltage& ioVoltage, Outbox& toHost, const AdapterVariant& variant)
+Uart::Uart(const IoVoltage& ioVoltage, UartTarget* itsTarget, Outbox& toHost,
+           const AdapterVariant& variant)
     : voltage(ioVoltage),
-      notifications(toHost),
+      target(itsTarget),
+      outbox(toHost),
       longestChunk(std::min(variant.reportSize - packetHeaderSize - notificationHeaderSize,
                             longestChunkOfAnyModel)) {}
-
-void Uart::registerCommands(Dispatcher& dispatcher) {
-    dispatcher.on(CommandCode::UartInit,
-                  voltage.required([this](auto& request) { return init(request); }));
-    dispatcher.on(CommandCode::UartSetParameters,
-                  voltage.required([this](auto& request) { return setParameters(request); }));
-    dispatcher.on(CommandCode::UartSendMessage,
-                  voltage.required([this](auto& request) { return sendMessage(request); }));
-}
 
 Answer Uart::init(ByteReader& request) {
     UartDataSize wanted{};
@@ -70,7 +48,7 @@ Answer Uart::setParameters(ByteReader& request) {
 Answer Uart::sendMessage(ByteReader& request) {
     const size_t length = request.u16();
     Bytes message = request.bytes(length);
-    const Status status = check(request, true);
+    const Status status = voltage.check(request, true);
     if (status != Status::Success) {
         return status;
     }
@@ -81,18 +59,32 @@ Answer Uart::sendMessage(ByteReader& request) {
     for (uint8_t& character : message) {
         character = static_cast<uint8_t>(character & dataBits);
     }
-    receive(message);
+    if (target != nullptr) {
+        receive(target->receive(message));
+    }
     return Status::Success;
+}
+
+Status Uart::readSettings(ByteReader& request, UartDataSize& wanted) const {
+    const uint8_t baudRate = request.u8();
+    const uint8_t handshake = request.u8();
+    const uint8_t parity = request.u8();
+    wanted = static_cast<UartDataSize>(request.u8());
+    const uint8_t stopBit = request.u8();
+    return voltage.check(request,
+                         within(baudRate, UartBaudRate_1200, UartBaudRate_921600) &&
+                             within(handshake, UartHwHandshake_None, UartHwHandshake_RtsCts) &&
+                             within(parity, UartParity_None, UartParity_Even) &&
+                             within(wanted, UartDataSize_5Bits, UartDataSize_8Bits) &&
+                             within(stopBit, UartStopBit_1, UartStopBit_2));
 }
 
 void Uart::receive(const Bytes& message) {
     for (auto begin = message.begin(); begin != message.end();) {
         const auto left = static_cast<size_t>(message.end() - begin);
         const auto size = static_cast<uint16_t>(std::min(left, longestChunk));
-        Bytes payload;
-        appendU16(payload, size);
-        payload.insert(payload.end(), begin, begin + size);
-        notifications.push(CommandCode::UartRxNotification, payload);
+        outbox.notify(CommandCode::UartRxNotification,
+                      ByteWriter().countU16(size).range(begin, begin + size));
         begin += size;
     }
 }

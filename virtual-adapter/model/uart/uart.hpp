@@ -1,8 +1,10 @@
 #pragma once
 
+#include "bytes/ByteReader.hpp"
 #include "model/AdapterVariant.hpp"
 #include "model/Outbox.hpp"
 #include "model/system/voltage.hpp"
+#include "model/uart/UartTarget.hpp"
 
 #include <veltrasdk/uart.h>
 
@@ -11,21 +13,26 @@
 
 namespace virtual_adapter {
 
-/// The UART, whose transmit line is wired to its receive line.
+/// The commands of the UART.
 class Uart {
 public:
-    Uart(const IoVoltage& ioVoltage, Outbox& toHost, const AdapterVariant& variant);
+    /// @p itsTarget is null when the lines lead nowhere.
+    Uart(const IoVoltage& ioVoltage, UartTarget* itsTarget, Outbox& toHost,
+         const AdapterVariant& variant);
 
-    void registerCommands(Dispatcher& dispatcher);
-
-private:
     Answer init(ByteReader& request);
     Answer setParameters(ByteReader& request);
     Answer sendMessage(ByteReader& request);
+
+private:
+    /// Reads the payload that initialising and changing the parameters share. Of all the line's
+    /// settings only the number of data bits shows.
+    Status readSettings(ByteReader& request, UartDataSize& wanted) const;
     void receive(const Bytes& message);
 
     const IoVoltage& voltage;
-    Outbox& notifications;
+    UartTarget* target;
+    Outbox& outbox;
     /// How many received bytes one notification carries at most.
     size_t longestChunk;
     /// Empty until the UART has been initialised.

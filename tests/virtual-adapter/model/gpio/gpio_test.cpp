@@ -5,6 +5,8 @@ using virtual_adapter::Frame;
 
 namespace {
 
+using GpioModelSetUp = AdapterFixture;
+
 constexpr uint8_t input = 0;
 constexpr uint8_t output = 1;
 constexpr uint8_t inputPullUp = 2;
@@ -14,16 +16,16 @@ constexpr uint8_t openDrain = 4;
 constexpr uint8_t low = 0;
 constexpr uint8_t high = 1;
 
-class GpioModel : public testing::Test {
+class GpioModel : public AdapterFixture {
 protected:
-    GpioModel() { adapter.powerOn(); }
+    GpioModel() { powerOn(); }
 
     void configure(uint8_t pin, uint8_t functionality) {
-        EXPECT_EQ(adapter.status({0x01, 0x00, 0x01, 0x14, pin, functionality}), 0x0000U);
+        EXPECT_EQ(status({0x01, 0x00, 0x01, 0x14, pin, functionality}), 0x0000U);
     }
 
     void configureOutput(uint8_t pin, uint8_t level) {
-        EXPECT_EQ(adapter.status({0x01, 0x00, 0x01, 0x14, pin, output, level}), 0x0000U);
+        EXPECT_EQ(status({0x01, 0x00, 0x01, 0x14, pin, output, level}), 0x0000U);
     }
 
     /// Writes a level and returns the pins whose interrupts fired.
@@ -36,23 +38,21 @@ protected:
     }
 
     unsigned level(uint8_t pin) {
-        const Frame response = adapter.response({0x01, 0x00, 0x03, 0x14, pin});
-        EXPECT_EQ(Frame(response.begin(), response.end() - 1),
+        const Frame answer = response({0x01, 0x00, 0x03, 0x14, pin});
+        EXPECT_EQ(Frame(answer.begin(), answer.end() - 1),
                   (Frame{0x01, 0x00, 0x03, 0x14, 0x00, 0x00}));
-        return response.back();
+        return answer.back();
     }
-
-    AdapterFixture adapter;
 
 private:
     std::vector<unsigned> firedPins(const Frame& request) {
-        const std::vector<Frame> frames = adapter.frames(request);
-        EXPECT_EQ(frames.at(0), (Frame{0x01, 0x00, request[2], 0x14, 0x00, 0x00}));
+        const std::vector<Frame> answered = frames(request);
+        EXPECT_EQ(answered.at(0), (Frame{0x01, 0x00, request[2], 0x14, 0x00, 0x00}));
         std::vector<unsigned> pins;
-        for (size_t i = 1; i < frames.size(); ++i) {
-            EXPECT_EQ(Frame(frames[i].begin(), frames[i].end() - 1),
+        for (size_t i = 1; i < answered.size(); ++i) {
+            EXPECT_EQ(Frame(answered[i].begin(), answered[i].end() - 1),
                       (Frame{0x00, 0x00, 0x81, 0x14, 0x00, 0x00}));
-            pins.push_back(frames[i].back());
+            pins.push_back(answered[i].back());
         }
         return pins;
     }
@@ -62,24 +62,21 @@ using Pins = std::vector<unsigned>;
 
 // --- Refusals -----------------------------------------------------------------------------------
 
-TEST(GpioModelSetUp, EveryCommandIsRefusedWithoutTheIoVoltage) {
-    AdapterFixture adapter;
-    EXPECT_EQ(adapter.status({0x01, 0x00, 0x01, 0x14, 0, 0}), 0x0004U);
-    EXPECT_EQ(adapter.status({0x01, 0x00, 0x02, 0x14, 0, 0}), 0x0004U);
-    EXPECT_EQ(adapter.status({0x01, 0x00, 0x03, 0x14, 0}), 0x0004U);
-    EXPECT_EQ(adapter.status({0x01, 0x00, 0x04, 0x14, 0, 0}), 0x0004U);
-    EXPECT_EQ(adapter.status({0x01, 0x00, 0x05, 0x14, 0}), 0x0004U);
+TEST_F(GpioModelSetUp, EveryCommandIsRefusedWithoutTheIoVoltage) {
+    EXPECT_EQ(status({0x01, 0x00, 0x01, 0x14, 0, 0}), 0x0004U);
+    EXPECT_EQ(status({0x01, 0x00, 0x02, 0x14, 0, 0}), 0x0004U);
+    EXPECT_EQ(status({0x01, 0x00, 0x03, 0x14, 0}), 0x0004U);
+    EXPECT_EQ(status({0x01, 0x00, 0x04, 0x14, 0, 0}), 0x0004U);
+    EXPECT_EQ(status({0x01, 0x00, 0x05, 0x14, 0}), 0x0004U);
 }
 
 TEST_F(GpioModel, APinThatIsNotConfiguredRefusesEverythingElse) {
-    EXPECT_EQ(adapter.response({0x01, 0x00, 0x02, 0x14, 4, 1}),
+    EXPECT_EQ(response({0x01, 0x00, 0x02, 0x14, 4, 1}),
               (Frame{0x01, 0x00, 0x02, 0x14, 0x05, 0x00}));
-    EXPECT_EQ(adapter.response({0x01, 0x00, 0x03, 0x14, 4}),
-              (Frame{0x01, 0x00, 0x03, 0x14, 0x05, 0x00}));
-    EXPECT_EQ(adapter.response({0x01, 0x00, 0x04, 0x14, 4, 0}),
+    EXPECT_EQ(response({0x01, 0x00, 0x03, 0x14, 4}), (Frame{0x01, 0x00, 0x03, 0x14, 0x05, 0x00}));
+    EXPECT_EQ(response({0x01, 0x00, 0x04, 0x14, 4, 0}),
               (Frame{0x01, 0x00, 0x04, 0x14, 0x05, 0x00}));
-    EXPECT_EQ(adapter.response({0x01, 0x00, 0x05, 0x14, 4}),
-              (Frame{0x01, 0x00, 0x05, 0x14, 0x05, 0x00}));
+    EXPECT_EQ(response({0x01, 0x00, 0x05, 0x14, 4}), (Frame{0x01, 0x00, 0x05, 0x14, 0x05, 0x00}));
 }
 
 TEST_F(GpioModel, UnknownValuesAreRefused) {
@@ -95,7 +92,7 @@ TEST_F(GpioModel, UnknownValuesAreRefused) {
              Frame{0x01, 0x00, 0x04, 0x14, 4, 5},
              Frame{0x01, 0x00, 0x05, 0x14, 8},
          }) {
-        EXPECT_EQ(adapter.status(request), 0x0003U) << testing::PrintToString(request);
+        EXPECT_EQ(status(request), 0x0003U) << testing::PrintToString(request);
     }
 }
 
@@ -115,14 +112,14 @@ TEST_F(GpioModel, RequestsOfAnotherLengthAreMalformed) {
              Frame{0x01, 0x00, 0x05, 0x14},
              Frame{0x01, 0x00, 0x05, 0x14, 4, 0},
          }) {
-        EXPECT_EQ(adapter.status(request), 0x0002U) << testing::PrintToString(request);
+        EXPECT_EQ(status(request), 0x0002U) << testing::PrintToString(request);
     }
 }
 
 TEST_F(GpioModel, AnInputRefusesALevel) {
     for (const uint8_t functionality : {input, inputPullUp, inputPullDown}) {
         configure(4, functionality);
-        EXPECT_EQ(adapter.response({0x01, 0x00, 0x02, 0x14, 4, 1}),
+        EXPECT_EQ(response({0x01, 0x00, 0x02, 0x14, 4, 1}),
                   (Frame{0x01, 0x00, 0x02, 0x14, 0x03, 0x00}));
     }
 }
@@ -131,10 +128,10 @@ TEST_F(GpioModel, AnInputRefusesALevel) {
 
 TEST_F(GpioModel, AnOutputReadsItsOwnLevel) {
     configureOutput(4, high);
-    EXPECT_EQ(adapter.response({0x01, 0x00, 0x03, 0x14, 4}),
+    EXPECT_EQ(response({0x01, 0x00, 0x03, 0x14, 4}),
               (Frame{0x01, 0x00, 0x03, 0x14, 0x00, 0x00, 0x01}));
     write(4, low);
-    EXPECT_EQ(adapter.response({0x01, 0x00, 0x03, 0x14, 4}),
+    EXPECT_EQ(response({0x01, 0x00, 0x03, 0x14, 4}),
               (Frame{0x01, 0x00, 0x03, 0x14, 0x00, 0x00, 0x00}));
 }
 
@@ -215,9 +212,9 @@ TEST_F(GpioModel, AnOpenDrainOutputReadsTheLineAndNotWhatItDrives) {
 
 TEST_F(GpioModel, SwitchingTheVoltageOffAndOnKeepsThePinsAsTheyWere) {
     configureOutput(0, high);
-    adapter.status({0x01, 0x00, 0x05, 0x04, 0xE4, 0x0C, 0x00});
-    EXPECT_EQ(adapter.status({0x01, 0x00, 0x03, 0x14, 0}), 0x0004U);
-    adapter.powerOn();
+    status({0x01, 0x00, 0x05, 0x04, 0xE4, 0x0C, 0x00});
+    EXPECT_EQ(status({0x01, 0x00, 0x03, 0x14, 0}), 0x0004U);
+    powerOn();
     EXPECT_EQ(level(0), 1U);
 }
 
@@ -226,9 +223,9 @@ TEST_F(GpioModel, SwitchingTheVoltageOffAndOnKeepsThePinsAsTheyWere) {
 TEST_F(GpioModel, AnInterruptIsANotificationWithThePinInTheEventByte) {
     configure(3, input);
     configureOutput(2, low);
-    EXPECT_EQ(adapter.response({0x01, 0x00, 0x04, 0x14, 3, 0}),
+    EXPECT_EQ(response({0x01, 0x00, 0x04, 0x14, 3, 0}),
               (Frame{0x01, 0x00, 0x04, 0x14, 0x00, 0x00}));
-    EXPECT_EQ(adapter.frames({0x01, 0x00, 0x02, 0x14, 2, 1}),
+    EXPECT_EQ(frames({0x01, 0x00, 0x02, 0x14, 2, 1}),
               (std::vector<Frame>{
                   {0x01, 0x00, 0x02, 0x14, 0x00, 0x00},
                   {0x00, 0x00, 0x81, 0x14, 0x00, 0x00, 0x03},
@@ -297,10 +294,9 @@ TEST_F(GpioModel, ADisarmedPinStaysSilent) {
     configure(1, input);
     configureOutput(0, low);
     arm(1, 2);
-    EXPECT_EQ(adapter.response({0x01, 0x00, 0x05, 0x14, 1}),
-              (Frame{0x01, 0x00, 0x05, 0x14, 0x00, 0x00}));
+    EXPECT_EQ(response({0x01, 0x00, 0x05, 0x14, 1}), (Frame{0x01, 0x00, 0x05, 0x14, 0x00, 0x00}));
     EXPECT_EQ(write(0, high), Pins{});
-    EXPECT_EQ(adapter.status({0x01, 0x00, 0x05, 0x14, 1}), 0x0000U);
+    EXPECT_EQ(status({0x01, 0x00, 0x05, 0x14, 1}), 0x0000U);
 }
 
 TEST_F(GpioModel, BothPinsOfALineFireInAscendingOrder) {
@@ -314,7 +310,7 @@ TEST_F(GpioModel, BothPinsOfALineFireInAscendingOrder) {
 TEST_F(GpioModel, ConfiguringAPinCanFireAnInterruptAndLeavesThePinArmed) {
     configure(4, input);
     arm(4, 0);
-    EXPECT_EQ(adapter.frames({0x01, 0x00, 0x01, 0x14, 4, 2}),
+    EXPECT_EQ(frames({0x01, 0x00, 0x01, 0x14, 4, 2}),
               (std::vector<Frame>{
                   {0x01, 0x00, 0x01, 0x14, 0x00, 0x00},
                   {0x00, 0x00, 0x81, 0x14, 0x00, 0x00, 0x04},

@@ -1,4 +1,4 @@
-#include "virtual-adapter/I3cFixture.hpp"
+#include "virtual-adapter/model/i3c/I3cModel.hpp"
 
 using virtual_adapter::Bytes;
 using virtual_adapter::Frame;
@@ -30,21 +30,21 @@ class I3cEvents : public I3cModel {
 protected:
     /// Writes the sensor's alert register.
     std::vector<Frame> alert(uint8_t value = 0x42, uint8_t address = 0x0A) {
-        return adapter.frames(adapter.sdrWriteRequest(address, {0x02, value}));
+        return frames(sdrWriteRequest(address, {0x02, value}));
     }
     /// Writes the companion's supply register.
     std::vector<Frame> supplyModule(uint8_t value) {
-        return adapter.frames(adapter.sdrWriteRequest(0x08, {0x00, value}));
+        return frames(sdrWriteRequest(0x08, {0x00, value}));
     }
-    std::vector<Frame> ccc(const Bytes& payload) {
-        return adapter.frames(virtual_adapter::joined({{0x01, 0x00, 0x09, 0x19}, payload}));
+    std::vector<Frame> cccFrames(const Bytes& payload) {
+        return frames(virtual_adapter::joined({{0x01, 0x00, 0x09, 0x19}, payload}));
     }
 };
 
 // --- In-band interrupts -------------------------------------------------------------------------
 
 TEST_F(I3cEvents, AnEnabledInterruptFollowsTheWriteThatProvokesIt) {
-    adapter.ccc(enableSensorInterrupts);
+    ccc(enableSensorInterrupts);
     EXPECT_EQ(alert(), (std::vector<Frame>{success(0x08), sensorInterrupt}));
     EXPECT_EQ(alert(0x43), (std::vector<Frame>{success(0x08),
                                                {0x00, 0x00, 0x81, 0x19, 0x00, 0x00, 0x0A, 0x03,
@@ -52,94 +52,94 @@ TEST_F(I3cEvents, AnEnabledInterruptFollowsTheWriteThatProvokesIt) {
 }
 
 TEST_F(I3cEvents, ATargetWithoutPayloadInterruptsWithAnEmptyOne) {
-    adapter.ccc(enableAllInterrupts);
+    ccc(enableAllInterrupts);
     EXPECT_EQ(
-        adapter.frames(adapter.sdrWriteRequest(0x08, {0x01, 0x01})),
+        frames(sdrWriteRequest(0x08, {0x01, 0x01})),
         (std::vector<Frame>{success(0x08), {0x00, 0x00, 0x81, 0x19, 0x00, 0x00, 0x08, 0x00}}));
 }
 
 TEST_F(I3cEvents, AnInterruptWaitsUntilItIsEnabled) {
     EXPECT_EQ(alert(), (std::vector<Frame>{success(0x08)}));
-    EXPECT_EQ(ccc(enableSensorInterrupts),
+    EXPECT_EQ(cccFrames(enableSensorInterrupts),
               (std::vector<Frame>{{0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x0A, 0x80, 0x00, 0x00},
                                   sensorInterrupt}));
 }
 
 TEST_F(I3cEvents, ADisabledInterruptIsNotRaised) {
-    adapter.ccc(enableAllInterrupts);
-    adapter.ccc(disableSensorInterrupts);
+    ccc(enableAllInterrupts);
+    ccc(disableSensorInterrupts);
     EXPECT_EQ(alert(), (std::vector<Frame>{success(0x08)}));
-    adapter.ccc(enableSensorInterrupts);
-    adapter.ccc(disableAllInterrupts);
+    ccc(enableSensorInterrupts);
+    ccc(disableAllInterrupts);
     EXPECT_EQ(alert(), (std::vector<Frame>{success(0x08)}));
 }
 
 TEST_F(I3cEvents, OnlyTheLastOfSeveralPendingInterruptsIsRaised) {
     alert(0x41);
     alert(0x42);
-    EXPECT_EQ(ccc(enableSensorInterrupts).size(), 2U);
-    EXPECT_EQ(ccc(enableSensorInterrupts).size(), 1U);
+    EXPECT_EQ(cccFrames(enableSensorInterrupts).size(), 2U);
+    EXPECT_EQ(cccFrames(enableSensorInterrupts).size(), 1U);
 }
 
 TEST_F(I3cEvents, InterruptsAreRaisedInTheOrderOfTheirAddresses) {
     alert();
-    adapter.sdrWrite(0x08, {0x01, 0x01});
-    EXPECT_EQ(ccc(enableAllInterrupts),
+    sdrWrite(0x08, {0x01, 0x01});
+    EXPECT_EQ(cccFrames(enableAllInterrupts),
               (std::vector<Frame>{{0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x7E, 0x00, 0x01, 0x00},
                                   {0x00, 0x00, 0x81, 0x19, 0x00, 0x00, 0x08, 0x00},
                                   sensorInterrupt}));
 }
 
 TEST_F(I3cEvents, ARejectedInterruptWaitsUntilTheControllerAcceptsIt) {
-    adapter.ccc(enableSensorInterrupts);
-    EXPECT_EQ(adapter.status({0x01, 0x00, 0x07, 0x19, 0x0A, 0x01}), 0x0000U);
+    ccc(enableSensorInterrupts);
+    EXPECT_EQ(status({0x01, 0x00, 0x07, 0x19, 0x0A, 0x01}), 0x0000U);
     EXPECT_EQ(alert(), (std::vector<Frame>{success(0x08)}));
-    EXPECT_EQ(adapter.frames({0x01, 0x00, 0x07, 0x19, 0x0A, 0x00}),
+    EXPECT_EQ(frames({0x01, 0x00, 0x07, 0x19, 0x0A, 0x00}),
               (std::vector<Frame>{success(0x07), sensorInterrupt}));
 }
 
 TEST_F(I3cEvents, ARecordOfTheHostCanRejectInterrupts) {
-    adapter.initBus({adapter.record(0x48, 0x0A, virtual_adapter::noPid, 1)});
-    adapter.ccc(enableSensorInterrupts);
+    initBus({record(0x48, 0x0A, virtual_adapter::noPid, 1)});
+    ccc(enableSensorInterrupts);
     EXPECT_EQ(alert(), (std::vector<Frame>{success(0x08)}));
 }
 
 TEST_F(I3cEvents, ThePayloadIsCutToItsMaximumSize) {
-    adapter.ccc(enableSensorInterrupts);
-    EXPECT_EQ(adapter.ccc({0x0A, 0x00, 0x03, 0x8A, 0x00, 0x00, 0x40, 0x01}), 0x0000U);
+    ccc(enableSensorInterrupts);
+    EXPECT_EQ(ccc({0x0A, 0x00, 0x03, 0x8A, 0x00, 0x00, 0x40, 0x01}), 0x0000U);
     EXPECT_EQ(alert(), (std::vector<Frame>{
                            success(0x08), {0x00, 0x00, 0x81, 0x19, 0x00, 0x00, 0x0A, 0x01, 0x42}}));
     // A maximum of zero sets no limit.
-    EXPECT_EQ(adapter.ccc({0x0A, 0x00, 0x03, 0x8A, 0x00, 0x00, 0x40, 0x00}), 0x0000U);
+    EXPECT_EQ(ccc({0x0A, 0x00, 0x03, 0x8A, 0x00, 0x00, 0x40, 0x00}), 0x0000U);
     EXPECT_EQ(alert(), (std::vector<Frame>{success(0x08), sensorInterrupt}));
 }
 
 TEST_F(I3cEvents, InitialisingTheBusDisablesEveryEvent) {
-    adapter.ccc(enableAllInterrupts);
-    adapter.ccc(enableHotJoin);
-    adapter.initBus({});
+    ccc(enableAllInterrupts);
+    ccc(enableHotJoin);
+    initBus({});
     EXPECT_EQ(alert(), (std::vector<Frame>{success(0x08)}));
     EXPECT_EQ(supplyModule(1), (std::vector<Frame>{success(0x08)}));
 }
 
 TEST_F(I3cEvents, ATargetWithoutADynamicAddressDoesNotInterrupt) {
-    adapter.ccc(enableAllInterrupts);
-    adapter.ccc({0x7E, 0x00, 0x00, 0x06, 0x00}); // RSTDAA
+    ccc(enableAllInterrupts);
+    ccc({0x7E, 0x00, 0x00, 0x06, 0x00}); // RSTDAA
     // As an I2C device, at its static address.
-    EXPECT_EQ(adapter.frames({0x01, 0x00, 0x08, 0x19, 0x48, 0x0C, 0, 1, 0x02, 0, 0, 0, 1, 0, 0x42}),
+    EXPECT_EQ(frames({0x01, 0x00, 0x08, 0x19, 0x48, 0x0C, 0, 1, 0x02, 0, 0, 0, 1, 0, 0x42}),
               (std::vector<Frame>{success(0x08)}));
-    EXPECT_EQ(ccc({0x48, 0x00, 0x01, 0x87, 0x00, 0x0A * 2}),
+    EXPECT_EQ(cccFrames({0x48, 0x00, 0x01, 0x87, 0x00, 0x0A * 2}),
               (std::vector<Frame>{{0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x48, 0x87, 0x00, 0x00},
                                   sensorInterrupt}));
 }
 
 TEST_F(I3cEvents, TheEnabledEventsOfTheCompanionCanBeRead) {
-    EXPECT_EQ(adapter.ccc({0x08, 0x00, 0x01, 0x80, 0x00, 0x03}), 0x0000U);
-    EXPECT_EQ(adapter.sdrRead(0x08, 0x02, 1).at(10), 0x03);
-    EXPECT_EQ(adapter.ccc({0x08, 0x00, 0x01, 0x81, 0x00, 0x01}), 0x0000U);
-    EXPECT_EQ(adapter.sdrRead(0x08, 0x02, 1).at(10), 0x02);
-    EXPECT_EQ(adapter.sdrWrite(0x08, {0x02, 0x0B}), 0x0000U);
-    EXPECT_EQ(adapter.sdrRead(0x08, 0x02, 1).at(10), 0x02);
+    EXPECT_EQ(ccc({0x08, 0x00, 0x01, 0x80, 0x00, 0x03}), 0x0000U);
+    EXPECT_EQ(sdrRead(0x08, 0x02, 1).at(10), 0x03);
+    EXPECT_EQ(ccc({0x08, 0x00, 0x01, 0x81, 0x00, 0x01}), 0x0000U);
+    EXPECT_EQ(sdrRead(0x08, 0x02, 1).at(10), 0x02);
+    EXPECT_EQ(sdrWrite(0x08, {0x02, 0x0B}), 0x0000U);
+    EXPECT_EQ(sdrRead(0x08, 0x02, 1).at(10), 0x02);
 }
 
 // --- A held bus ---------------------------------------------------------------------------------
@@ -147,84 +147,81 @@ TEST_F(I3cEvents, TheEnabledEventsOfTheCompanionCanBeRead) {
 class I3cHeldBus : public I3cEvents {
 protected:
     I3cHeldBus() {
-        adapter.ccc(enableAllInterrupts);
+        ccc(enableAllInterrupts);
         // The alert, without a STOP.
-        EXPECT_EQ(
-            adapter.frames({0x01, 0x00, 0x08, 0x19, 0x0A, 0x10, 0, 1, 0x02, 0, 0, 0, 1, 0, 0x42}),
-            (std::vector<Frame>{success(0x08)}));
+        EXPECT_EQ(frames({0x01, 0x00, 0x08, 0x19, 0x0A, 0x10, 0, 1, 0x02, 0, 0, 0, 1, 0, 0x42}),
+                  (std::vector<Frame>{success(0x08)}));
     }
 };
 
 TEST_F(I3cHeldBus, InterruptsWaitForTheStop) {
-    EXPECT_EQ(adapter.status({0x01, 0x00, 0x08, 0x19, 0x0A, 0x11, 0, 1, 0x00, 0, 0, 0, 1, 0}),
-              0x0000U);
-    EXPECT_EQ(adapter.frames({0x01, 0x00, 0x08, 0x19, 0x0A, 0x01, 0, 1, 0x00, 0, 0, 0, 1, 0}),
+    EXPECT_EQ(status({0x01, 0x00, 0x08, 0x19, 0x0A, 0x11, 0, 1, 0x00, 0, 0, 0, 1, 0}), 0x0000U);
+    EXPECT_EQ(frames({0x01, 0x00, 0x08, 0x19, 0x0A, 0x01, 0, 1, 0x00, 0, 0, 0, 1, 0}),
               (std::vector<Frame>{{0x01, 0x00, 0x08, 0x19, 0x00, 0x00, 1, 0, 1, 0, 0x19},
                                   sensorInterrupt}));
 }
 
 TEST_F(I3cHeldBus, ChangingAConfigurationDoesNotFreeIt) {
-    EXPECT_EQ(adapter.frames({0x01, 0x00, 0x07, 0x19, 0x0A, 0x00}),
-              (std::vector<Frame>{success(0x07)}));
+    EXPECT_EQ(frames({0x01, 0x00, 0x07, 0x19, 0x0A, 0x00}), (std::vector<Frame>{success(0x07)}));
 }
 
 TEST_F(I3cHeldBus, AFailedTransferFreesIt) {
-    EXPECT_EQ(adapter.frames({0x01, 0x00, 0x08, 0x19, 0x30, 0x10, 0, 0, 0, 0, 0, 0, 0, 0}),
+    EXPECT_EQ(frames({0x01, 0x00, 0x08, 0x19, 0x30, 0x10, 0, 0, 0, 0, 0, 0, 0, 0}),
               (std::vector<Frame>{{0x01, 0x00, 0x08, 0x19, 0x06, 0x00}, sensorInterrupt}));
 }
 
 TEST_F(I3cHeldBus, ARefusedRequestDoesNotTouchIt) {
-    EXPECT_EQ(adapter.frames({0x01, 0x00, 0x08, 0x19, 0x30, 0x16, 0, 0, 0, 0, 0, 0, 0, 0}),
+    EXPECT_EQ(frames({0x01, 0x00, 0x08, 0x19, 0x30, 0x16, 0, 0, 0, 0, 0, 0, 0, 0}),
               (std::vector<Frame>{{0x01, 0x00, 0x08, 0x19, 0x03, 0x00}}));
-    EXPECT_EQ(ccc({0x0A, 0x00, 0x01, 0x88, 0x00, 0x63}),
+    EXPECT_EQ(cccFrames({0x0A, 0x00, 0x01, 0x88, 0x00, 0x63}),
               (std::vector<Frame>{{0x01, 0x00, 0x09, 0x19, 0x03, 0x00}}));
-    EXPECT_EQ(ccc({0x0A, 0x00, 0x01, 0x88, 0x00, 0x3E * 2}),
+    EXPECT_EQ(cccFrames({0x0A, 0x00, 0x01, 0x88, 0x00, 0x3E * 2}),
               (std::vector<Frame>{{0x01, 0x00, 0x09, 0x19, 0x30, 0x00}}));
 }
 
 TEST_F(I3cHeldBus, ACommonCommandCodeFreesIt) {
     EXPECT_EQ(
-        ccc({0x0A, 0x01, 0x01, 0x8F, 0x00}),
+        cccFrames({0x0A, 0x01, 0x01, 0x8F, 0x00}),
         (std::vector<Frame>{{0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x0A, 0x8F, 0x00, 0x01, 0x63},
                             sensorInterrupt}));
 }
 
 TEST_F(I3cHeldBus, TheHdrExitPatternFreesIt) {
-    EXPECT_EQ(adapter.frames({0x01, 0x00, 0x0A, 0x19, 0x01}),
+    EXPECT_EQ(frames({0x01, 0x00, 0x0A, 0x19, 0x01}),
               (std::vector<Frame>{success(0x0A), sensorInterrupt}));
 }
 
 // --- Hot-join -----------------------------------------------------------------------------------
 
 TEST_F(I3cEvents, AModuleJoinsWhenItsSocketIsSupplied) {
-    adapter.ccc(enableHotJoin);
+    ccc(enableHotJoin);
     EXPECT_EQ(supplyModule(0x01), (std::vector<Frame>{success(0x08), moduleJoined}));
-    EXPECT_EQ(adapter.cccData({0x0B, 0x01, 0x06, 0x8D, 0x00}),
+    EXPECT_EQ(cccData({0x0B, 0x01, 0x06, 0x8D, 0x00}),
               (Bytes{6, 0xFF, 0xFE, 0x00, 0x40, 0x10, 0x00}));
-    EXPECT_EQ(adapter.addresses(), (Bytes{0x00, 0x08, 0x54, 0x09, 0x48, 0x0A, 0x00, 0x0B}));
+    EXPECT_EQ(addresses(), (Bytes{0x00, 0x08, 0x54, 0x09, 0x48, 0x0A, 0x00, 0x0B}));
 }
 
 TEST_F(I3cEvents, AModuleWaitsUntilHotJoinIsEnabled) {
     EXPECT_EQ(supplyModule(0x01), (std::vector<Frame>{success(0x08)}));
-    EXPECT_EQ(ccc(enableHotJoin),
+    EXPECT_EQ(cccFrames(enableHotJoin),
               (std::vector<Frame>{{0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x7E, 0x00, 0x08, 0x00},
                                   moduleJoined}));
 }
 
 TEST_F(I3cEvents, AModuleDoesNotJoinAfterHotJoinWasDisabled) {
-    adapter.ccc(enableHotJoin);
-    adapter.ccc(disableHotJoin);
+    ccc(enableHotJoin);
+    ccc(disableHotJoin);
     EXPECT_EQ(supplyModule(0x01), (std::vector<Frame>{success(0x08)}));
 }
 
 TEST_F(I3cEvents, EnablingOtherEventsDoesNotEnableHotJoin) {
-    adapter.ccc(enableAllInterrupts);
+    ccc(enableAllInterrupts);
     EXPECT_EQ(supplyModule(0x01), (std::vector<Frame>{success(0x08)}));
 }
 
 TEST_F(I3cEvents, AModuleJoinsAtTheAddressOfItsRecord) {
-    adapter.initBus({adapter.record(0x00, 0x20, modulePid)});
-    adapter.ccc(enableHotJoin);
+    initBus({record(0x00, 0x20, modulePid)});
+    ccc(enableHotJoin);
     EXPECT_EQ(supplyModule(0x01),
               (std::vector<Frame>{success(0x08),
                                   {0x00, 0x00, 0x82, 0x19, 0x00, 0x00, 0xFF, 0xFE, 0x00, 0x40, 0x10,
@@ -232,47 +229,47 @@ TEST_F(I3cEvents, AModuleJoinsAtTheAddressOfItsRecord) {
 }
 
 TEST_F(I3cEvents, AModuleLeavesWithItsSupplyAndJoinsAgain) {
-    adapter.ccc(enableHotJoin);
+    ccc(enableHotJoin);
     supplyModule(0x01);
     EXPECT_EQ(supplyModule(0x01), (std::vector<Frame>{success(0x08)}));
     EXPECT_EQ(supplyModule(0x00), (std::vector<Frame>{success(0x08)}));
-    EXPECT_EQ(adapter.addresses(), (Bytes{0x00, 0x08, 0x54, 0x09, 0x48, 0x0A}));
-    EXPECT_EQ(adapter.ccc({0x0B, 0x01, 0x06, 0x8D, 0x00}), 0x0006U);
+    EXPECT_EQ(addresses(), (Bytes{0x00, 0x08, 0x54, 0x09, 0x48, 0x0A}));
+    EXPECT_EQ(ccc({0x0B, 0x01, 0x06, 0x8D, 0x00}), 0x0006U);
     EXPECT_EQ(supplyModule(0x01), (std::vector<Frame>{success(0x08), moduleJoined}));
 }
 
 TEST_F(I3cEvents, AModuleWithAnAddressDoesNotJoinASecondTime) {
     supplyModule(0x01);
-    adapter.ccc({0x7E, 0x00, 0x00, 0x07, 0x00}); // ENTDAA
-    EXPECT_EQ(ccc(enableHotJoin).size(), 1U);
-    adapter.ccc({0x7E, 0x00, 0x00, 0x06, 0x00}); // RSTDAA
-    EXPECT_EQ(ccc(enableHotJoin).size(), 1U);
+    ccc({0x7E, 0x00, 0x00, 0x07, 0x00}); // ENTDAA
+    EXPECT_EQ(cccFrames(enableHotJoin).size(), 1U);
+    ccc({0x7E, 0x00, 0x00, 0x06, 0x00}); // RSTDAA
+    EXPECT_EQ(cccFrames(enableHotJoin).size(), 1U);
 }
 
 TEST_F(I3cEvents, AHotJoinGivesEveryOtherTargetAnAddressToo) {
-    adapter.initBus({adapter.record(0x00, 0x08, virtual_adapter::companionPid)});
-    adapter.ccc(enableHotJoin);
-    adapter.ccc({0x7E, 0x00, 0x00, 0x06, 0x00}); // RSTDAA
-    adapter.ccc({0x7E, 0x00, 0x00, 0x07, 0x00}); // ENTDAA
-    adapter.ccc({0x0A, 0x10, 0x00, 0x9A, 0x01}); // RSTACT, the sensor's I3C peripheral
-    adapter.ccc({0x08, 0x10, 0x00, 0x9A, 0x00});
-    adapter.ccc({0x09, 0x10, 0x00, 0x9A, 0x00});
-    EXPECT_EQ(adapter.status({0x01, 0x00, 0x0A, 0x19, 0x00}), 0x0000U);
-    EXPECT_EQ(adapter.addresses(), (Bytes{0x00, 0x08, 0x54, 0x09}));
+    initBus({record(0x00, 0x08, virtual_adapter::companionPid)});
+    ccc(enableHotJoin);
+    ccc({0x7E, 0x00, 0x00, 0x06, 0x00}); // RSTDAA
+    ccc({0x7E, 0x00, 0x00, 0x07, 0x00}); // ENTDAA
+    ccc({0x0A, 0x10, 0x00, 0x9A, 0x01}); // RSTACT, the sensor's I3C peripheral
+    ccc({0x08, 0x10, 0x00, 0x9A, 0x00});
+    ccc({0x09, 0x10, 0x00, 0x9A, 0x00});
+    EXPECT_EQ(status({0x01, 0x00, 0x0A, 0x19, 0x00}), 0x0000U);
+    EXPECT_EQ(addresses(), (Bytes{0x00, 0x08, 0x54, 0x09}));
     EXPECT_EQ(supplyModule(0x01), (std::vector<Frame>{success(0x08), moduleJoined}));
-    EXPECT_EQ(adapter.addresses(), (Bytes{0x00, 0x08, 0x54, 0x09, 0x48, 0x0A, 0x00, 0x0B}));
+    EXPECT_EQ(addresses(), (Bytes{0x00, 0x08, 0x54, 0x09, 0x48, 0x0A, 0x00, 0x0B}));
 }
 
 TEST_F(I3cEvents, AModuleWithoutAFreeAddressDoesNotJoin) {
-    adapter.initBusWithoutFreeAddresses();
-    adapter.ccc(enableHotJoin);
+    initBusWithoutFreeAddresses();
+    ccc(enableHotJoin);
     EXPECT_EQ(supplyModule(0x01), (std::vector<Frame>{success(0x08)}));
 }
 
 TEST_F(I3cEvents, AHotJoinComesBeforeTheInterrupts) {
     alert();
     supplyModule(0x01);
-    EXPECT_EQ(ccc({0x7E, 0x10, 0x01, 0x00, 0x09}),
+    EXPECT_EQ(cccFrames({0x7E, 0x10, 0x01, 0x00, 0x09}),
               (std::vector<Frame>{{0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x7E, 0x00, 0x09, 0x00},
                                   moduleJoined,
                                   sensorInterrupt}));

@@ -7,30 +7,34 @@ using virtual_adapter::Frame;
 
 namespace {
 
+using UartModelSetUp = AdapterFixture;
+
 /// Powered, and initialised at 115,200 bit/s, no flow control, no parity, 8 data bits, 1 stop bit.
-class UartModel : public testing::Test {
+class UartModel : public AdapterFixture {
 protected:
     explicit UartModel(
-        const virtual_adapter::AdapterVariant& model = virtual_adapter::fullSpeedVariant)
-        : adapter(model) {
-        adapter.powerOn();
-        EXPECT_EQ(adapter.response({0x01, 0x00, 0x02, 0x10, 7, 0, 0, 8, 1}),
+        const virtual_adapter::AdapterVariant& variant = virtual_adapter::fullSpeedVariant)
+        : AdapterFixture(virtual_adapter::factoryBoard(), variant) {
+        powerOn();
+        EXPECT_EQ(response({0x01, 0x00, 0x02, 0x10, 7, 0, 0, 8, 1}),
                   (Frame{0x01, 0x00, 0x02, 0x10, 0x00, 0x00}));
     }
 
     /// The sizes of the frames that follow a message of @p length bytes, its response first.
     std::vector<size_t> frameSizes(uint16_t length) {
-        Frame request{0x01, 0x00, 0x05, 0x10};
-        virtual_adapter::appendU16(request, length);
+        Frame request{0x01,
+                      0x00,
+                      0x05,
+                      0x10,
+                      virtual_adapter::lowByte(length),
+                      virtual_adapter::highByte(length)};
         request.resize(request.size() + length, 0x55);
         std::vector<size_t> sizes;
-        for (const Frame& frame : adapter.frames(request)) {
+        for (const Frame& frame : frames(request)) {
             sizes.push_back(frame.size());
         }
         return sizes;
     }
-
-    AdapterFixture adapter;
 };
 
 class HighSpeedUartModel : public UartModel {
@@ -44,31 +48,29 @@ TEST_F(UartModel, TheLongestMessageComesBackIn1214Notifications) {
     EXPECT_LE(*std::max_element(sizes.begin(), sizes.end()), 62U) << "each is one report";
 }
 
-TEST(UartModelSetUp, EveryCommandIsRefusedWithoutTheIoVoltage) {
-    AdapterFixture adapter;
-    EXPECT_EQ(adapter.status({0x01, 0x00, 0x02, 0x10, 7, 0, 0, 8, 1}), 0x0004U);
-    EXPECT_EQ(adapter.status({0x01, 0x00, 0x03, 0x10, 7, 0, 0, 8, 1}), 0x0004U);
-    EXPECT_EQ(adapter.status({0x01, 0x00, 0x05, 0x10, 1, 0, 'A'}), 0x0004U);
+TEST_F(UartModelSetUp, EveryCommandIsRefusedWithoutTheIoVoltage) {
+    EXPECT_EQ(status({0x01, 0x00, 0x02, 0x10, 7, 0, 0, 8, 1}), 0x0004U);
+    EXPECT_EQ(status({0x01, 0x00, 0x03, 0x10, 7, 0, 0, 8, 1}), 0x0004U);
+    EXPECT_EQ(status({0x01, 0x00, 0x05, 0x10, 1, 0, 'A'}), 0x0004U);
 }
 
-TEST(UartModelSetUp, AUartThatIsNotInitialisedRefusesParametersAndMessages) {
-    AdapterFixture adapter;
-    adapter.powerOn();
-    EXPECT_EQ(adapter.response({0x01, 0x00, 0x03, 0x10, 7, 0, 0, 8, 1}),
+TEST_F(UartModelSetUp, AUartThatIsNotInitialisedRefusesParametersAndMessages) {
+    powerOn();
+    EXPECT_EQ(response({0x01, 0x00, 0x03, 0x10, 7, 0, 0, 8, 1}),
               (Frame{0x01, 0x00, 0x03, 0x10, 0x05, 0x00}));
-    EXPECT_EQ(adapter.response({0x01, 0x00, 0x05, 0x10, 1, 0, 'A'}),
+    EXPECT_EQ(response({0x01, 0x00, 0x05, 0x10, 1, 0, 'A'}),
               (Frame{0x01, 0x00, 0x05, 0x10, 0x05, 0x00}));
 }
 
 TEST_F(UartModel, EveryKnownValueIsAccepted) {
     for (const uint8_t command : {uint8_t{0x02}, uint8_t{0x03}}) {
         for (uint8_t baudRate = 0; baudRate <= 10; ++baudRate) {
-            EXPECT_EQ(adapter.status({0x01, 0x00, command, 0x10, baudRate, 0, 0, 8, 1}), 0x0000U);
+            EXPECT_EQ(status({0x01, 0x00, command, 0x10, baudRate, 0, 0, 8, 1}), 0x0000U);
         }
         for (uint8_t dataSize = 5; dataSize <= 8; ++dataSize) {
-            EXPECT_EQ(adapter.status({0x01, 0x00, command, 0x10, 7, 1, 1, dataSize, 2}), 0x0000U);
+            EXPECT_EQ(status({0x01, 0x00, command, 0x10, 7, 1, 1, dataSize, 2}), 0x0000U);
         }
-        EXPECT_EQ(adapter.status({0x01, 0x00, command, 0x10, 7, 0, 2, 8, 1}), 0x0000U);
+        EXPECT_EQ(status({0x01, 0x00, command, 0x10, 7, 0, 2, 8, 1}), 0x0000U);
     }
 }
 
@@ -83,7 +85,7 @@ TEST_F(UartModel, UnknownValuesAreRefused) {
                  Frame{0x01, 0x00, command, 0x10, 7, 0, 0, 8, 0},
                  Frame{0x01, 0x00, command, 0x10, 7, 0, 0, 8, 3},
              }) {
-            EXPECT_EQ(adapter.status(request), 0x0003U) << testing::PrintToString(request);
+            EXPECT_EQ(status(request), 0x0003U) << testing::PrintToString(request);
         }
     }
 }
@@ -98,12 +100,12 @@ TEST_F(UartModel, RequestsOfAnotherLengthAreMalformed) {
              Frame{0x01, 0x00, 0x05, 0x10, 1, 0, 'A', 'B'},
              Frame{0x01, 0x00, 0x05, 0x10, 1},
          }) {
-        EXPECT_EQ(adapter.status(request), 0x0002U) << testing::PrintToString(request);
+        EXPECT_EQ(status(request), 0x0002U) << testing::PrintToString(request);
     }
 }
 
 TEST_F(UartModel, AMessageComesBackBehindItsResponse) {
-    EXPECT_EQ(adapter.frames({0x01, 0x00, 0x05, 0x10, 3, 0, 'A', 'B', 0xFF}),
+    EXPECT_EQ(frames({0x01, 0x00, 0x05, 0x10, 3, 0, 'A', 'B', 0xFF}),
               (std::vector<Frame>{
                   {0x01, 0x00, 0x05, 0x10, 0x00, 0x00},
                   {0x00, 0x00, 0x81, 0x10, 0x00, 0x00, 0x03, 0x00, 'A', 'B', 0xFF},
@@ -111,7 +113,7 @@ TEST_F(UartModel, AMessageComesBackBehindItsResponse) {
 }
 
 TEST_F(UartModel, AnEmptyMessageSucceedsAndBringsNothingBack) {
-    EXPECT_EQ(adapter.response({0x01, 0x00, 0x05, 0x10, 0, 0}),
+    EXPECT_EQ(response({0x01, 0x00, 0x05, 0x10, 0, 0}),
               (Frame{0x01, 0x00, 0x05, 0x10, 0x00, 0x00}));
 }
 
@@ -131,27 +133,27 @@ TEST_F(UartModel, TheChunksKeepTheOrderOfTheBytes) {
     for (uint8_t byte = 0; byte < 56; ++byte) {
         request.push_back(byte);
     }
-    const std::vector<Frame> frames = adapter.frames(request);
-    ASSERT_EQ(frames.size(), 3U);
-    EXPECT_EQ(frames[1].at(6), 54);
-    EXPECT_EQ(frames[1].at(8), 0);
-    EXPECT_EQ(frames[1].back(), 53);
-    EXPECT_EQ(frames[2], (Frame{0x00, 0x00, 0x81, 0x10, 0x00, 0x00, 0x02, 0x00, 54, 55}));
+    const std::vector<Frame> answered = frames(request);
+    ASSERT_EQ(answered.size(), 3U);
+    EXPECT_EQ(answered[1].at(6), 54);
+    EXPECT_EQ(answered[1].at(8), 0);
+    EXPECT_EQ(answered[1].back(), 53);
+    EXPECT_EQ(answered[2], (Frame{0x00, 0x00, 0x81, 0x10, 0x00, 0x00, 0x02, 0x00, 54, 55}));
 }
 
 TEST_F(UartModel, FewerDataBitsCutTheCharacters) {
     const std::vector<std::pair<uint8_t, uint8_t>> masks{
         {5, 0x1F}, {6, 0x3F}, {7, 0x7F}, {8, 0xFF}};
     for (const auto& [dataSize, mask] : masks) {
-        adapter.status({0x01, 0x00, 0x03, 0x10, 7, 0, 0, dataSize, 1});
-        EXPECT_EQ(adapter.frames({0x01, 0x00, 0x05, 0x10, 1, 0, 0xFF}).back(),
+        status({0x01, 0x00, 0x03, 0x10, 7, 0, 0, dataSize, 1});
+        EXPECT_EQ(frames({0x01, 0x00, 0x05, 0x10, 1, 0, 0xFF}).back(),
                   (Frame{0x00, 0x00, 0x81, 0x10, 0x00, 0x00, 0x01, 0x00, mask}));
     }
 }
 
 TEST_F(UartModel, RefusedParametersLeaveTheOldOnesInForce) {
-    adapter.status({0x01, 0x00, 0x03, 0x10, 7, 0, 0, 5, 3});
-    EXPECT_EQ(adapter.frames({0x01, 0x00, 0x05, 0x10, 1, 0, 0xFF}).back(),
+    status({0x01, 0x00, 0x03, 0x10, 7, 0, 0, 5, 3});
+    EXPECT_EQ(frames({0x01, 0x00, 0x05, 0x10, 1, 0, 0xFF}).back(),
               (Frame{0x00, 0x00, 0x81, 0x10, 0x00, 0x00, 0x01, 0x00, 0xFF}));
 }
 

@@ -23,9 +23,7 @@ inline Bytes joined(std::initializer_list<Bytes> parts) {
 
 /// A virtual adapter with the questions that tests ask of its I3C bus.
 class I3cFixture : public AdapterFixture {
-public:
-    using AdapterFixture::AdapterFixture;
-
+protected:
     /// Supplies the bus with 3.3 V.
     void supply() { EXPECT_EQ(status({0x01, 0x00, 0x04, 0x04, 0xE4, 0x0C}), 0x0000U); }
 
@@ -115,11 +113,9 @@ public:
 };
 
 /// A test on a bus whose targets have been found.
-class I3cModel : public testing::Test {
+class I3cModel : public I3cFixture {
 protected:
-    I3cModel() { adapter.startBus(); }
-
-    I3cFixture adapter;
+    I3cModel() { startBus(); }
 };
 
 } // namespace virtual_adapter

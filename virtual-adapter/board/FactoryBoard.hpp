@@ -1,0 +1,11 @@
+#pragma once
+
+#include "board/Board.hpp"
+
+namespace virtual_adapter {
+
+/// The board that the adapter has unless told otherwise. docs/virtual-adapter.md describes it for
+/// users.
+Board factoryBoard();
+
+} // namespace virtual_adapter

@@ -1,0 +1,13 @@
+#include "model/gpio/GpioLines.hpp"
+
+#include <algorithm>
+
+namespace virtual_adapter {
+
+void GpioLines::join(GpioPinNumber one, GpioPinNumber other) {
+    const size_t kept = lineOf.at(one);
+    const size_t given = lineOf.at(other);
+    std::replace(lineOf.begin(), lineOf.end(), given, kept);
+}
+
+} // namespace virtual_adapter

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <veltrasdk/gpio.h>
+
+#include <array>
+#include <cstddef>
+
+namespace virtual_adapter {
+
+/// The lines that the eight pins lie on: each its own, until pins are joined.
+class GpioLines {
+public:
+    static constexpr size_t pinCount = 8;
+
+    /// Wires two pins together, and with them whatever each is wired to already.
+    void join(GpioPinNumber one, GpioPinNumber other);
+
+    [[nodiscard]] bool areJoined(size_t one, size_t other) const {
+        return lineOf.at(one) == lineOf.at(other);
+    }
+
+private:
+    std::array<size_t, pinCount> lineOf{0, 1, 2, 3, 4, 5, 6, 7};
+};
+
+} // namespace virtual_adapter

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "bytes/Bytes.hpp"
+
+namespace virtual_adapter {
+
+/// What the UART's two lines lead to.
+class UartTarget {
+public:
+    UartTarget() = default;
+    UartTarget(const UartTarget&) = delete;
+    UartTarget& operator=(const UartTarget&) = delete;
+    virtual ~UartTarget() = default;
+
+    /// Takes the characters of one message. Returns those that it sends back.
+    virtual Bytes receive(const Bytes& message) = 0;
+};
+
+} // namespace virtual_adapter
