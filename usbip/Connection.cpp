@@ -46,6 +46,7 @@ void Connection::receive(const uint8_t* data, size_t size, Time now) {
         if (!command) {
             break;
         }
+        used = true;
         std::visit([&](auto& asked) { carryOut(std::move(asked), now); }, *command);
     }
     over = over || reader.isMalformed();

@@ -25,6 +25,9 @@ public:
     /// Whether the host has the device.
     [[nodiscard]] bool isPluggedIn() const { return device != nullptr; }
 
+    /// Whether the host has asked anything of the device that it has.
+    [[nodiscard]] bool isInUse() const { return used; }
+
     void receive(const uint8_t* data, size_t size, Time now);
 
     /// Sends the host what has come due.
@@ -55,6 +58,7 @@ private:
     Bytes outgoing;
     std::unique_ptr<Device> device;
     size_t pendingCommands = 0;
+    bool used = false;
     /// For another reason than that the device has left the bus.
     bool over = false;
 };

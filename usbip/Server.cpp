@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <chrono>
 #include <limits>
+#include <system_error>
 #include <vector>
 
 namespace usbip {
@@ -19,14 +20,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Hosts beyond these wait in the listening socket's queue.
-constexpr size_t maxHosts = 16;
-/// For a host to say what it wants, and for the last bytes to reach one that is hung up on.
-constexpr auto patience = 10s;
-
-Time currentTime() {
-    return std::chrono::steady_clock::now();
-}
+/// Until descriptors may have become free elsewhere.
+constexpr auto acceptPause = 100ms;
 
 short eventsOf(bool input, bool output) {
     return static_cast<short>((input ? POLLIN : 0) | (output ? POLLOUT : 0));
@@ -34,6 +29,10 @@ short eventsOf(bool input, bool output) {
 
 bool wouldBlock() {
     return errno == EAGAIN || errno == EINTR;
+}
+
+bool isCaller(const Connection& connection) {
+    return !connection.isPluggedIn();
 }
 
 void sendAtOnce(const FileDescriptor& socket) {
@@ -59,17 +58,24 @@ Server::End Server::run(const FileDescriptor& stop) {
 }
 
 bool Server::serveOnce(const FileDescriptor& stop) {
+    const Time before = limits.clock();
+    if (acceptAgain && *acceptAgain <= before) {
+        acceptAgain.reset();
+    }
     std::vector<pollfd> polled{{stop.get(), POLLIN, 0},
-                               {listener.get(), eventsOf(hosts.size() < maxHosts, false), 0}};
+                               {listener.get(), eventsOf(!acceptAgain, false), 0}};
     for (Host& host : hosts) {
         const bool unsent = !host.connection.output().empty();
         polled.push_back({host.socket.get(), eventsOf(host.connection.wantsInput(), unsent), 0});
     }
-    if (poll(polled.data(), polled.size(), millisecondsToWait(currentTime())) < 0) {
-        return errno == EINTR;
+    if (poll(polled.data(), polled.size(), millisecondsToWait(before)) < 0) {
+        if (errno == EINTR) {
+            return true;
+        }
+        throw std::system_error(errno, std::generic_category(), "cannot wait for hosts");
     }
 
-    const Time now = currentTime();
+    const Time now = limits.clock();
     auto events = polled.begin() + 2;
     for (Host& host : hosts) {
         if (((events++)->revents & (POLLIN | POLLHUP | POLLERR)) != 0) {
@@ -86,7 +92,7 @@ bool Server::serveOnce(const FileDescriptor& stop) {
 }
 
 int Server::millisecondsToWait(Time now) const {
-    std::optional<Time> next;
+    std::optional<Time> next = acceptAgain;
     for (const Host& host : hosts) {
         for (const std::optional<Time>& event : {host.deadline, host.connection.nextDue()}) {
             if (event && (!next || *event < *next)) {
@@ -102,18 +108,40 @@ int Server::millisecondsToWait(Time now) const {
 }
 
 void Server::accept(Time now) {
+    const auto callers = std::count_if(hosts.begin(), hosts.end(),
+                                       [](const Host& host) { return isCaller(host.connection); });
+    if (static_cast<size_t>(callers) >= limits.maxCallers) {
+        hangUpOnOldestCaller();
+    }
     FileDescriptor socket(accept4(listener.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
     if (socket.isOpen()) {
         sendAtOnce(socket);
-        hosts.emplace_back(std::move(socket), exported).deadline = now + patience;
+        hosts.emplace_back(std::move(socket), exported).deadline = now + limits.patience;
+    } else if (!wouldBlock() && errno != ECONNABORTED && !hangUpOnOldestCaller()) {
+        // The host stays in the queue, where poll would report it again at once, for ever.
+        acceptAgain = now + acceptPause;
     }
 }
 
-void Server::receive(Host& host, Time now) {
+bool Server::hangUpOnOldestCaller() {
+    const auto oldest = std::find_if(hosts.begin(), hosts.end(),
+                                     [](const Host& host) { return isCaller(host.connection); });
+    if (oldest == hosts.end()) {
+        return false;
+    }
+    hosts.erase(oldest);
+    return true;
+}
+
+void Server::receive(Host& host, Time now) const {
     std::array<uint8_t, 1U << 16U> buffer{};
     const ssize_t size = recv(host.socket.get(), buffer.data(), buffer.size(), 0);
     if (size > 0) {
+        const bool wasCaller = isCaller(host.connection);
         host.connection.receive(buffer.data(), static_cast<size_t>(size), now);
+        if (wasCaller && !isCaller(host.connection)) {
+            host.deadline = now + limits.patience;
+        }
     } else if (size == 0 || !wouldBlock()) {
         host.isGone = true;
     }
@@ -135,9 +163,9 @@ void Server::send(Host& host) {
 void Server::removeFinishedHosts(Time now) {
     hosts.remove_if([&](Host& host) {
         if (host.connection.isOver()) {
-            host.deadline = host.deadline.value_or(now + patience);
+            host.deadline = host.deadline.value_or(now + limits.patience);
             host.isGone = host.isGone || host.connection.output().empty();
-        } else if (host.connection.isPluggedIn()) {
+        } else if (host.connection.isInUse()) {
             host.deadline.reset();
         }
         return host.isGone || (host.deadline && *host.deadline <= now);

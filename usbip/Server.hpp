@@ -3,17 +3,31 @@
 #include "usbip/Connection.hpp"
 #include "usbip/FileDescriptor.hpp"
 
+#include <chrono>
+#include <cstddef>
+#include <functional>
 #include <list>
 #include <optional>
 #include <utility>
 
 namespace usbip {
 
+/// What a server grants its hosts, and the clock that measures it.
+struct ServerLimits {
+    /// Hosts at a time that do not have the device. For one more the oldest is hung up on.
+    size_t maxCallers = 16;
+    /// For a host to say what it wants, to use the device once it has taken it, and to take the
+    /// last bytes when it is hung up on.
+    std::chrono::milliseconds patience{10'000};
+    std::function<Time()> clock = std::chrono::steady_clock::now;
+};
+
 /// Serves one device to the hosts that connect, all on the thread that calls `run`. Whatever a host
 /// does, the others are served.
 class Server {
 public:
-    explicit Server(ExportedDevice exportedDevice) : exported(std::move(exportedDevice)) {}
+    explicit Server(ExportedDevice exportedDevice, ServerLimits granted = {})
+        : exported(std::move(exportedDevice)), limits(std::move(granted)) {}
 
     /// Serves every host that connects to @p listeningSocket. Without one, `run` serves until the
     /// last host has gone.
@@ -24,7 +38,8 @@ public:
 
     enum class End { Stopped, NothingLeft };
 
-    /// Returns when @p stop becomes readable, or nothing is left to serve.
+    /// Returns when @p stop becomes readable, or nothing is left to serve. Throws
+    /// std::system_error when the system cannot wait for hosts any more.
     End run(const FileDescriptor& stop);
 
 private:
@@ -43,13 +58,19 @@ private:
     bool serveOnce(const FileDescriptor& stop);
     [[nodiscard]] int millisecondsToWait(Time now) const;
     void accept(Time now);
-    static void receive(Host& host, Time now);
+    /// Hangs up on the caller that has been here longest. Returns false without any.
+    bool hangUpOnOldestCaller();
+    void receive(Host& host, Time now) const;
     static void send(Host& host);
     void removeFinishedHosts(Time now);
 
     ExportedDevice exported;
+    const ServerLimits limits;
     FileDescriptor listener;
+    /// The oldest first.
     std::list<Host> hosts;
+    /// When to look for new hosts again, after there was no descriptor for one.
+    std::optional<Time> acceptAgain;
 };
 
 } // namespace usbip
