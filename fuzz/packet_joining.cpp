@@ -33,7 +33,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         const bool complete = protocol.receiveUsbInTransferPackets(message, packet);
         require(complete == (packet.size() >= 2 && (packet[0] & 2U) != 0),
                 "the packet with the last flag completes a message");
-        require(message.size() <= UsbTransferProtocol::longestMessage, "a message is limited");
+        require(message.size() <= UsbTransferProtocol::maxMessageSize, "a message is limited");
         require(message.size() <= before + packet.size(), "a packet adds no more than it holds");
         if (complete) {
             expectRoundTrip(protocol, message);

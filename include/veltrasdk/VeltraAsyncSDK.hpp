@@ -18,9 +18,6 @@
 #include <string>
 #include <vector>
 
-class CommunicationManager;
-class RequestFrame;
-
 /**
  * @brief Encodes one command per operation and hands it to the link, without waiting.
  *
@@ -135,7 +132,7 @@ public:
      * @return whether the last connect call succeeded and the link was not closed since. An adapter
      *         that is unplugged leaves the link connected.
      */
-    [[nodiscard]] bool isConnected() const { return connected; }
+    [[nodiscard]] bool isConnected() const;
 
     /** @name System */
     /** @{ */
@@ -682,11 +679,9 @@ public:
     /** @} */
 
 private:
-    uint16_t send(const RequestFrame& request);
-    [[nodiscard]] uint16_t refuseArgument() const;
+    class Link;
 
-    std::unique_ptr<CommunicationManager> communicationManager;
-    bool connected = false;
+    std::unique_ptr<Link> link;
 };
 
 #endif

@@ -16,14 +16,11 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
 
-class BlockingApi;
 class CommunicationManager;
-class VeltraAsyncSDK;
 
 /**
  * @brief Drives one adapter: each operation sends one request and waits for the response.
@@ -882,26 +879,12 @@ public:
     /** @} */
 
 private:
-    struct CommonCommandCode;
+    class Engine;
 
-    template <typename Encode, typename Decode>
-    uint16_t exchange(const Encode& encode, const Decode& decode);
-    template <typename Encode, typename Decode>
-    uint16_t transact(const Encode& encode, const Decode& decode);
-    template <typename Encode>
-    uint16_t transact(const Encode& encode);
-    template <typename Decode>
-    uint16_t transactCcc(const CommonCommandCode& ccc, const Decode& decode);
-    uint16_t transactCcc(const CommonCommandCode& ccc);
-
-    std::unique_ptr<BlockingApi> blockingApi;
-    std::unique_ptr<VeltraAsyncSDK> asyncSdk;
+    std::unique_ptr<Engine> engine;
+    // Never set and used by nothing: the link belongs to the engine's encoder. The member is kept
+    // as a fixed part of the class.
     std::unique_ptr<CommunicationManager> communicationManager;
-    uint16_t lastTransactionId = 0;
-    std::vector<uint8_t> lastResponse;
-    std::function<void(const Notification&)> notificationHandler;
-    // Decoding sees one whole frame, even when a late response comes in.
-    std::mutex responseMutex;
 };
 
 #endif

@@ -4,7 +4,17 @@
 #include <veltrasdk/veltrasdk.h>
 
 #include <array>
+#include <cstdint>
 #include <memory>
+#include <vector>
+
+/// What a C function's bytes are copied into on their way to the class and back. It belongs to one
+/// operation at a time and is kept for the next, so that only the first ones allocate.
+struct OperationBuffers {
+    std::vector<uint8_t> subAddress;
+    std::vector<uint8_t> sent;
+    std::vector<uint8_t> received;
+};
 
 struct VeltraSDK_Handle {
     std::unique_ptr<VeltraSDK> sdk;
@@ -13,6 +23,8 @@ struct VeltraSDK_Handle {
     VeltraSDK_NotificationCallback notificationCallback = nullptr;
     std::array<uint8_t, 256> notificationData{};
     uint8_t notificationSize = 0;
+
+    OperationBuffers buffers;
 };
 
 /// The rule of every C function with a result code: a null handle is not connected.
@@ -21,4 +33,10 @@ int16_t withSdk(VeltraSDK_Handle* handle, const Operation& operation) {
     const uint16_t result =
         handle == nullptr ? uint16_t{ResultCode_NotConnected} : operation(*handle->sdk);
     return static_cast<int16_t>(result);
+}
+
+/// The same for an operation that hands bytes on.
+template <typename Operation>
+int16_t withBuffers(VeltraSDK_Handle* handle, const Operation& operation) {
+    return withSdk(handle, [&](VeltraSDK& sdk) { return operation(sdk, handle->buffers); });
 }

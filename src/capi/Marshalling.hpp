@@ -7,7 +7,7 @@
 #include <vector>
 
 /// The most bytes that a C caller may give as a register or sub-address.
-constexpr uint8_t longestSubAddress = 4;
+constexpr uint8_t maxSubAddressSize = 4;
 
 /// Whether an input buffer is announced but not given.
 inline bool isMissing(const void* buffer, size_t count) {
@@ -15,13 +15,18 @@ inline bool isMissing(const void* buffer, size_t count) {
 }
 
 inline bool isSubAddress(const uint8_t* bytes, uint8_t count) {
-    return count <= longestSubAddress && !isMissing(bytes, count);
+    return count <= maxSubAddressSize && !isMissing(bytes, count);
 }
 
-/// Copies an input buffer; the pointer of an empty one is not used.
-template <typename Value>
-std::vector<Value> copyIn(const Value* values, size_t count) {
-    return count == 0 ? std::vector<Value>() : std::vector<Value>(values, values + count);
+/// Copies an input buffer and returns the copy; the pointer of an empty one is not used.
+inline std::vector<uint8_t>& copyIn(std::vector<uint8_t>& copy, const uint8_t* bytes,
+                                    size_t count) {
+    if (count == 0) {
+        copy.clear();
+    } else {
+        copy.assign(bytes, bytes + count);
+    }
+    return copy;
 }
 
 /// Copies a result into the caller's buffer, whose capacity is the caller's business.

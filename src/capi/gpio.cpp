@@ -1,9 +1,5 @@
 #include "capi/Handle.hpp"
 
-int16_t VeltraSDK_GpioSetVoltage(VeltraSDK_Handle* handle, uint16_t millivolts, bool flag) {
-    return withSdk(handle, [&](VeltraSDK& sdk) { return sdk.gpioSetVoltage(millivolts, flag); });
-}
-
 int16_t VeltraSDK_GpioConfigurePin(VeltraSDK_Handle* handle, GpioPinNumber pin,
                                    GpioFunctionality functionality, bool hasLevel,
                                    GpioLogicLevel level) {

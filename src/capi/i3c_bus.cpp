@@ -29,7 +29,10 @@ int16_t VeltraSDK_I3cResetBus(VeltraSDK_Handle* handle) {
 
 int16_t VeltraSDK_I3cInitBus(VeltraSDK_Handle* handle, const I3cTargetInfo* targets,
                              uint8_t count) {
-    std::vector<I3cTargetInfo> records = copyIn(targets, count);
+    std::vector<I3cTargetInfo> records;
+    if (count != 0) {
+        records.assign(targets, targets + count);
+    }
     return withSdk(handle, [&](VeltraSDK& sdk) { return sdk.i3cInitBus(std::move(records)); });
 }
 

@@ -16,11 +16,11 @@ int16_t queryValue(VeltraSDK_Handle* handle, Value* value, const Query& query) {
 /// A query for bytes and their number, which are written only on success.
 template <typename Query>
 int16_t queryBytes(VeltraSDK_Handle* handle, uint8_t* buffer, uint8_t* count, const Query& query) {
-    return withSdk(handle, [&](VeltraSDK& sdk) -> uint16_t {
+    return withBuffers(handle, [&](VeltraSDK& sdk, OperationBuffers& buffers) -> uint16_t {
         if (buffer == nullptr || count == nullptr) {
             return ResultCode_InvalidArgument;
         }
-        Bytes bytes;
+        Bytes& bytes = buffers.received;
         const uint16_t result = query(sdk, bytes);
         if (result == ResultCode_Success) {
             copyOut(bytes, buffer);
@@ -126,8 +126,9 @@ int16_t VeltraSDK_I3cCccSETDASA(VeltraSDK_Handle* handle, uint8_t staticAddress,
 
 int16_t VeltraSDK_I3cCccSETAASA(VeltraSDK_Handle* handle, const uint8_t* staticAddresses,
                                 size_t count) {
-    return withSdk(
-        handle, [&](VeltraSDK& sdk) { return sdk.i3cCccSETAASA(copyIn(staticAddresses, count)); });
+    return withBuffers(handle, [&](VeltraSDK& sdk, OperationBuffers& buffers) {
+        return sdk.i3cCccSETAASA(copyIn(buffers.sent, staticAddresses, count));
+    });
 }
 
 int16_t VeltraSDK_I3cCccENECDirect(VeltraSDK_Handle* handle, uint8_t address, uint8_t events) {

@@ -1,22 +1,5 @@
 #include "capi/Handle.hpp"
 
-#include <algorithm>
-#include <string>
-#include <utility>
-
-namespace {
-
-/// Callers release it with delete[].
-using Text = std::unique_ptr<char[]>;
-
-Text terminatedCopy(const std::string& text) {
-    Text copy(new char[text.size() + 1]);
-    *std::copy(text.begin(), text.end(), copy.get()) = '\0';
-    return copy;
-}
-
-} // namespace
-
 VeltraSDK_Handle* VeltraSDK_Create(int32_t timeoutMs) {
     auto handle = std::make_unique<VeltraSDK_Handle>();
     handle->sdk = std::make_unique<VeltraSDK>(timeoutMs);
@@ -43,29 +26,4 @@ void VeltraSDK_Disconnect(VeltraSDK_Handle* handle) {
     if (handle != nullptr) {
         handle->sdk->disconnect();
     }
-}
-
-int16_t VeltraSDK_GetDeviceInfo(VeltraSDK_Handle* handle, VeltraSDK_DeviceInfo* info) {
-    return withSdk(handle, [&](VeltraSDK& sdk) {
-        VeltraSDK::DeviceInfo read;
-        const uint16_t result = sdk.getDeviceInfo(read);
-        if (result == ResultCode_Success) {
-            // All copies are made before any is handed out: a failing allocation leaves the
-            // caller's record as it was.
-            Text text1 = terminatedCopy(read.usbString1);
-            Text text2 = terminatedCopy(read.usbString2);
-            Text text3 = terminatedCopy(read.usbString3);
-            Text text4 = terminatedCopy(read.usbString4);
-            Text text5 = terminatedCopy(read.usbString5);
-            *info = {text1.release(),        read.usbString1.size(), text2.release(),
-                     read.usbString2.size(), text3.release(),        read.usbString3.size(),
-                     text4.release(),        read.usbString4.size(), text5.release(),
-                     read.usbString5.size()};
-        }
-        return result;
-    });
-}
-
-int16_t VeltraSDK_EnterBootMode(VeltraSDK_Handle* handle) {
-    return withSdk(handle, [](VeltraSDK& sdk) { return sdk.enterBootMode(); });
 }

@@ -1,10 +1,6 @@
 #include "capi/Handle.hpp"
 #include "capi/Marshalling.hpp"
 
-int16_t VeltraSDK_UartSetBusVoltage(VeltraSDK_Handle* handle, uint16_t millivolts, bool flag) {
-    return withSdk(handle, [&](VeltraSDK& sdk) { return sdk.uartSetBusVoltage(millivolts, flag); });
-}
-
 int16_t VeltraSDK_UartInit(VeltraSDK_Handle* handle, UartBaudRate baudRate,
                            UartHwHandshake handshake, UartParity parity, UartDataSize dataSize,
                            UartStopBit stopBit) {
@@ -23,6 +19,7 @@ int16_t VeltraSDK_UartSetParameters(VeltraSDK_Handle* handle, UartBaudRate baudR
 
 int16_t VeltraSDK_UartSendMessage(VeltraSDK_Handle* handle, const uint8_t* message,
                                   uint16_t length) {
-    const std::vector<uint8_t> messageBytes = copyIn(message, length);
-    return withSdk(handle, [&](VeltraSDK& sdk) { return sdk.uartSendMessage(messageBytes); });
+    return withBuffers(handle, [&](VeltraSDK& sdk, OperationBuffers& buffers) {
+        return sdk.uartSendMessage(copyIn(buffers.sent, message, length));
+    });
 }

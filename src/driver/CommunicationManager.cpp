@@ -27,10 +27,14 @@ void CommunicationManager::disconnect() {
 }
 
 void CommunicationManager::sendRequest(const std::vector<uint8_t>& request) {
-    outPackets.clear();
-    protocol->createUsbOutTransferPackets(outPackets, request);
-    for (const std::vector<uint8_t>& packet : outPackets) {
-        driver->sendCommand(packet);
+    sendRequest(request.data(), request.size());
+}
+
+void CommunicationManager::sendRequest(const uint8_t* request, size_t size) {
+    OutputReport report;
+    for (size_t offset = 0; offset < size; offset += protocol->getPacketPayloadLength()) {
+        const size_t packetSize = protocol->createPacket(report.packet(), request, size, offset);
+        driver->sendReport(report, packetSize);
     }
 }
 

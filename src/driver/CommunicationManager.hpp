@@ -2,6 +2,7 @@
 
 #include "driver/UsbTransferProtocol.hpp"
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -28,6 +29,7 @@ public:
     /// Writes @p request report by report; only after a successful connect. A failed write is not
     /// reported: the request simply gets no response.
     void sendRequest(const std::vector<uint8_t>& request);
+    void sendRequest(const uint8_t* request, size_t size);
 
     /// Installs the receiver of whole messages. It runs on the polling thread, and its argument is
     /// valid only during the call.
@@ -38,7 +40,6 @@ public:
 
 private:
     std::vector<uint8_t> receivedMessage;
-    std::vector<std::vector<uint8_t>> outPackets;
     // Guards `protocol`: the polling thread runs before connect has made the framing object. The
     // driver below, destroyed first, still uses it.
     std::mutex protocolMutex;

@@ -16,25 +16,24 @@ constexpr unsigned lengthMask = 0x3FF;
 UsbTransferProtocol::UsbTransferProtocol(size_t reportSize)
     : endpointSize(reportSize), packetPayloadLength(reportSize - headerSize) {}
 
+size_t UsbTransferProtocol::createPacket(uint8_t* packet, const uint8_t* message,
+                                         size_t messageSize, size_t offset) const {
+    const size_t remaining = messageSize - offset;
+    const size_t length = std::min(packetPayloadLength, remaining);
+    const unsigned header = (offset == 0 ? firstPacketFlag : 0) |
+                            (length == remaining ? lastPacketFlag : 0) |
+                            (static_cast<unsigned>(length) & lengthMask) << lengthShift;
+    packet[0] = static_cast<uint8_t>(header & 0xFFU);
+    packet[1] = static_cast<uint8_t>(header >> 8U);
+    std::copy_n(message + offset, length, packet + headerSize);
+    return headerSize + length;
+}
+
 void UsbTransferProtocol::createUsbOutTransferPackets(std::vector<std::vector<uint8_t>>& packets,
                                                       const std::vector<uint8_t>& message) const {
-    const size_t count = (message.size() + packetPayloadLength - 1) / packetPayloadLength;
-    packets.reserve(packets.size() + count);
-    auto payload = message.begin();
-    for (size_t i = 0; i < count; ++i) {
-        const auto remaining = static_cast<size_t>(std::distance(payload, message.end()));
-        const size_t length = std::min(packetPayloadLength, remaining);
-        const unsigned header = (i == 0 ? firstPacketFlag : 0) |
-                                (i == count - 1 ? lastPacketFlag : 0) |
-                                (static_cast<unsigned>(length) & lengthMask) << lengthShift;
-        const auto payloadEnd = std::next(payload, static_cast<std::ptrdiff_t>(length));
-
-        std::vector<uint8_t>& packet = packets.emplace_back();
-        packet.reserve(headerSize + length);
-        packet.push_back(static_cast<uint8_t>(header & 0xFFU));
-        packet.push_back(static_cast<uint8_t>(header >> 8U));
-        packet.insert(packet.end(), payload, payloadEnd);
-        payload = payloadEnd;
+    for (size_t offset = 0; offset < message.size(); offset += packetPayloadLength) {
+        std::vector<uint8_t>& packet = packets.emplace_back(endpointSize);
+        packet.resize(createPacket(packet.data(), message.data(), message.size(), offset));
     }
 }
 
@@ -49,7 +48,7 @@ bool UsbTransferProtocol::receiveUsbInTransferPackets(std::vector<uint8_t>& mess
     }
     const size_t announced = header >> lengthShift & lengthMask;
     const size_t present = packet.size() - headerSize;
-    const size_t length = std::min({announced, present, longestMessage - message.size()});
+    const size_t length = std::min({announced, present, maxMessageSize - message.size()});
     const auto payload = std::next(packet.begin(), headerSize);
     message.insert(message.end(), payload, std::next(payload, static_cast<std::ptrdiff_t>(length)));
     return (header & lastPacketFlag) != 0;

@@ -15,6 +15,11 @@ public:
     [[nodiscard]] size_t getEndpointSize() const { return endpointSize; }
     [[nodiscard]] size_t getPacketPayloadLength() const { return packetPayloadLength; }
 
+    /// Makes the packet whose payload begins at @p offset, below @p messageSize, of a message.
+    /// @p packet has room for a report. Returns the packet's size.
+    size_t createPacket(uint8_t* packet, const uint8_t* message, size_t messageSize,
+                        size_t offset) const;
+
     /// Appends the packets of @p message to @p packets; an empty message has none.
     void createUsbOutTransferPackets(std::vector<std::vector<uint8_t>>& packets,
                                      const std::vector<uint8_t>& message) const;
@@ -23,13 +28,13 @@ public:
     ///
     /// There is no sequence number: a continuation is appended to whatever @p message holds, and a
     /// first packet drops it. A length beyond the packet's end is cut to what the packet carries; a
-    /// packet without a whole header is ignored. A message stops growing at `longestMessage`.
+    /// packet without a whole header is ignored. A message stops growing at `maxMessageSize`.
     bool receiveUsbInTransferPackets(std::vector<uint8_t>& message,
                                      const std::vector<uint8_t>& packet);
 
     /// No frame comes near it (the longest carries 65,535 bytes of data); it keeps a device that
     /// never ends its message from taking the host's memory.
-    static constexpr size_t longestMessage = size_t{1} << 20U;
+    static constexpr size_t maxMessageSize = size_t{1} << 20U;
 
 private:
     size_t endpointSize;

@@ -17,7 +17,7 @@ public:
         : ResponseFrame(frame.data(), frame.size()) {}
 
     /// A frame without a whole header and status is not routed.
-    static constexpr size_t shortestFrame = 6;
+    static constexpr size_t minSize = 6;
 
     [[nodiscard]] uint16_t transactionId() const { return u16(0); }
     [[nodiscard]] CommandCode commandCode() const { return static_cast<CommandCode>(u16(2)); }

@@ -1,10 +1,4 @@
-#include <veltrasdk/VeltraAsyncSDK.hpp>
-
-#include "protocol/RequestFrame.hpp"
-
-uint16_t VeltraAsyncSDK::gpioSetVoltage(uint16_t transactionId, uint16_t millivolts, bool flag) {
-    return setI2cSpiUartGpioVoltage(transactionId, millivolts, flag);
-}
+#include "protocol/Link.hpp"
 
 uint16_t VeltraAsyncSDK::gpioConfigurePin(uint16_t transactionId, GpioPinNumber pin,
                                           GpioFunctionality functionality, GpioLogicLevel level) {
@@ -13,24 +7,24 @@ uint16_t VeltraAsyncSDK::gpioConfigurePin(uint16_t transactionId, GpioPinNumber 
     if (functionality == GpioFunctionality_Output) {
         request.u8(level);
     }
-    return send(request);
+    return link->send(request);
 }
 
 uint16_t VeltraAsyncSDK::gpioDigitalWrite(uint16_t transactionId, GpioPinNumber pin,
                                           GpioLogicLevel level) {
-    return send(RequestFrame(transactionId, CommandCode::GpioDigitalWrite).u8(pin).u8(level));
+    return link->send(RequestFrame(transactionId, CommandCode::GpioDigitalWrite).u8(pin).u8(level));
 }
 
 uint16_t VeltraAsyncSDK::gpioDigitalRead(uint16_t transactionId, GpioPinNumber pin) {
-    return send(RequestFrame(transactionId, CommandCode::GpioDigitalRead).u8(pin));
+    return link->send(RequestFrame(transactionId, CommandCode::GpioDigitalRead).u8(pin));
 }
 
 uint16_t VeltraAsyncSDK::gpioConfigureInterrupt(uint16_t transactionId, GpioPinNumber pin,
                                                 GpioTriggerType trigger) {
-    return send(
+    return link->send(
         RequestFrame(transactionId, CommandCode::GpioConfigureInterrupt).u8(pin).u8(trigger));
 }
 
 uint16_t VeltraAsyncSDK::gpioDisableInterrupt(uint16_t transactionId, GpioPinNumber pin) {
-    return send(RequestFrame(transactionId, CommandCode::GpioDisableInterrupt).u8(pin));
+    return link->send(RequestFrame(transactionId, CommandCode::GpioDisableInterrupt).u8(pin));
 }

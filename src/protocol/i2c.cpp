@@ -1,6 +1,4 @@
-#include <veltrasdk/VeltraAsyncSDK.hpp>
-
-#include "protocol/RequestFrame.hpp"
+#include "protocol/Link.hpp"
 
 #include <numeric>
 
@@ -21,7 +19,7 @@ RequestFrame transfer(uint16_t transactionId, CommandCode command, uint8_t busIn
     const uint32_t foldedAddress =
         std::accumulate(registerAddress.begin(), registerAddress.end(), uint32_t{0},
                         [](uint32_t folded, uint8_t byte) { return folded << 8U | byte; });
-    RequestFrame request(transactionId, command, data.size());
+    RequestFrame request(transactionId, command);
     request.u8(busIndex)
         .count16(length)
         .u8(targetAddress)
@@ -34,55 +32,44 @@ RequestFrame transfer(uint16_t transactionId, CommandCode command, uint8_t busIn
 
 } // namespace
 
-uint16_t VeltraAsyncSDK::setI2cSpiUartGpioVoltage(uint16_t transactionId, uint16_t millivolts,
-                                                  bool flag) {
-    return send(RequestFrame(transactionId, CommandCode::SetI2cSpiUartGpioVoltage)
-                    .u16(millivolts)
-                    .flag(flag));
-}
-
-uint16_t VeltraAsyncSDK::i2cSetBusVoltage(uint16_t transactionId, uint16_t millivolts, bool flag) {
-    return setI2cSpiUartGpioVoltage(transactionId, millivolts, flag);
-}
-
 uint16_t VeltraAsyncSDK::i2cControllerInit(uint16_t transactionId, uint8_t busIndex,
                                            uint32_t clockHz, uint8_t option) {
-    return send(
+    return link->send(
         parameters(transactionId, CommandCode::I2cControllerInit, busIndex, clockHz, option));
 }
 
 uint16_t VeltraAsyncSDK::i2cSetParameters(uint16_t transactionId, uint8_t busIndex,
                                           uint32_t clockHz, uint8_t option) {
-    return send(
+    return link->send(
         parameters(transactionId, CommandCode::I2cSetParameters, busIndex, clockHz, option));
 }
 
 uint16_t VeltraAsyncSDK::i2cSetPullUpResistors(uint16_t transactionId, uint8_t busIndex,
                                                uint8_t setting) {
-    return send(
+    return link->send(
         RequestFrame(transactionId, CommandCode::I2cSetPullUpResistors).u8(busIndex).u8(setting));
 }
 
 uint16_t VeltraAsyncSDK::i2cScanBus(uint16_t transactionId, uint8_t busIndex, bool flag) {
-    return send(RequestFrame(transactionId, CommandCode::I2cScanBus).u8(busIndex).flag(flag));
+    return link->send(RequestFrame(transactionId, CommandCode::I2cScanBus).u8(busIndex).flag(flag));
 }
 
 uint16_t VeltraAsyncSDK::i2cWrite(uint16_t transactionId, uint8_t busIndex, uint8_t targetAddress,
                                   const std::vector<uint8_t>& registerAddress,
                                   const std::vector<uint8_t>& data, bool flag) {
-    if (registerAddress.size() > RequestFrame::longestSubAddress) {
-        return refuseArgument();
+    if (registerAddress.size() > RequestFrame::maxSubAddressSize) {
+        return link->refuse();
     }
-    return send(transfer(transactionId, CommandCode::I2cWrite, busIndex, targetAddress,
-                         registerAddress, data.size(), flag, data));
+    return link->send(transfer(transactionId, CommandCode::I2cWrite, busIndex, targetAddress,
+                               registerAddress, data.size(), flag, data));
 }
 
 uint16_t VeltraAsyncSDK::i2cRead(uint16_t transactionId, uint8_t busIndex, uint8_t targetAddress,
                                  const std::vector<uint8_t>& registerAddress, uint16_t length,
                                  bool flag) {
-    if (registerAddress.size() > RequestFrame::longestSubAddress) {
-        return refuseArgument();
+    if (registerAddress.size() > RequestFrame::maxSubAddressSize) {
+        return link->refuse();
     }
-    return send(transfer(transactionId, CommandCode::I2cRead, busIndex, targetAddress,
-                         registerAddress, length, flag, {}));
+    return link->send(transfer(transactionId, CommandCode::I2cRead, busIndex, targetAddress,
+                               registerAddress, length, flag, {}));
 }

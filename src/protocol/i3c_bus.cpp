@@ -1,6 +1,4 @@
-#include <veltrasdk/VeltraAsyncSDK.hpp>
-
-#include "protocol/RequestFrame.hpp"
+#include "protocol/Link.hpp"
 
 namespace {
 
@@ -27,21 +25,21 @@ void append(RequestFrame& request, const I3cTargetInfo& target) {
 } // namespace
 
 uint16_t VeltraAsyncSDK::i3cSetBusVoltage(uint16_t transactionId, uint16_t millivolts) {
-    return send(RequestFrame(transactionId, CommandCode::I3cSetBusVoltage).u16(millivolts));
+    return link->send(RequestFrame(transactionId, CommandCode::I3cSetBusVoltage).u16(millivolts));
 }
 
 uint16_t VeltraAsyncSDK::i3cControllerInit(uint16_t transactionId, uint8_t pushPullRate,
                                            uint8_t openDrainRate, uint8_t i2cRate,
                                            uint8_t driveStrength) {
-    return send(parameters(transactionId, CommandCode::I3cControllerInit, pushPullRate,
-                           openDrainRate, i2cRate, driveStrength));
+    return link->send(parameters(transactionId, CommandCode::I3cControllerInit, pushPullRate,
+                                 openDrainRate, i2cRate, driveStrength));
 }
 
 uint16_t VeltraAsyncSDK::i3cSetParameters(uint16_t transactionId, uint8_t pushPullRate,
                                           uint8_t openDrainRate, uint8_t i2cRate,
                                           uint8_t driveStrength) {
-    return send(parameters(transactionId, CommandCode::I3cSetParameters, pushPullRate,
-                           openDrainRate, i2cRate, driveStrength));
+    return link->send(parameters(transactionId, CommandCode::I3cSetParameters, pushPullRate,
+                                 openDrainRate, i2cRate, driveStrength));
 }
 
 // Part of the interface: a vector taken by value.
@@ -53,20 +51,20 @@ uint16_t VeltraAsyncSDK::i3cInitBus(uint16_t transactionId, std::vector<I3cTarge
     for (uint8_t index = 0; index < count; ++index) {
         append(request, targets[index]);
     }
-    return send(request);
+    return link->send(request);
 }
 
 uint16_t VeltraAsyncSDK::i3cResetBus(uint16_t transactionId) {
-    return send(RequestFrame(transactionId, CommandCode::I3cResetBus));
+    return link->send(RequestFrame(transactionId, CommandCode::I3cResetBus));
 }
 
 uint16_t VeltraAsyncSDK::i3cGetDeviceTable(uint16_t transactionId) {
-    return send(RequestFrame(transactionId, CommandCode::I3cGetDeviceTable));
+    return link->send(RequestFrame(transactionId, CommandCode::I3cGetDeviceTable));
 }
 
 uint16_t VeltraAsyncSDK::i3cSetTargetDeviceConfiguration(uint16_t transactionId, uint8_t address,
                                                          I3cTargetConfiguration configuration) {
-    return send(RequestFrame(transactionId, CommandCode::I3cSetTargetDeviceConfiguration)
-                    .u8(address)
-                    .u8(configuration));
+    return link->send(RequestFrame(transactionId, CommandCode::I3cSetTargetDeviceConfiguration)
+                          .u8(address)
+                          .u8(configuration));
 }

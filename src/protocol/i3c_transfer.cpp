@@ -1,6 +1,4 @@
-#include <veltrasdk/VeltraAsyncSDK.hpp>
-
-#include "protocol/RequestFrame.hpp"
+#include "protocol/Link.hpp"
 
 namespace {
 
@@ -30,13 +28,12 @@ RequestFrame transfer(uint16_t transactionId, Kind kind, uint8_t address, uint8_
                       const Bytes& subAddress, I3cTransferFlags flags, size_t length,
                       const Bytes& data) {
     const uint32_t control = kind.direction | kind.mode << 1U | flags << 3U;
-    RequestFrame request(transactionId, CommandCode::I3cPrivateTransfer, data.size());
+    RequestFrame request(transactionId, CommandCode::I3cPrivateTransfer);
     request.u8(address)
         .u8(static_cast<uint8_t>(control & 0xFFU))
         .u8(hdrCommand)
         .u8(static_cast<uint8_t>(subAddress.size()))
-        .bytes(subAddress)
-        .zeros(RequestFrame::longestSubAddress - subAddress.size())
+        .subAddress(subAddress)
         .count16(length)
         .bytes(data);
     return request;
@@ -47,59 +44,60 @@ RequestFrame transfer(uint16_t transactionId, Kind kind, uint8_t address, uint8_
 uint16_t VeltraAsyncSDK::i3cSdrWrite(uint16_t transactionId, uint8_t address,
                                      const Bytes& subAddress, const Bytes& data,
                                      I3cTransferFlags flags) {
-    if (subAddress.size() > RequestFrame::longestSubAddress) {
-        return refuseArgument();
+    if (subAddress.size() > RequestFrame::maxSubAddressSize) {
+        return link->refuse();
     }
-    return send(transfer(transactionId, sdrWrite, address, noHdrCommand, subAddress, flags,
-                         data.size(), data));
+    return link->send(transfer(transactionId, sdrWrite, address, noHdrCommand, subAddress, flags,
+                               data.size(), data));
 }
 
 uint16_t VeltraAsyncSDK::i3cSdrRead(uint16_t transactionId, uint8_t address,
                                     const Bytes& subAddress, uint16_t length,
                                     I3cTransferFlags flags) {
-    if (subAddress.size() > RequestFrame::longestSubAddress) {
-        return refuseArgument();
+    if (subAddress.size() > RequestFrame::maxSubAddressSize) {
+        return link->refuse();
     }
-    return send(
+    return link->send(
         transfer(transactionId, sdrRead, address, noHdrCommand, subAddress, flags, length, none));
 }
 
 uint16_t VeltraAsyncSDK::i3cHdrDdrWrite(uint16_t transactionId, uint8_t address, uint8_t hdrCommand,
                                         const Bytes& data) {
-    return send(transfer(transactionId, hdrDdrWrite, address, hdrCommand, none,
-                         I3cTransferFlags_None, data.size(), data));
+    return link->send(transfer(transactionId, hdrDdrWrite, address, hdrCommand, none,
+                               I3cTransferFlags_None, data.size(), data));
 }
 
 uint16_t VeltraAsyncSDK::i3cHdrDdrRead(uint16_t transactionId, uint8_t address, uint8_t hdrCommand,
                                        uint16_t length) {
-    return send(transfer(transactionId, hdrDdrRead, address, hdrCommand, none,
-                         I3cTransferFlags_None, length, none));
+    return link->send(transfer(transactionId, hdrDdrRead, address, hdrCommand, none,
+                               I3cTransferFlags_None, length, none));
 }
 
 uint16_t VeltraAsyncSDK::i3cLegacyI2cWrite(uint16_t transactionId, uint8_t address,
                                            const Bytes& subAddress, const Bytes& data,
                                            I3cTransferFlags flags) {
-    if (subAddress.size() > RequestFrame::longestSubAddress) {
-        return refuseArgument();
+    if (subAddress.size() > RequestFrame::maxSubAddressSize) {
+        return link->refuse();
     }
-    return send(transfer(transactionId, legacyI2cWrite, address, noHdrCommand, subAddress, flags,
-                         data.size(), data));
+    return link->send(transfer(transactionId, legacyI2cWrite, address, noHdrCommand, subAddress,
+                               flags, data.size(), data));
 }
 
 uint16_t VeltraAsyncSDK::i3cLegacyI2cRead(uint16_t transactionId, uint8_t address,
                                           const Bytes& subAddress, uint16_t length,
                                           I3cTransferFlags flags) {
-    if (subAddress.size() > RequestFrame::longestSubAddress) {
-        return refuseArgument();
+    if (subAddress.size() > RequestFrame::maxSubAddressSize) {
+        return link->refuse();
     }
-    return send(transfer(transactionId, legacyI2cRead, address, noHdrCommand, subAddress, flags,
-                         length, none));
+    return link->send(transfer(transactionId, legacyI2cRead, address, noHdrCommand, subAddress,
+                               flags, length, none));
 }
 
 uint16_t VeltraAsyncSDK::i3cTargetResetPattern(uint16_t transactionId) {
-    return send(RequestFrame(transactionId, CommandCode::I3cBusPattern).u8(targetResetPattern));
+    return link->send(
+        RequestFrame(transactionId, CommandCode::I3cBusPattern).u8(targetResetPattern));
 }
 
 uint16_t VeltraAsyncSDK::i3cHdrExitPattern(uint16_t transactionId) {
-    return send(RequestFrame(transactionId, CommandCode::I3cBusPattern).u8(hdrExitPattern));
+    return link->send(RequestFrame(transactionId, CommandCode::I3cBusPattern).u8(hdrExitPattern));
 }

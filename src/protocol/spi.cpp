@@ -1,6 +1,4 @@
-#include <veltrasdk/VeltraAsyncSDK.hpp>
-
-#include "protocol/RequestFrame.hpp"
+#include "protocol/Link.hpp"
 
 namespace {
 
@@ -14,30 +12,26 @@ RequestFrame parameters(uint16_t transactionId, CommandCode command, SpiBitOrder
 
 } // namespace
 
-uint16_t VeltraAsyncSDK::spiSetBusVoltage(uint16_t transactionId, uint16_t millivolts, bool flag) {
-    return setI2cSpiUartGpioVoltage(transactionId, millivolts, flag);
-}
-
 uint16_t VeltraAsyncSDK::spiControllerInit(uint16_t transactionId, SpiBitOrder bitOrder,
                                            SpiMode mode, SpiDataWidth dataWidth,
                                            SpiChipSelect chipSelect, SpiChipSelectPolarity polarity,
                                            uint32_t clockHz) {
-    return send(parameters(transactionId, CommandCode::SpiControllerInit, bitOrder, mode, dataWidth,
-                           chipSelect, polarity, clockHz));
+    return link->send(parameters(transactionId, CommandCode::SpiControllerInit, bitOrder, mode,
+                                 dataWidth, chipSelect, polarity, clockHz));
 }
 
 uint16_t VeltraAsyncSDK::spiSetParameters(uint16_t transactionId, SpiBitOrder bitOrder,
                                           SpiMode mode, SpiDataWidth dataWidth,
                                           SpiChipSelect chipSelect, SpiChipSelectPolarity polarity,
                                           uint32_t clockHz) {
-    return send(parameters(transactionId, CommandCode::SpiSetParameters, bitOrder, mode, dataWidth,
-                           chipSelect, polarity, clockHz));
+    return link->send(parameters(transactionId, CommandCode::SpiSetParameters, bitOrder, mode,
+                                 dataWidth, chipSelect, polarity, clockHz));
 }
 
 uint16_t VeltraAsyncSDK::spiTransfer(uint16_t transactionId, std::vector<uint8_t>& sendData,
                                      uint16_t length) {
-    return send(RequestFrame(transactionId, CommandCode::SpiTransfer, sendData.size())
-                    .count16(sendData.size())
-                    .u16(length)
-                    .bytes(sendData));
+    return link->send(RequestFrame(transactionId, CommandCode::SpiTransfer)
+                          .count16(sendData.size())
+                          .u16(length)
+                          .bytes(sendData));
 }

@@ -1,6 +1,4 @@
-#include <veltrasdk/VeltraAsyncSDK.hpp>
-
-#include "protocol/RequestFrame.hpp"
+#include "protocol/Link.hpp"
 
 namespace {
 
@@ -14,27 +12,23 @@ RequestFrame parameters(uint16_t transactionId, CommandCode command, UartBaudRat
 
 } // namespace
 
-uint16_t VeltraAsyncSDK::uartSetBusVoltage(uint16_t transactionId, uint16_t millivolts, bool flag) {
-    return setI2cSpiUartGpioVoltage(transactionId, millivolts, flag);
-}
-
 uint16_t VeltraAsyncSDK::uartInit(uint16_t transactionId, UartBaudRate baudRate,
                                   UartHwHandshake handshake, UartParity parity,
                                   UartDataSize dataSize, UartStopBit stopBit) {
-    return send(parameters(transactionId, CommandCode::UartInit, baudRate, handshake, parity,
-                           dataSize, stopBit));
+    return link->send(parameters(transactionId, CommandCode::UartInit, baudRate, handshake, parity,
+                                 dataSize, stopBit));
 }
 
 uint16_t VeltraAsyncSDK::uartSetParameters(uint16_t transactionId, UartBaudRate baudRate,
                                            UartHwHandshake handshake, UartParity parity,
                                            UartDataSize dataSize, UartStopBit stopBit) {
-    return send(parameters(transactionId, CommandCode::UartSetParameters, baudRate, handshake,
-                           parity, dataSize, stopBit));
+    return link->send(parameters(transactionId, CommandCode::UartSetParameters, baudRate, handshake,
+                                 parity, dataSize, stopBit));
 }
 
 uint16_t VeltraAsyncSDK::uartSendMessage(uint16_t transactionId,
                                          const std::vector<uint8_t>& message) {
-    return send(RequestFrame(transactionId, CommandCode::UartSendMessage, message.size())
-                    .count16(message.size())
-                    .bytes(message));
+    return link->send(RequestFrame(transactionId, CommandCode::UartSendMessage)
+                          .count16(message.size())
+                          .bytes(message));
 }

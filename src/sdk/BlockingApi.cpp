@@ -6,29 +6,32 @@
 BlockingApi::BlockingApi(int timeout) : timeoutMs(timeout) {}
 
 void BlockingApi::setTimeout(int timeout) {
-    const std::lock_guard<std::mutex> lock(mutex);
+    const Lock held = lock();
     timeoutMs = timeout;
 }
 
 void BlockingApi::notifyResponseReceived() {
-    const std::lock_guard<std::mutex> lock(mutex);
+    notifyResponseReceived(lock());
+}
+
+bool BlockingApi::waitForResponse() {
+    Lock held = lock();
+    return waitForResponse(held);
+}
+
+void BlockingApi::notifyResponseReceived(const Lock& /*held*/) {
     responseReceived = true;
     responseArrived.notify_one();
 }
 
-bool BlockingApi::waitForResponse() {
-    std::unique_lock<std::mutex> lock(mutex);
+bool BlockingApi::waitForResponse(Lock& held) {
     const auto arrived = [this] { return responseReceived; };
     if (timeoutMs == noTimeout) {
-        responseArrived.wait(lock, arrived);
+        responseArrived.wait(held, arrived);
     } else {
         const auto deadline =
             std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
-        responseArrived.wait_until(lock, deadline, arrived);
+        responseArrived.wait_until(held, deadline, arrived);
     }
     return std::exchange(responseReceived, false);
-}
-
-bool BlockingApi::execute(const std::function<bool()>& sendRequest) {
-    return sendRequest() && waitForResponse();
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <condition_variable>
-#include <functional>
 #include <mutex>
 
 /// The timed wait of every blocking operation.
@@ -12,6 +11,8 @@ class BlockingApi {
 public:
     /// The time-out that waits without limit.
     static constexpr int noTimeout = -1;
+
+    using Lock = std::unique_lock<std::mutex>;
 
     explicit BlockingApi(int timeoutMs);
 
@@ -25,12 +26,20 @@ public:
     bool waitForResponse();
 
     /// Calls @p sendRequest and, when it returns true, waits for the response.
-    bool execute(const std::function<bool()>& sendRequest);
+    template <typename SendRequest>
+    bool execute(const SendRequest& sendRequest) {
+        return sendRequest() && waitForResponse();
+    }
+
+    /// Locks the time-out and the flag, and with them what a response is stored in: what is
+    /// notified under a lock can be read under the lock that ended the wait.
+    [[nodiscard]] Lock lock() { return Lock(mutex); }
+    void notifyResponseReceived(const Lock& held);
+    bool waitForResponse(Lock& held);
 
 private:
     int timeoutMs;
     bool responseReceived = false;
     std::condition_variable responseArrived;
-    // Guards the time-out and the flag.
     std::mutex mutex;
 };

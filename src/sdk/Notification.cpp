@@ -12,19 +12,19 @@ namespace {
 constexpr size_t payloadOffset = 6;
 constexpr size_t bytesOffset = 8;
 
-constexpr size_t shortestHotJoin = 15;
-constexpr size_t shortestIbi = bytesOffset;
-constexpr size_t shortestGpio = 7;
-constexpr size_t shortestUartRx = bytesOffset;
+constexpr size_t minHotJoinSize = 15;
+constexpr size_t minIbiSize = bytesOffset;
+constexpr size_t minGpioSize = 7;
+constexpr size_t minUartRxSize = bytesOffset;
 
-bool is(const Notification& notification, NotificationKind kind, size_t shortest) {
-    return notification.kind == kind && notification.size >= shortest;
+bool is(const Notification& notification, NotificationKind kind, size_t minSize) {
+    return notification.kind == kind && notification.size >= minSize;
 }
 
 } // namespace
 
 I3cHotJoinData* Notification::i3cHotJoin() const {
-    if (!is(*this, NotificationKind_I3cHotJoin, shortestHotJoin)) {
+    if (!is(*this, NotificationKind_I3cHotJoin, minHotJoinSize)) {
         return nullptr;
     }
     ResponseFrame(data, size).copyTo(&i3cHotJoinView, payloadOffset, sizeof(i3cHotJoinView));
@@ -32,7 +32,7 @@ I3cHotJoinData* Notification::i3cHotJoin() const {
 }
 
 I3cIbiData* Notification::i3cIbi() const {
-    if (!is(*this, NotificationKind_I3cIbi, shortestIbi)) {
+    if (!is(*this, NotificationKind_I3cIbi, minIbiSize)) {
         return nullptr;
     }
     const ResponseFrame frame(data, size);
@@ -41,7 +41,7 @@ I3cIbiData* Notification::i3cIbi() const {
 }
 
 GpioData* Notification::gpio() const {
-    if (!is(*this, NotificationKind_Gpio, shortestGpio)) {
+    if (!is(*this, NotificationKind_Gpio, minGpioSize)) {
         return nullptr;
     }
     gpioView = {ResponseFrame(data, size).u8(payloadOffset)};
@@ -49,7 +49,7 @@ GpioData* Notification::gpio() const {
 }
 
 UartRxData* Notification::uartRx() const {
-    if (!is(*this, NotificationKind_UartRx, shortestUartRx)) {
+    if (!is(*this, NotificationKind_UartRx, minUartRxSize)) {
         return nullptr;
     }
     uartRxView = {data + bytesOffset, ResponseFrame(data, size).u16(payloadOffset)};

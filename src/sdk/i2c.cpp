@@ -1,68 +1,58 @@
-#include "sdk/Transaction.hpp"
+#include "sdk/Engine.hpp"
 
 namespace {
 
-constexpr uint8_t highestBusIndex = 1;
+constexpr uint8_t maxBusIndex = 1;
 constexpr size_t sevenBitCountOffset = 7;
 constexpr size_t tenBitCountOffset = 8;
 constexpr size_t dataOffset = 9;
 
 } // namespace
 
-uint16_t VeltraSDK::i2cSetBusVoltage(uint16_t millivolts, bool flag) {
-    return transact([&](uint16_t id) { return asyncSdk->i2cSetBusVoltage(id, millivolts, flag); });
-}
-
 uint16_t VeltraSDK::i2cControllerInit(uint8_t busIndex, uint32_t clockHz, uint8_t option) {
-    return transact(
-        [&](uint16_t id) { return asyncSdk->i2cControllerInit(id, busIndex, clockHz, option); });
+    return engine->command(&VeltraAsyncSDK::i2cControllerInit, busIndex, clockHz, option);
 }
 
 uint16_t VeltraSDK::i2cSetParameters(uint8_t busIndex, uint32_t clockHz, uint8_t option) {
-    return transact(
-        [&](uint16_t id) { return asyncSdk->i2cSetParameters(id, busIndex, clockHz, option); });
+    return engine->command(&VeltraAsyncSDK::i2cSetParameters, busIndex, clockHz, option);
 }
 
 uint16_t VeltraSDK::i2cSetPullUpResistors(uint8_t busIndex, uint8_t setting) {
-    return transact(
-        [&](uint16_t id) { return asyncSdk->i2cSetPullUpResistors(id, busIndex, setting); });
+    return engine->command(&VeltraAsyncSDK::i2cSetPullUpResistors, busIndex, setting);
 }
 
 uint16_t VeltraSDK::i2cScanBus(std::vector<uint8_t>& addresses, uint8_t* sevenBitCount,
                                uint8_t* tenBitCount, uint8_t busIndex, bool flag) {
-    if (busIndex > highestBusIndex || sevenBitCount == nullptr || tenBitCount == nullptr) {
+    if (busIndex > maxBusIndex || sevenBitCount == nullptr || tenBitCount == nullptr) {
         return ResultCode_InvalidArgument;
     }
-    return exchange([&](uint16_t id) { return asyncSdk->i2cScanBus(id, busIndex, flag); },
-                    [&](const ResponseFrame& response) -> uint16_t {
-                        const uint8_t sevenBit = response.u8(sevenBitCountOffset);
-                        const uint8_t tenBit = response.u8(tenBitCountOffset);
-                        const size_t length = sevenBit + 2U * tenBit;
-                        // The caller may want only one of them, and name one variable for both.
-                        *sevenBitCount = sevenBit;
-                        *tenBitCount = tenBit;
-                        if (!response.holds(dataOffset + length)) {
-                            return ResultCode_ShortResponse;
-                        }
-                        response.copyTo(addresses, dataOffset, length);
-                        return response.status();
-                    });
+    return engine->ask(&VeltraAsyncSDK::i2cScanBus, busIndex, flag)
+        .judged([&](const ResponseFrame& response) -> uint16_t {
+            const uint8_t sevenBit = response.u8(sevenBitCountOffset);
+            const uint8_t tenBit = response.u8(tenBitCountOffset);
+            const size_t length = sevenBit + 2U * tenBit;
+            // The caller may want only one of them, and name one variable for both.
+            *sevenBitCount = sevenBit;
+            *tenBitCount = tenBit;
+            if (!response.holds(dataOffset + length)) {
+                return ResultCode_ShortResponse;
+            }
+            response.copyTo(addresses, dataOffset, length);
+            return response.status();
+        });
 }
 
 uint16_t VeltraSDK::i2cWrite(uint8_t busIndex, uint8_t targetAddress,
                              const std::vector<uint8_t>& registerAddress,
                              const std::vector<uint8_t>& data, bool flag) {
-    return transact([&](uint16_t id) {
-        return asyncSdk->i2cWrite(id, busIndex, targetAddress, registerAddress, data, flag);
-    });
+    return engine->command(&VeltraAsyncSDK::i2cWrite, busIndex, targetAddress, registerAddress,
+                           data, flag);
 }
 
 uint16_t VeltraSDK::i2cRead(uint8_t busIndex, uint8_t targetAddress,
                             const std::vector<uint8_t>& registerAddress, uint16_t length,
                             std::vector<uint8_t>& data, bool flag) {
-    return transact(
-        [&](uint16_t id) {
-            return asyncSdk->i2cRead(id, busIndex, targetAddress, registerAddress, length, flag);
-        },
-        [&](const ResponseFrame& response) { response.copyTo(data, dataOffset, length); });
+    return engine
+        ->ask(&VeltraAsyncSDK::i2cRead, busIndex, targetAddress, registerAddress, length, flag)
+        .decoded([&](const ResponseFrame& response) { response.copyTo(data, dataOffset, length); });
 }

@@ -1,4 +1,4 @@
-#include "sdk/Transaction.hpp"
+#include "sdk/Engine.hpp"
 
 #include <utility>
 
@@ -31,50 +31,45 @@ uint8_t lowByte(uint32_t value) {
 } // namespace
 
 uint16_t VeltraSDK::i3cSetBusVoltage(uint16_t millivolts) {
-    return transact([&](uint16_t id) { return asyncSdk->i3cSetBusVoltage(id, millivolts); });
+    return engine->command(&VeltraAsyncSDK::i3cSetBusVoltage, millivolts);
 }
 
 uint16_t VeltraSDK::i3cControllerInit(I3cPushPullRate pushPullRate,
                                       I3cOpenDrainTransferRate openDrainRate,
                                       I2cTransferRate i2cRate, I3cDriveStrength driveStrength) {
-    return transact([&](uint16_t id) {
-        return asyncSdk->i3cControllerInit(id, lowByte(pushPullRate), lowByte(openDrainRate),
-                                           lowByte(i2cRate), lowByte(driveStrength));
-    });
+    return engine->command(&VeltraAsyncSDK::i3cControllerInit, lowByte(pushPullRate),
+                           lowByte(openDrainRate), lowByte(i2cRate), lowByte(driveStrength));
 }
 
 uint16_t VeltraSDK::i3cSetParameters(I3cPushPullRate pushPullRate,
                                      I3cOpenDrainTransferRate openDrainRate,
                                      I2cTransferRate i2cRate, I3cDriveStrength driveStrength) {
-    return transact([&](uint16_t id) {
-        return asyncSdk->i3cSetParameters(id, lowByte(pushPullRate), lowByte(openDrainRate),
-                                          lowByte(i2cRate), lowByte(driveStrength));
-    });
+    return engine->command(&VeltraAsyncSDK::i3cSetParameters, lowByte(pushPullRate),
+                           lowByte(openDrainRate), lowByte(i2cRate), lowByte(driveStrength));
 }
 
 uint16_t VeltraSDK::i3cResetBus() {
-    return transact([&](uint16_t id) { return asyncSdk->i3cResetBus(id); });
+    return engine->command(&VeltraAsyncSDK::i3cResetBus);
 }
 
 uint16_t VeltraSDK::i3cInitBus(std::vector<I3cTargetInfo> targets) {
-    return transact([&](uint16_t id) { return asyncSdk->i3cInitBus(id, std::move(targets)); });
+    return engine->command(&VeltraAsyncSDK::i3cInitBus, std::move(targets));
 }
 
 uint16_t VeltraSDK::i3cGetDeviceTable(std::vector<I3cTargetInfo>& table) {
-    return transact([&](uint16_t id) { return asyncSdk->i3cGetDeviceTable(id); },
-                    [&](const ResponseFrame& response) {
-                        table.resize(response.u8(recordCountOffset));
-                        size_t offset = recordsOffset;
-                        for (I3cTargetInfo& target : table) {
-                            target = targetAt(response, offset);
-                            offset += recordSize;
-                        }
-                    });
+    return engine->ask(&VeltraAsyncSDK::i3cGetDeviceTable)
+        .decoded([&](const ResponseFrame& response) {
+            table.resize(response.u8(recordCountOffset));
+            size_t offset = recordsOffset;
+            for (I3cTargetInfo& target : table) {
+                target = targetAt(response, offset);
+                offset += recordSize;
+            }
+        });
 }
 
 uint16_t VeltraSDK::i3cSetTargetDeviceConfiguration(uint8_t address,
                                                     I3cTargetConfiguration configuration) {
-    return transact([&](uint16_t id) {
-        return asyncSdk->i3cSetTargetDeviceConfiguration(id, address, configuration);
-    });
+    return engine->command(&VeltraAsyncSDK::i3cSetTargetDeviceConfiguration, address,
+                           configuration);
 }

@@ -1,4 +1,4 @@
-#include "sdk/Transaction.hpp"
+#include "sdk/Engine.hpp"
 
 namespace {
 
@@ -16,52 +16,43 @@ auto into(std::vector<uint8_t>& data) {
 
 uint16_t VeltraSDK::i3cSdrWrite(uint8_t address, const std::vector<uint8_t>& subAddress,
                                 const std::vector<uint8_t>& data, I3cTransferFlags flags) {
-    return transact(
-        [&](uint16_t id) { return asyncSdk->i3cSdrWrite(id, address, subAddress, data, flags); });
+    return engine->command(&VeltraAsyncSDK::i3cSdrWrite, address, subAddress, data, flags);
 }
 
 uint16_t VeltraSDK::i3cSdrRead(uint8_t address, const std::vector<uint8_t>& subAddress,
                                uint16_t length, std::vector<uint8_t>& data,
                                I3cTransferFlags flags) {
-    return transact(
-        [&](uint16_t id) { return asyncSdk->i3cSdrRead(id, address, subAddress, length, flags); },
-        into(data));
+    return engine->ask(&VeltraAsyncSDK::i3cSdrRead, address, subAddress, length, flags)
+        .decoded(into(data));
 }
 
 uint16_t VeltraSDK::i3cHdrDdrWrite(uint8_t address, uint8_t hdrCommand,
                                    const std::vector<uint8_t>& data) {
-    return transact(
-        [&](uint16_t id) { return asyncSdk->i3cHdrDdrWrite(id, address, hdrCommand, data); });
+    return engine->command(&VeltraAsyncSDK::i3cHdrDdrWrite, address, hdrCommand, data);
 }
 
 uint16_t VeltraSDK::i3cHdrDdrRead(uint8_t address, uint8_t hdrCommand, uint16_t length,
                                   std::vector<uint8_t>& data) {
-    return transact(
-        [&](uint16_t id) { return asyncSdk->i3cHdrDdrRead(id, address, hdrCommand, length); },
-        into(data));
+    return engine->ask(&VeltraAsyncSDK::i3cHdrDdrRead, address, hdrCommand, length)
+        .decoded(into(data));
 }
 
 uint16_t VeltraSDK::i3cLegacyI2cWrite(uint8_t address, const std::vector<uint8_t>& subAddress,
                                       const std::vector<uint8_t>& data, I3cTransferFlags flags) {
-    return transact([&](uint16_t id) {
-        return asyncSdk->i3cLegacyI2cWrite(id, address, subAddress, data, flags);
-    });
+    return engine->command(&VeltraAsyncSDK::i3cLegacyI2cWrite, address, subAddress, data, flags);
 }
 
 uint16_t VeltraSDK::i3cLegacyI2cRead(uint8_t address, const std::vector<uint8_t>& subAddress,
                                      uint16_t length, std::vector<uint8_t>& data,
                                      I3cTransferFlags flags) {
-    return transact(
-        [&](uint16_t id) {
-            return asyncSdk->i3cLegacyI2cRead(id, address, subAddress, length, flags);
-        },
-        into(data));
+    return engine->ask(&VeltraAsyncSDK::i3cLegacyI2cRead, address, subAddress, length, flags)
+        .decoded(into(data));
 }
 
 uint16_t VeltraSDK::i3cTargetResetPattern() {
-    return transact([&](uint16_t id) { return asyncSdk->i3cTargetResetPattern(id); });
+    return engine->command(&VeltraAsyncSDK::i3cTargetResetPattern);
 }
 
 uint16_t VeltraSDK::i3cHdrExitPattern() {
-    return transact([&](uint16_t id) { return asyncSdk->i3cHdrExitPattern(id); });
+    return engine->command(&VeltraAsyncSDK::i3cHdrExitPattern);
 }

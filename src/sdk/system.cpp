@@ -1,4 +1,4 @@
-#include "sdk/Transaction.hpp"
+#include "sdk/Engine.hpp"
 
 namespace {
 
@@ -8,26 +8,21 @@ constexpr size_t stringOffset = 7;
 } // namespace
 
 uint16_t VeltraSDK::getUsbString(std::vector<uint8_t>& text, uint8_t index) {
-    uint16_t transactionId = 0;
-    return exchange(
-        [&](uint16_t id) {
-            transactionId = id;
-            return asyncSdk->getUsbString(id, index);
-        },
-        [&](const ResponseFrame& response) -> uint16_t {
-            if (response.transactionId() != transactionId ||
-                response.commandCode() != CommandCode::GetUsbString) {
-                return ResultCode_UnexpectedResponse;
-            }
-            // The length byte counts itself; 0 stands for the empty string too.
-            const size_t length = response.u8(stringLengthOffset);
-            response.copyTo(text, stringOffset, length == 0 ? 0 : length - 1);
-            return ResultCode_Success;
-        });
+    const Engine::Answer answer = engine->ask(&VeltraAsyncSDK::getUsbString, index);
+    return answer.judged([&](const ResponseFrame& response) -> uint16_t {
+        if (response.transactionId() != answer.transactionId() ||
+            response.commandCode() != CommandCode::GetUsbString) {
+            return ResultCode_UnexpectedResponse;
+        }
+        // The length byte counts itself; 0 stands for the empty string too.
+        const size_t length = response.u8(stringLengthOffset);
+        response.copyTo(text, stringOffset, length == 0 ? 0 : length - 1);
+        return ResultCode_Success;
+    });
 }
 
 uint16_t VeltraSDK::getDeviceInfo(DeviceInfo& info) {
-    if (!asyncSdk->isConnected()) {
+    if (!engine->encoders().isConnected()) {
         return ResultCode_NotConnected;
     }
     uint8_t index = 0;
@@ -44,5 +39,5 @@ uint16_t VeltraSDK::getDeviceInfo(DeviceInfo& info) {
 }
 
 uint16_t VeltraSDK::enterBootMode() {
-    return asyncSdk->enterBootMode(generateTransactionId());
+    return engine->encoders().enterBootMode(generateTransactionId());
 }

@@ -99,7 +99,7 @@ const std::map<std::string, std::function<uint16_t(VeltraAsyncSDK&)>> encoders{
      }},
 };
 
-TEST(AsyncCore, EveryEncoderRefusesToSendBeforeTheFirstConnect) {
+TEST(VeltraAsyncSDK, EveryEncoderRefusesToSendBeforeTheFirstConnect) {
     ScriptedHid hid;
     VeltraAsyncSDK sdk;
     for (const auto& [name, encode] : encoders) {
@@ -109,7 +109,7 @@ TEST(AsyncCore, EveryEncoderRefusesToSendBeforeTheFirstConnect) {
     EXPECT_EQ(hid.enumerateCalls(), 0U);
 }
 
-TEST(AsyncCore, NotBeingConnectedIsToldBeforeAnArgumentIsRefused) {
+TEST(VeltraAsyncSDK, NotBeingConnectedIsToldBeforeAnArgumentIsRefused) {
     ScriptedHid hid;
     VeltraAsyncSDK sdk;
     const Bytes tooLong(5);
@@ -119,10 +119,10 @@ TEST(AsyncCore, NotBeingConnectedIsToldBeforeAnArgumentIsRefused) {
     EXPECT_EQ(sdk.i3cSdrRead(1, 0x08, tooLong, 1, I3cTransferFlags_None), 0x4000);
 }
 
-using AsyncCoreTest = AsyncSdkTest;
-INSTANTIATE_ON_BOTH_MODELS(AsyncCoreTest);
+using VeltraAsyncSDKTest = AsyncSdkTest;
+INSTANTIATE_ON_BOTH_MODELS(VeltraAsyncSDKTest);
 
-TEST_P(AsyncCoreTest, EveryEncoderRefusesToSendAfterADisconnect) {
+TEST_P(VeltraAsyncSDKTest, EveryEncoderRefusesToSendAfterADisconnect) {
     sdk.disconnect();
     for (const auto& [name, encode] : encoders) {
         EXPECT_EQ(encode(sdk), 0x4000) << name;
@@ -130,7 +130,7 @@ TEST_P(AsyncCoreTest, EveryEncoderRefusesToSendAfterADisconnect) {
     expectNothingSent();
 }
 
-TEST_P(AsyncCoreTest, EveryEncoderSendsOneReportWithItsIdentifier) {
+TEST_P(VeltraAsyncSDKTest, EveryEncoderSendsOneReportWithItsIdentifier) {
     for (const auto& [name, encode] : encoders) {
         EXPECT_TRUE(sdk.connect("")) << name;
         const size_t before = hid.writes().size();
@@ -143,7 +143,7 @@ TEST_P(AsyncCoreTest, EveryEncoderSendsOneReportWithItsIdentifier) {
     }
 }
 
-TEST_P(AsyncCoreTest, BootModeIsOneFrameAndTheEndOfTheLink) {
+TEST_P(VeltraAsyncSDKTest, BootModeIsOneFrameAndTheEndOfTheLink) {
     EXPECT_EQ(sdk.enterBootMode(0x1234), 0);
     expectSent({0x13, 0x00, 0x34, 0x12, 0x02, 0x04});
     EXPECT_FALSE(sdk.isConnected());
@@ -152,12 +152,12 @@ TEST_P(AsyncCoreTest, BootModeIsOneFrameAndTheEndOfTheLink) {
     EXPECT_EQ(hid.writes().size(), 1U);
 }
 
-TEST_P(AsyncCoreTest, AStringIsAskedForByItsIndex) {
+TEST_P(VeltraAsyncSDKTest, AStringIsAskedForByItsIndex) {
     EXPECT_EQ(sdk.getUsbString(5, 3), 0);
     expectSent({0x17, 0x00, 0x05, 0x00, 0x07, 0x04, 0x03});
 }
 
-TEST_P(AsyncCoreTest, ARequestThatCannotBeWrittenCountsAsHandedOver) {
+TEST_P(VeltraAsyncSDKTest, ARequestThatCannotBeWrittenCountsAsHandedOver) {
     hid.failWriting(-1);
     EXPECT_EQ(sdk.getUsbString(5, 3), 0);
     EXPECT_TRUE(sdk.isConnected());
@@ -165,7 +165,7 @@ TEST_P(AsyncCoreTest, ARequestThatCannotBeWrittenCountsAsHandedOver) {
 
 // Connecting.
 
-TEST_P(AsyncCoreTest, ConnectingByPathOpensTheAdapterWithThatPath) {
+TEST_P(VeltraAsyncSDKTest, ConnectingByPathOpensTheAdapterWithThatPath) {
     hid.attach({"1-2:1.0", vendorId, GetParam().productId, L"VA-0002"});
     sdk.disconnect();
     EXPECT_TRUE(sdk.connect("1-2:1.0"));
@@ -173,7 +173,7 @@ TEST_P(AsyncCoreTest, ConnectingByPathOpensTheAdapterWithThatPath) {
     EXPECT_TRUE(sdk.isConnected());
 }
 
-TEST_P(AsyncCoreTest, ConnectingBySerialNumberOpensTheAdapterWithThatSerialNumber) {
+TEST_P(VeltraAsyncSDKTest, ConnectingBySerialNumberOpensTheAdapterWithThatSerialNumber) {
     hid.attach({"1-2:1.0", vendorId, GetParam().productId, L"VA-0002"});
     sdk.disconnect();
     EXPECT_TRUE(sdk.connectWithSerialNumber("VA-0002"));
@@ -181,27 +181,27 @@ TEST_P(AsyncCoreTest, ConnectingBySerialNumberOpensTheAdapterWithThatSerialNumbe
     EXPECT_TRUE(sdk.isConnected());
 }
 
-TEST_P(AsyncCoreTest, APathIsNoSerialNumberAndASerialNumberNoPath) {
+TEST_P(VeltraAsyncSDKTest, APathIsNoSerialNumberAndASerialNumberNoPath) {
     sdk.disconnect();
     EXPECT_FALSE(sdk.connect("VA-0001"));
     EXPECT_FALSE(sdk.connectWithSerialNumber("1-1:1.0"));
     EXPECT_FALSE(sdk.isConnected());
 }
 
-TEST_P(AsyncCoreTest, AnEmptySerialNumberOpensTheFirstAdapter) {
+TEST_P(VeltraAsyncSDKTest, AnEmptySerialNumberOpensTheFirstAdapter) {
     sdk.disconnect();
     EXPECT_TRUE(sdk.connectWithSerialNumber(""));
     EXPECT_EQ(hid.openedPath(), "1-1:1.0");
 }
 
-TEST_P(AsyncCoreTest, AnOpenLinkStaysConnectedWhateverIsAskedFor) {
+TEST_P(VeltraAsyncSDKTest, AnOpenLinkStaysConnectedWhateverIsAskedFor) {
     EXPECT_TRUE(sdk.connect("no such path"));
     EXPECT_TRUE(sdk.connectWithSerialNumber("no such serial number"));
     EXPECT_TRUE(sdk.isConnected());
     EXPECT_EQ(hid.enumerateCalls(), 1U);
 }
 
-TEST_P(AsyncCoreTest, ASerialNumberThatCannotBeConvertedLeavesConnectAsARangeError) {
+TEST_P(VeltraAsyncSDKTest, ASerialNumberThatCannotBeConvertedLeavesConnectAsARangeError) {
     sdk.disconnect();
     hid.detachAll();
     hid.attach({"1-1:1.0", vendorId, GetParam().productId, std::wstring(1, wchar_t{0x110000})});
@@ -215,13 +215,13 @@ TEST_P(AsyncCoreTest, ASerialNumberThatCannotBeConvertedLeavesConnectAsARangeErr
     EXPECT_TRUE(sdk.connect("")) << "the link is as usable as before";
 }
 
-TEST_P(AsyncCoreTest, ADisconnectOfAClosedLinkDoesNothing) {
+TEST_P(VeltraAsyncSDKTest, ADisconnectOfAClosedLinkDoesNothing) {
     sdk.disconnect();
     sdk.disconnect();
     EXPECT_FALSE(sdk.isConnected());
 }
 
-TEST(AsyncCore, DestructionClosesTheLinkBeforeTheReceiverIsReleased) {
+TEST(VeltraAsyncSDK, DestructionClosesTheLinkBeforeTheReceiverIsReleased) {
     ScriptedHid hid;
     hid.attach({"1-1:1.0", vendorId, fullSpeed.productId, L"VA-0001"});
     std::optional<size_t> openDevices;
@@ -237,7 +237,7 @@ TEST(AsyncCore, DestructionClosesTheLinkBeforeTheReceiverIsReleased) {
 
 // Receiving.
 
-TEST_P(AsyncCoreTest, FramesBeforeAReceiverIsInstalledAreDropped) {
+TEST_P(VeltraAsyncSDKTest, FramesBeforeAReceiverIsInstalledAreDropped) {
     hid.deliver(GetParam().input({0x1B, 0x00, 0x01, 0x00, 0x02, 0x04, 0x00, 0x00}));
     ASSERT_TRUE(hid.waitUntilDrained());
     sdk.disconnect();
@@ -250,7 +250,7 @@ TEST_P(AsyncCoreTest, FramesBeforeAReceiverIsInstalledAreDropped) {
     sdk.disconnect();
 }
 
-TEST_P(AsyncCoreTest, FramesOfAnyLengthAndIdentifierAreHandedUp) {
+TEST_P(VeltraAsyncSDKTest, FramesOfAnyLengthAndIdentifierAreHandedUp) {
     sdk.disconnect();
     std::vector<Bytes> received;
     sdk.onResponse([&](const Bytes& frame) { received.push_back(frame); });
@@ -263,7 +263,7 @@ TEST_P(AsyncCoreTest, FramesOfAnyLengthAndIdentifierAreHandedUp) {
     sdk.disconnect();
 }
 
-TEST_P(AsyncCoreTest, TheLastReceiverInstalledGetsTheFrames) {
+TEST_P(VeltraAsyncSDKTest, TheLastReceiverInstalledGetsTheFrames) {
     sdk.disconnect();
     size_t received = 0;
     sdk.onResponse([](const Bytes&) { ADD_FAILURE() << "a replaced receiver was called"; });

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <veltrasdk/VeltraAsyncSDK.hpp>
+
+#include "driver/CommunicationManager.hpp"
+#include "protocol/RequestFrame.hpp"
+
+/// The link as the encoders see it: it takes requests while it is connected.
+class __attribute__((visibility("hidden"))) VeltraAsyncSDK::Link {
+public:
+    uint16_t send(const RequestFrame& request) {
+        if (!connected) {
+            return ResultCode_NotConnected;
+        }
+        communicationManager.sendRequest(request.data(), request.size());
+        return ResultCode_Success;
+    }
+
+    /// What an encoder returns for an argument that it refuses.
+    [[nodiscard]] uint16_t refuse() const {
+        return connected ? ResultCode_InvalidArgument : ResultCode_NotConnected;
+    }
+
+    CommunicationManager communicationManager;
+    /// The outcome of the last attempt to connect; false again once disconnected.
+    bool connected = false;
+};

@@ -1,0 +1,79 @@
+#include "sdk/Engine.hpp"
+
+#include <limits>
+
+namespace {
+
+NotificationKind kindOf(CommandCode code) {
+    switch (code) {
+    case CommandCode::I3cHotJoinNotification:
+        return NotificationKind_I3cHotJoin;
+    case CommandCode::I3cIbiNotification:
+        return NotificationKind_I3cIbi;
+    case CommandCode::GpioNotification:
+        return NotificationKind_Gpio;
+    case CommandCode::UartRxNotification:
+        return NotificationKind_UartRx;
+    default:
+        return NotificationKind_Unknown;
+    }
+}
+
+} // namespace
+
+VeltraSDK::Engine::Engine(int timeoutMs) : blockingApi(timeoutMs) {
+    asyncSdk.onResponse([this](const std::vector<uint8_t>& frame) { handleResponse(frame); });
+}
+
+VeltraSDK::Engine::~Engine() {
+    // No frame may meet members that are being destroyed.
+    asyncSdk.disconnect();
+}
+
+uint16_t VeltraSDK::Engine::generateTransactionId() {
+    const bool wraps = lastTransactionId == std::numeric_limits<uint16_t>::max();
+    lastTransactionId = wraps ? uint16_t{1} : static_cast<uint16_t>(lastTransactionId + 1);
+    return lastTransactionId;
+}
+
+void VeltraSDK::Engine::handleResponse(const std::vector<uint8_t>& frame) {
+    const ResponseFrame response(frame);
+    if (!response.holds(ResponseFrame::minSize)) {
+        return;
+    }
+    if (response.transactionId() == 0) {
+        if (notificationHandler) {
+            Notification notification{};
+            notification.kind = kindOf(response.commandCode());
+            notification.data = frame.data();
+            notification.size = frame.size();
+            notificationHandler(notification);
+        }
+        return;
+    }
+    const BlockingApi::Lock lock = blockingApi.lock();
+    lastResponse = frame;
+    blockingApi.notifyResponseReceived(lock);
+}
+
+void VeltraSDK::Engine::onNotification(std::function<void(const Notification&)> handler) {
+    notificationHandler.swap(handler);
+}
+
+VeltraSDK::Engine::Answer::Answer(Engine& engine, uint16_t transactionId, uint16_t encoded)
+    : requestId(transactionId), result(encoded) {
+    if (encoded != ResultCode_Success) {
+        return;
+    }
+    lock = engine.blockingApi.lock();
+    if (engine.blockingApi.waitForResponse(lock)) {
+        response.emplace(engine.lastResponse);
+        result = response->status();
+    } else {
+        result = ResultCode_NoResponse;
+    }
+}
+
+uint16_t VeltraSDK::Engine::awaitStatus(uint16_t transactionId, uint16_t encoded) {
+    return Answer(*this, transactionId, encoded).status();
+}
