@@ -14,26 +14,29 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr size_t largestReportSize = 1024;
+constexpr size_t maxReportSize = 1024;
 constexpr unsigned firstPacket = 0x1;
 constexpr unsigned lastPacket = 0x2;
-constexpr uint8_t responseLength = 12;
-constexpr uint8_t stringLength = 6;
+constexpr uint8_t responseLength = 10 + loopback_hid::dataSize;
+constexpr uint8_t notificationLength = 7;
+constexpr size_t maxOpenDevices = 2;
 
 size_t reportSizeOfNextDevice = 64;
 std::chrono::nanoseconds responseDelay{0};
 std::chrono::nanoseconds reportTime{0};
+std::atomic<size_t> notifications{0};
 std::atomic<bool> isUnplugged{false};
 std::atomic<size_t> reads{0};
 
 } // namespace
 
 struct hid_device_ {
+    bool isOpen;
     size_t reportSize;
     Clock::time_point busFree;
 
     std::array<uint8_t, 4> header;
-    std::array<uint8_t, largestReportSize> response;
+    std::array<uint8_t, maxReportSize> response;
 
     std::mutex mutex;
     std::condition_variable answered;
@@ -43,20 +46,48 @@ struct hid_device_ {
 
 namespace {
 
-hid_device_ theDevice{};
+std::array<hid_device_, maxOpenDevices> devices{};
 hid_device_info theInfo{};
 std::string thePath = "1-1:1.0";
 std::wstring theSerialNumber = L"LOOPBACK";
 
+/// The count field of each command's response: its offset in the frame, and what it says.
+void writeCount(const hid_device_& device, uint8_t* frame) {
+    switch (device.header[2] | device.header[3] << 8) {
+    case 0x0407: // string
+        frame[6] = 6;
+        break;
+    case 0x0D04: // SPI transfer
+        frame[6] = loopback_hid::dataSize;
+        break;
+    case 0x1908: // I3C private transfer
+        frame[8] = loopback_hid::dataSize;
+        break;
+    case 0x1909: // Common Command Code
+        frame[9] = 6;
+        break;
+    default:
+        break;
+    }
+}
+
 void answer(hid_device_& device) {
     const std::lock_guard<std::mutex> lock(device.mutex);
-    device.response = {(firstPacket | lastPacket) | responseLength << 2U, 0};
+    device.response = {(firstPacket | lastPacket) | (responseLength << 2U & 0xFFU)};
     std::copy(device.header.begin(), device.header.end(), device.response.begin() + 2);
-    device.response[8] = stringLength;
-    std::fill_n(device.response.begin() + 9, stringLength - 1, uint8_t{'x'});
+    writeCount(device, device.response.data() + 2);
     device.pending = true;
     device.due = Clock::now() + responseDelay;
     device.answered.notify_one();
+}
+
+/// Takes one of the notifications that are to come, if there is one.
+bool takeNotification() {
+    if (notifications == 0) {
+        return false;
+    }
+    --notifications;
+    return true;
 }
 
 } // namespace
@@ -71,6 +102,9 @@ void setResponseDelay(std::chrono::nanoseconds delay) {
 }
 void setReportTime(std::chrono::nanoseconds time) {
     reportTime = time;
+}
+void notify(size_t count) {
+    notifications = count;
 }
 void unplug(bool unplugged) {
     isUnplugged = unplugged;
@@ -95,7 +129,7 @@ hid_device_info* hid_enumerate(unsigned short /*vendorId*/, unsigned short /*pro
     theInfo.path = thePath.data();
     theInfo.serial_number = theSerialNumber.data();
     theInfo.vendor_id = VELTRASDK_USB_VENDOR_ID;
-    theInfo.product_id = reportSizeOfNextDevice == largestReportSize
+    theInfo.product_id = reportSizeOfNextDevice == maxReportSize
                              ? VELTRASDK_USB_PRODUCT_ID_HIGH_SPEED
                              : VELTRASDK_USB_PRODUCT_ID_FULL_SPEED;
     return &theInfo;
@@ -104,12 +138,20 @@ hid_device_info* hid_enumerate(unsigned short /*vendorId*/, unsigned short /*pro
 void hid_free_enumeration(hid_device_info* /*devices*/) {}
 
 hid_device* hid_open_path(const char* /*path*/) {
-    theDevice.reportSize = reportSizeOfNextDevice;
-    theDevice.pending = false;
-    return &theDevice;
+    const auto device = std::find_if(devices.begin(), devices.end(),
+                                     [](const hid_device_& each) { return !each.isOpen; });
+    if (device == devices.end()) {
+        return nullptr;
+    }
+    device->isOpen = true;
+    device->reportSize = reportSizeOfNextDevice;
+    device->pending = false;
+    return &*device;
 }
 
-void hid_close(hid_device* /*device*/) {}
+void hid_close(hid_device* device) {
+    device->isOpen = false;
+}
 
 int hid_write(hid_device* device, const unsigned char* data, size_t length) {
     if (reportTime.count() != 0) {
@@ -130,6 +172,13 @@ int hid_read_timeout(hid_device* device, unsigned char* data, size_t length, int
     ++reads;
     if (isUnplugged) {
         return -1;
+    }
+    if (takeNotification()) {
+        std::fill_n(data, length, uint8_t{0});
+        data[0] = static_cast<uint8_t>(firstPacket | lastPacket | notificationLength << 2U);
+        data[4] = 0x81; // the command code of a GPIO interrupt
+        data[5] = 0x14;
+        return static_cast<int>(length);
     }
     std::unique_lock<std::mutex> lock(device->mutex);
     if (!device->answered.wait_for(lock, std::chrono::milliseconds(milliseconds),

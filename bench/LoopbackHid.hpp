@@ -8,7 +8,8 @@
 /// while it runs, and costs as little as it can, so that what is measured is the library.
 ///
 /// Each message is answered when its last packet arrives: with the same transaction identifier and
-/// command code, status 0, and a string of five bytes where the payload begins.
+/// command code, status 0, and a payload that each command takes for as much data as it may be
+/// asked for here. Devices are told apart by nothing; each opening makes another one.
 namespace loopback_hid {
 
 /// 64 or 1024; takes effect when a device is opened.
@@ -19,6 +20,12 @@ void setResponseDelay(std::chrono::nanoseconds delay);
 
 /// How long a report occupies the bus: hid_write returns that much after the previous one.
 void setReportTime(std::chrono::nanoseconds time);
+
+/// The data bytes of a response: an I2C, SPI or I3C read; GETPID has six, a string five.
+constexpr size_t dataSize = 16;
+
+/// Makes the next @p count reads find a notification of a GPIO interrupt at once.
+void notify(size_t count);
 
 /// Makes every read fail at once, as after an unplug.
 void unplug(bool unplugged);

@@ -1,45 +1,40 @@
 // Prints the counts that do not depend on the machine, one "name value" a line.
 #include "LoopbackHid.hpp"
 #include "allocations.hpp"
-
-#include <veltrasdk/VeltraSDK.hpp>
+#include "operations.hpp"
 
 #include <chrono>
 #include <iostream>
+#include <stdexcept>
 #include <thread>
 
 namespace {
 
-constexpr size_t operations = 1000;
-constexpr size_t longMessage = 65'535;
-constexpr size_t longMessageHeader = 6;
+constexpr size_t calls = 1000;
+constexpr size_t longCalls = 10;
 
 /// Allocations of the library for one call of @p operation in steady state.
-template <typename Operation>
-double allocationsOf(size_t calls, const Operation& operation) {
-    operation(); // buffers that are kept grow once
+double allocationsOf(size_t count, const Operations::Operation& operation) {
+    operation.run(); // buffers that are kept grow once
     const size_t before = allocationsSoFar();
-    for (size_t i = 0; i < calls; ++i) {
-        operation();
+    for (size_t i = 0; i < count; ++i) {
+        if (!operation.run()) {
+            throw std::runtime_error(operation.name + " failed");
+        }
     }
-    return static_cast<double>(allocationsSoFar() - before) / static_cast<double>(calls);
+    return static_cast<double>(allocationsSoFar() - before) / static_cast<double>(count);
 }
 
-void countAllocations(size_t reportSize, const std::string& model) {
-    loopback_hid::setReportSize(reportSize);
-    VeltraSDK sdk(-1);
-    sdk.connect("");
-    std::vector<uint8_t> text;
-    std::cout << "allocations_small_operation_" << model << ' '
-              << allocationsOf(operations, [&] { sdk.getUsbString(text, 1); }) << '\n';
-
-    const std::vector<uint8_t> message(longMessage, 0x55);
-    const size_t payload = reportSize - 2;
-    const size_t packets = (longMessage + longMessageHeader + payload - 1) / payload;
-    std::cout << "allocations_beyond_packets_64k_request_" << model << ' '
-              << allocationsOf(10, [&] { sdk.uartSendMessage(message); }) -
-                     static_cast<double>(packets)
-              << '\n';
+void countAllocations(size_t reportSize) {
+    const Operations operations(reportSize);
+    const auto print = [&](size_t count, const Operations::Operation& operation) {
+        std::cout << "allocations_" << operation.name << '_' << reportSize << ' '
+                  << allocationsOf(count, operation) << '\n';
+    };
+    for (const Operations::Operation& operation : operations.small()) {
+        print(calls, operation);
+    }
+    print(longCalls, operations.longRequest());
 }
 
 /// Read calls a second of a connected object whose device is gone.
@@ -60,8 +55,8 @@ void countReadsWhileUnplugged() {
 } // namespace
 
 int main() {
-    countAllocations(64, "full_speed");
-    countAllocations(1024, "high_speed");
+    countAllocations(64);
+    countAllocations(1024);
     countReadsWhileUnplugged();
     return 0;
 }

@@ -31,9 +31,10 @@ void CommunicationManager::sendRequest(const std::vector<uint8_t>& request) {
 }
 
 void CommunicationManager::sendRequest(const uint8_t* request, size_t size) {
+    const UsbTransferProtocol& framing = *protocol;
     OutputReport report;
-    for (size_t offset = 0; offset < size; offset += protocol->getPacketPayloadLength()) {
-        const size_t packetSize = protocol->createPacket(report.packet(), request, size, offset);
+    for (size_t offset = 0; offset < size; offset += framing.getPacketPayloadLength()) {
+        const size_t packetSize = framing.createPacket(report.packet(), request, size, offset);
         driver->sendReport(report, packetSize);
     }
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -18,7 +19,17 @@ public:
     /// Makes the packet whose payload begins at @p offset, below @p messageSize, of a message.
     /// @p packet has room for a report. Returns the packet's size.
     size_t createPacket(uint8_t* packet, const uint8_t* message, size_t messageSize,
-                        size_t offset) const;
+                        size_t offset) const {
+        const size_t remaining = messageSize - offset;
+        const size_t length = std::min(packetPayloadLength, remaining);
+        const unsigned header = (offset == 0 ? firstPacketFlag : 0) |
+                                (length == remaining ? lastPacketFlag : 0) |
+                                (static_cast<unsigned>(length) & lengthMask) << lengthShift;
+        packet[0] = static_cast<uint8_t>(header & 0xFFU);
+        packet[1] = static_cast<uint8_t>(header >> 8U);
+        std::copy_n(message + offset, length, packet + headerSize);
+        return headerSize + length;
+    }
 
     /// Appends the packets of @p message to @p packets; an empty message has none.
     void createUsbOutTransferPackets(std::vector<std::vector<uint8_t>>& packets,
@@ -37,6 +48,12 @@ public:
     static constexpr size_t maxMessageSize = size_t{1} << 20U;
 
 private:
+    static constexpr size_t headerSize = 2;
+    static constexpr unsigned firstPacketFlag = 0x1;
+    static constexpr unsigned lastPacketFlag = 0x2;
+    static constexpr unsigned lengthShift = 2;
+    static constexpr unsigned lengthMask = 0x3FF;
+
     size_t endpointSize;
     size_t packetPayloadLength;
 };

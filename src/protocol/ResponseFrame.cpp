@@ -2,14 +2,6 @@
 
 #include <algorithm>
 
-uint16_t ResponseFrame::u16(size_t offset) const {
-    return static_cast<uint16_t>(u8(offset) | u8(offset + 1) << 8);
-}
-
-uint16_t ResponseFrame::u16BigEndian(size_t offset) const {
-    return static_cast<uint16_t>(u8(offset) << 8 | u8(offset + 1));
-}
-
 void ResponseFrame::copyTo(std::vector<uint8_t>& destination, size_t offset, size_t count) const {
     destination.resize(count);
     copyTo(destination.data(), offset, count);

@@ -25,9 +25,13 @@ public:
 
     [[nodiscard]] bool holds(size_t byteCount) const { return size >= byteCount; }
     [[nodiscard]] uint8_t u8(size_t offset) const { return offset < size ? data[offset] : 0; }
-    [[nodiscard]] uint16_t u16(size_t offset) const;
+    [[nodiscard]] uint16_t u16(size_t offset) const {
+        return static_cast<uint16_t>(u8(offset) | u8(offset + 1) << 8);
+    }
     /// Most significant byte first, as the I3C bus carries its values.
-    [[nodiscard]] uint16_t u16BigEndian(size_t offset) const;
+    [[nodiscard]] uint16_t u16BigEndian(size_t offset) const {
+        return static_cast<uint16_t>(u8(offset) << 8 | u8(offset + 1));
+    }
 
     /// Replaces the contents of @p destination by @p count bytes.
     void copyTo(std::vector<uint8_t>& destination, size_t offset, size_t count) const;

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <utility>
 
 /// The timed wait of every blocking operation.
 ///
@@ -31,15 +33,29 @@ public:
         return sendRequest() && waitForResponse();
     }
 
-    /// Locks the time-out and the flag, and with them what a response is stored in: what is
-    /// notified under a lock can be read under the lock that ended the wait.
-    [[nodiscard]] Lock lock() { return Lock(mutex); }
-    void notifyResponseReceived(const Lock& held);
-    bool waitForResponse(Lock& held);
+    /// Guards the time-out and the flag, and with them what a response is stored in: what was
+    /// stored before it was notified can be read under the lock that ended the wait.
+    std::mutex mutex;
+
+    /// The same while the mutex is locked.
+    void notifyLocked() {
+        responseReceived = true;
+        responseArrived.notify_one();
+    }
+    bool waitLocked(Lock& held) {
+        const auto arrived = [this] { return responseReceived; };
+        if (timeoutMs == noTimeout) {
+            responseArrived.wait(held, arrived);
+        } else {
+            const auto deadline =
+                std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
+            responseArrived.wait_until(held, deadline, arrived);
+        }
+        return std::exchange(responseReceived, false);
+    }
 
 private:
     int timeoutMs;
     bool responseReceived = false;
     std::condition_variable responseArrived;
-    std::mutex mutex;
 };

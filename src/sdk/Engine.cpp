@@ -42,18 +42,23 @@ void VeltraSDK::Engine::handleResponse(const std::vector<uint8_t>& frame) {
         return;
     }
     if (response.transactionId() == 0) {
-        if (notificationHandler) {
-            Notification notification{};
-            notification.kind = kindOf(response.commandCode());
-            notification.data = frame.data();
-            notification.size = frame.size();
-            notificationHandler(notification);
-        }
+        handleNotification(frame);
         return;
     }
-    const BlockingApi::Lock lock = blockingApi.lock();
+    const std::lock_guard<std::mutex> lock(blockingApi.mutex);
     lastResponse = frame;
-    blockingApi.notifyResponseReceived(lock);
+    blockingApi.notifyLocked();
+}
+
+void VeltraSDK::Engine::handleNotification(const std::vector<uint8_t>& frame) const {
+    if (!notificationHandler) {
+        return;
+    }
+    Notification notification{};
+    notification.kind = kindOf(ResponseFrame(frame).commandCode());
+    notification.data = frame.data();
+    notification.size = frame.size();
+    notificationHandler(notification);
 }
 
 void VeltraSDK::Engine::onNotification(std::function<void(const Notification&)> handler) {
@@ -61,12 +66,14 @@ void VeltraSDK::Engine::onNotification(std::function<void(const Notification&)> 
 }
 
 VeltraSDK::Engine::Answer::Answer(Engine& engine, uint16_t transactionId, uint16_t encoded)
-    : requestId(transactionId), result(encoded) {
+    : lock(encoded == ResultCode_Success ? BlockingApi::Lock(engine.blockingApi.mutex)
+                                         : BlockingApi::Lock()),
+      requestId(transactionId),
+      result(encoded) {
     if (encoded != ResultCode_Success) {
         return;
     }
-    lock = engine.blockingApi.lock();
-    if (engine.blockingApi.waitForResponse(lock)) {
+    if (engine.blockingApi.waitLocked(lock)) {
         response.emplace(engine.lastResponse);
         result = response->status();
     } else {

@@ -82,6 +82,7 @@ public:
     }
 
 private:
+    void handleNotification(const std::vector<uint8_t>& frame) const;
     uint16_t awaitStatus(uint16_t transactionId, uint16_t encoded);
 
     BlockingApi blockingApi;
