@@ -366,7 +366,7 @@ void printLimits() {
     const auto payloadOf = [](const Model& model) {
         return std::to_string(UsbTransferProtocol(model.reportSize).getPacketPayloadLength());
     };
-    print("shortest frame", std::to_string(ResponseFrame::minFrameSize));
+    print("shortest frame", std::to_string(ResponseFrame::minSize));
     print("longest message", std::to_string(UsbTransferProtocol::maxMessageSize));
     print("payload of a full-speed packet", payloadOf(fullSpeed));
     print("payload of a high-speed packet", payloadOf(highSpeed));
