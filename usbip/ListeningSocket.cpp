@@ -1,5 +1,6 @@
 #include "usbip/ListeningSocket.hpp"
 
+#include <arpa/inet.h>
 #include <netdb.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
@@ -16,18 +17,36 @@ namespace {
 using AddressList = std::unique_ptr<addrinfo, decltype(&freeaddrinfo)>;
 
 AddressList resolve(const std::string& address, uint16_t port) {
+    // The system's own reading takes "*" and "0" for every address.
+    if (!isNumericAddress(address)) {
+        throw std::runtime_error("'" + address + "' is not a numeric address");
+    }
     addrinfo hints{};
     hints.ai_flags = AI_NUMERICHOST | AI_NUMERICSERV | AI_PASSIVE;
     hints.ai_socktype = SOCK_STREAM;
     addrinfo* found = nullptr;
     const int error = getaddrinfo(address.c_str(), std::to_string(port).c_str(), &hints, &found);
     if (error != 0) {
-        throw std::runtime_error("'" + address + "' is not an address: " + gai_strerror(error));
+        throw std::runtime_error("cannot listen on " + address + ": " + gai_strerror(error));
     }
     return {found, freeaddrinfo};
 }
 
+sockaddr_storage addressOf(const FileDescriptor& socket) {
+    sockaddr_storage address{};
+    socklen_t size = sizeof address;
+    getsockname(socket.get(), reinterpret_cast<sockaddr*>(&address), &size);
+    return address;
+}
+
 } // namespace
+
+bool isNumericAddress(const std::string& text) {
+    in6_addr parsed{};
+    // An IPv6 address may name its interface.
+    return inet_pton(AF_INET, text.c_str(), &parsed) == 1 ||
+           inet_pton(AF_INET6, text.substr(0, text.find('%')).c_str(), &parsed) == 1;
+}
 
 FileDescriptor listeningSocket(const std::string& address, uint16_t port) {
     const AddressList resolved = resolve(address, port);
@@ -46,13 +65,21 @@ FileDescriptor listeningSocket(const std::string& address, uint16_t port) {
 }
 
 uint16_t portOf(const FileDescriptor& socket) {
-    sockaddr_storage address{};
-    socklen_t size = sizeof address;
-    getsockname(socket.get(), reinterpret_cast<sockaddr*>(&address), &size);
+    const sockaddr_storage address = addressOf(socket);
     if (address.ss_family == AF_INET6) {
         return ntohs(reinterpret_cast<const sockaddr_in6*>(&address)->sin6_port);
     }
     return ntohs(reinterpret_cast<const sockaddr_in*>(&address)->sin_port);
+}
+
+bool isOnLoopback(const FileDescriptor& socket) {
+    const sockaddr_storage address = addressOf(socket);
+    if (address.ss_family == AF_INET6) {
+        return IN6_IS_ADDR_LOOPBACK(&reinterpret_cast<const sockaddr_in6*>(&address)->sin6_addr);
+    }
+    constexpr uint32_t loopbackNetwork = 127;
+    return ntohl(reinterpret_cast<const sockaddr_in*>(&address)->sin_addr.s_addr) >> 24U ==
+           loopbackNetwork;
 }
 
 } // namespace usbip

@@ -79,11 +79,10 @@ inline Description fullSpeedDescription() {
 }
 
 inline ExportedDevice exportedEcho() {
-    return {fullSpeedDescription(),
-            [](Device::Receiver receiver) {
-                return std::make_unique<EchoDevice>(std::move(receiver));
-            },
-            false};
+    return {
+        fullSpeedDescription(),
+        [](Device::Receiver receiver) { return std::make_unique<EchoDevice>(std::move(receiver)); },
+        false};
 }
 
 } // namespace usbip

@@ -1,6 +1,7 @@
 #include "cli/attach.hpp"
 
 #include "cli/TerminationSignals.hpp"
+#include "cli/announce.hpp"
 #include "cli/options.hpp"
 #include "ways/usbip.hpp"
 
@@ -12,8 +13,8 @@
 
 #include <array>
 #include <cerrno>
-#include <iostream>
 #include <memory>
+#include <string>
 #include <sys/socket.h>
 #include <system_error>
 #include <utility>
@@ -37,9 +38,8 @@ void attach(const AdapterSettings& settings) {
     const usbip::Vhci controller;
     const unsigned port = controller.plugIn(kernelsEnd, speed);
     kernelsEnd.reset();
-    // Flushed, because whoever plugs in waits for this line.
-    std::cout << "Plugged the " << settings.identity.variant.name << " adapter "
-              << settings.serialNumber << " into vhci port " << port << std::endl;
+    announce("Plugged the " + std::string(settings.identity.variant.name) + " adapter " +
+             settings.serialNumber + " into vhci port " + std::to_string(port));
     // When the kernel has let go by itself, the port may be another device's already.
     if (server.run(stop) == usbip::Server::End::Stopped) {
         controller.pullOut(port);

@@ -1,6 +1,7 @@
 #include "cli/serve.hpp"
 
 #include "cli/TerminationSignals.hpp"
+#include "cli/announce.hpp"
 #include "cli/options.hpp"
 #include "ways/usbip.hpp"
 
@@ -11,6 +12,7 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 
+#include <charconv>
 #include <cstdint>
 #include <iostream>
 #include <memory>
@@ -29,14 +31,37 @@ struct ServeOptions {
 void serve(const ServeOptions& options) {
     const usbip::FileDescriptor stop = terminationSignals();
     usbip::FileDescriptor listener = usbip::listeningSocket(options.address, options.port);
-    const uint16_t port = usbip::portOf(listener);
+    if (!usbip::isOnLoopback(listener)) {
+        std::cerr << "veltra-virtual-adapter: warning: whoever reaches " + options.address +
+                         " can take the adapter: USB/IP asks nobody for a password\n"
+                  << std::flush;
+    }
+    const std::string port = std::to_string(usbip::portOf(listener));
     usbip::Server server(exportedAdapter(options.settings));
     server.listenOn(std::move(listener));
-    // Flushed, because whoever starts a server waits for this line.
-    std::cout << "Serving the " << options.settings.identity.variant.name << " adapter "
-              << options.settings.serialNumber << " as device 1-1 on " << options.address
-              << " port " << port << std::endl;
+    announce("Serving the " + std::string(options.settings.identity.variant.name) + " adapter " +
+             options.settings.serialNumber + " as device 1-1 on " + options.address + " port " +
+             port);
     server.run(stop);
+}
+
+/// An empty text is no port: as 0 it would be any.
+uint16_t readPort(const std::string& text) {
+    uint16_t port = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, port);
+    if (error != std::errc() || stop != end) {
+        throw CLI::ValidationError("--port", "expected a TCP port from 1 to 65535, or 0 for any "
+                                             "free one");
+    }
+    return port;
+}
+
+std::string complaintAboutAddress(const std::string& text) {
+    return usbip::isNumericAddress(text)
+               ? ""
+               : "expected a numeric address: 127.0.0.1 for this machine alone, 0.0.0.0 or :: for "
+                 "all of its networks";
 }
 
 } // namespace
@@ -47,9 +72,14 @@ void addServeCommand(CLI::App& app) {
     const auto options = std::make_shared<ServeOptions>();
     addAdapterOptionsOnRealHost(command, options->settings);
     command.add_option("--address", options->address, "Listen on this numeric address")
+        ->check(complaintAboutAddress)
         ->capture_default_str();
-    command.add_option("--port", options->port, "Listen on this TCP port; 0 finds a free one")
-        ->capture_default_str();
+    command
+        .add_option_function<std::string>(
+            "--port", [options](const std::string& text) { options->port = readPort(text); },
+            "Listen on this TCP port; 0 finds a free one")
+        ->type_name("UINT")
+        ->default_str(std::to_string(options->port));
     command.callback([options] { serve(*options); });
 }
 

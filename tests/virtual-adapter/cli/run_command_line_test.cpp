@@ -69,6 +69,41 @@ TEST(RunCommandLine, ASubcommandIsRequired) {
     EXPECT_EQ(runProcess({virtualAdapter}).status, refused);
 }
 
+TEST(RunCommandLine, AnUnknownCommandIsNamed) {
+    const std::vector<std::pair<std::string, Arguments>> cases{
+        {"bogus", {}}, {"--bogus", {}}, {"bogus", {"serve", "--fire"}}, {"bogus", {"--port", "1"}}};
+    for (const auto& [word, rest] : cases) {
+        const ProcessResult result = runProcess(Arguments{virtualAdapter, word} + rest);
+        EXPECT_EQ(result.status, refused);
+        EXPECT_EQ(result.errors, "veltra-virtual-adapter: '" + word +
+                                     "' is none of its commands: run, serve, attach; --help says "
+                                     "what they do\n");
+        EXPECT_EQ(result.output, "");
+    }
+}
+
+TEST(RunCommandLine, AProgramWithoutItsSeparatorBringsWhatToType) {
+    const std::string complaint =
+        "veltra-virtual-adapter: -- is missing in front of the program; type: "
+        "veltra-virtual-adapter run ";
+    const std::vector<std::pair<Arguments, std::string>> cases{
+        {{"./prog"}, "-- ./prog\n"},
+        {{"./prog", "--help"}, "-- ./prog ...\n"},
+        {{"--model", "high-speed", "./prog", "-x", "serve"}, "[OPTIONS] -- ./prog ...\n"}};
+    for (const auto& [arguments, line] : cases) {
+        const ProcessResult result = runProcess(Arguments{virtualAdapter, "run"} + arguments);
+        EXPECT_EQ(result.status, refused);
+        EXPECT_EQ(result.errors, complaint + line);
+        EXPECT_EQ(result.output, "");
+    }
+}
+
+TEST(RunCommandLine, AWordTooManyBehindACommandIsNotTakenForOne) {
+    const ProcessResult result = runProcess({virtualAdapter, "serve", "serve"});
+    EXPECT_EQ(result.status, refused);
+    EXPECT_THAT(result.errors, HasSubstr("not expected: serve"));
+}
+
 TEST(RunCommandLine, OnlyRunTakesAProgram) {
     const ProcessResult result = runProcess({virtualAdapter, "serve", "--", hidProbe});
     EXPECT_EQ(result.status, refused);

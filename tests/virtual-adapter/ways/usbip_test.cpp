@@ -59,8 +59,8 @@ TEST(UsbIpWay, AResponseEndsTheReadThatWaitsForIt) {
     ExportedDevice adapter = exportedAdapter({});
     Host host(adapter);
     EXPECT_TRUE(host.say(submitRead(2)).empty()) << "nothing to read yet";
-    Bytes response{0x3B, 0x00, 0x05, 0x00, 0x07, 0x04, 0x00, 0x00, 0x08,
-                   'V',  'A',  '-',  '0',  '0',  '0',  '1'};
+    Bytes response{0x3B, 0x00, 0x05, 0x00, 0x07, 0x04, 0x00, 0x00,
+                   0x08, 'V',  'A',  '-',  '0',  '0',  '0',  '1'};
     response.resize(64);
     EXPECT_EQ(host.say(submitWrite(3, askForString3)),
               returnSubmit(3, {3, Status::Completed, askForString3.size(), {}}) +
