@@ -37,7 +37,10 @@ bool HidAdapter::open() {
 
 void HidAdapter::close() {
     const std::lock_guard lock(mutex);
-    receive();
+    // What comes due later is for whoever opens next. Nothing here takes memory.
+    const auto now = Clock::now();
+    while (link.takeInputReport(now)) {
+    }
     unread.clear();
     opened = false;
     changed.notify_all();
@@ -45,9 +48,10 @@ void HidAdapter::close() {
 
 bool HidAdapter::write(const Bytes& report) {
     const std::lock_guard lock(mutex);
+    // Readers look when the lock is free again, also when there is no memory for the answer.
+    changed.notify_all();
     const bool written = opened && link.writeReport(report, Clock::now());
     receive();
-    changed.notify_all();
     return written;
 }
 

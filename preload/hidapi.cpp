@@ -3,7 +3,9 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <exception>
 #include <iostream>
+#include <memory>
 #include <mutex>
 #include <pthread.h>
 #include <stdexcept>
@@ -72,8 +74,8 @@ public:
     hid_device* get() {
         const std::lock_guard lock(mutex);
         if (!isAskedFor) {
-            isAskedFor = true;
             device = plugIn(inherited);
+            isAskedFor = true;
         }
         return device;
     }
@@ -129,7 +131,7 @@ struct ListedDevice {
 };
 
 hid_device_info* listDevice(const AdapterSettings& settings, bool withStrings) {
-    auto* const listed = new ListedDevice;
+    auto listed = std::make_unique<ListedDevice>();
     hid_device_info& info = listed->info;
     info.path = listed->path.data();
     info.vendor_id = settings.identity.vendorId;
@@ -144,37 +146,52 @@ hid_device_info* listDevice(const AdapterSettings& settings, bool withStrings) {
         info.manufacturer_string = listed->manufacturer.data();
         info.product_string = listed->product.data();
     }
-    return &info;
+    return &listed.release()->info;
+}
+
+/// What @p function returns, or @p failure where it throws for want of memory: a program that may
+/// be C has no use for an exception. Other than those pass, as they end a cancelled thread.
+template <typename Result, typename Function>
+Result orFailure(Result failure, Function function) {
+    try {
+        return function();
+    } catch (const std::exception&) {
+        return failure;
+    }
 }
 
 } // namespace
 
 int hid_init() {
-    return oneDevice.get() == nullptr ? -1 : 0;
+    return orFailure(-1, [] { return oneDevice.get() == nullptr ? -1 : 0; });
 }
 
 int hid_exit() {
-    hid_device* const device = oneDevice.get();
-    if (device != nullptr && device->adapter.isOpen()) {
-        complain("hid_exit while a device is open: the real hidapi aborts here too");
-        std::abort();
-    }
-    return 0;
+    return orFailure(-1, [] {
+        hid_device* const device = oneDevice.get();
+        if (device != nullptr && device->adapter.isOpen()) {
+            complain("hid_exit while a device is open: the real hidapi aborts here too");
+            std::abort();
+        }
+        return 0;
+    });
 }
 
 // NOLINTNEXTLINE(readability-identifier-naming): hidapi's names.
 hid_device_info* hid_enumerate(unsigned short vendor_id, unsigned short product_id) {
-    hid_device* const device = oneDevice.get();
-    if (device == nullptr || !device->adapter.isOnBus()) {
-        return nullptr;
-    }
-    const AdapterSettings& settings = device->adapter.adapterSettings();
-    const UsbIdentity& identity = settings.identity;
-    if ((vendor_id != 0 && vendor_id != identity.vendorId) ||
-        (product_id != 0 && product_id != identity.productId)) {
-        return nullptr;
-    }
-    return listDevice(settings, device->adapter.isAccessible());
+    return orFailure<hid_device_info*>(nullptr, [=]() -> hid_device_info* {
+        hid_device* const device = oneDevice.get();
+        if (device == nullptr || !device->adapter.isOnBus()) {
+            return nullptr;
+        }
+        const AdapterSettings& settings = device->adapter.adapterSettings();
+        const UsbIdentity& identity = settings.identity;
+        if ((vendor_id != 0 && vendor_id != identity.vendorId) ||
+            (product_id != 0 && product_id != identity.productId)) {
+            return nullptr;
+        }
+        return listDevice(settings, device->adapter.isAccessible());
+    });
 }
 
 void hid_free_enumeration(hid_device_info* devs) {
@@ -182,35 +199,44 @@ void hid_free_enumeration(hid_device_info* devs) {
 }
 
 hid_device* hid_open_path(const char* path) {
-    hid_device* const device = oneDevice.get();
-    if (device == nullptr || path == nullptr || std::strcmp(path, devicePath) != 0) {
-        return nullptr;
-    }
-    return device->adapter.open() ? device : nullptr;
+    return orFailure<hid_device*>(nullptr, [=]() -> hid_device* {
+        hid_device* const device = oneDevice.get();
+        if (device == nullptr || path == nullptr || std::strcmp(path, devicePath) != 0) {
+            return nullptr;
+        }
+        return device->adapter.open() ? device : nullptr;
+    });
 }
 
 int hid_write(hid_device* device, const unsigned char* data, size_t length) {
-    HidAdapter* const adapter = adapterBehind(device);
-    if (adapter == nullptr || data == nullptr || length == 0) {
-        return -1;
-    }
-    // The report identifier 0 of unnumbered reports does not go on the wire.
-    const size_t skipped = data[0] == 0 ? 1 : 0;
-    const bool written = adapter->write(Bytes(data + skipped, data + length));
-    return written ? static_cast<int>(length) : -1;
+    return orFailure(-1, [=] {
+        HidAdapter* const adapter = adapterBehind(device);
+        if (adapter == nullptr || data == nullptr || length == 0) {
+            return -1;
+        }
+        // The report identifier 0 of unnumbered reports does not go on the wire.
+        const size_t skipped = data[0] == 0 ? 1 : 0;
+        const bool written = adapter->write(Bytes(data + skipped, data + length));
+        return written ? static_cast<int>(length) : -1;
+    });
 }
 
 int hid_read_timeout(hid_device* device, unsigned char* data, size_t length, int milliseconds) {
-    HidAdapter* const adapter = adapterBehind(device);
-    if (adapter == nullptr || data == nullptr) {
-        return -1;
-    }
-    return adapter->read(data, length, milliseconds);
+    return orFailure(-1, [=] {
+        HidAdapter* const adapter = adapterBehind(device);
+        if (adapter == nullptr || data == nullptr) {
+            return -1;
+        }
+        return adapter->read(data, length, milliseconds);
+    });
 }
 
 void hid_close(hid_device* device) {
-    HidAdapter* const adapter = adapterBehind(device);
-    if (adapter != nullptr) {
-        adapter->close();
-    }
+    orFailure(false, [=] {
+        HidAdapter* const adapter = adapterBehind(device);
+        if (adapter != nullptr) {
+            adapter->close();
+        }
+        return true;
+    });
 }

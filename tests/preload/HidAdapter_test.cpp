@@ -1,6 +1,10 @@
 #include "preload/HidAdapter.hpp"
 
+#include "support/SleepingThread.hpp"
+
 #include <gtest/gtest.h>
+
+#include <sys/syscall.h>
 
 #include <array>
 #include <atomic>
@@ -19,6 +23,7 @@ using Clock = std::chrono::steady_clock;
 
 /// Longer than any machine takes; a test that waits so long has failed.
 constexpr int generous = 30'000;
+constexpr int anHour = 3'600'000;
 
 const Bytes request{0x17, 0x00, 0x01, 0x00, 0x07, 0x04, 0x01};
 const Bytes enterBootMode{0x13, 0x00, 0x01, 0x00, 0x02, 0x04};
@@ -41,6 +46,33 @@ int nextIdentifier(HidAdapter& adapter, int milliseconds = 0) {
     const int count = adapter.read(report.data(), report.size(), milliseconds);
     return count == 64 ? report[2] : count;
 }
+
+/// A read on a thread of its own, which sleeps by now as there is no report.
+class WaitingRead {
+public:
+    WaitingRead(HidAdapter& read, int milliseconds)
+        : adapter(read), result(std::async(std::launch::async, [=] {
+              threadId.set_value(static_cast<pid_t>(syscall(SYS_gettid)));
+              return nextIdentifier(adapter, milliseconds);
+          })) {
+        EXPECT_TRUE(SleepingThread(threadId.get_future().get()).waitUntilAsleep());
+    }
+
+    /// What it returned. It is a failure when nothing has woken it.
+    int get() {
+        if (result.wait_for(std::chrono::milliseconds(generous)) != std::future_status::ready) {
+            ADD_FAILURE() << "the read sleeps on";
+            adapter.close();
+            adapter.write(request);
+        }
+        return result.get();
+    }
+
+private:
+    HidAdapter& adapter;
+    std::promise<pid_t> threadId;
+    std::future<int> result;
+};
 
 TEST(HidAdapter, AReportIsCutToTheReadersBuffer) {
     HidAdapter adapter{AdapterSettings()};
@@ -71,11 +103,10 @@ TEST(HidAdapter, AReadWaitsUntilItsTimeIsOver) {
 }
 
 TEST(HidAdapter, AWaitingReadIsEndedByAReport) {
-    for (const int patience : {generous, -1}) {
+    for (const int patience : {anHour, -1}) {
         HidAdapter adapter{AdapterSettings()};
         ASSERT_TRUE(adapter.open());
-        auto read =
-            std::async(std::launch::async, [&] { return nextIdentifier(adapter, patience); });
+        WaitingRead read(adapter, patience);
         ASSERT_TRUE(adapter.write(numbered(9)));
         EXPECT_EQ(read.get(), 9);
     }
@@ -88,7 +119,7 @@ TEST(HidAdapter, AWaitingReadIsEndedByUnplugging) {
     EXPECT_TRUE(adapter.write(numbered(2)));
     EXPECT_EQ(nextIdentifier(adapter), 1);
     EXPECT_EQ(nextIdentifier(adapter), 2);
-    auto read = std::async(std::launch::async, [&] { return nextIdentifier(adapter, -1); });
+    WaitingRead read(adapter, -1);
     EXPECT_FALSE(adapter.write(numbered(3)));
     EXPECT_EQ(read.get(), -1);
     EXPECT_EQ(nextIdentifier(adapter, generous), -1);
@@ -207,12 +238,29 @@ TEST(HidAdapter, ClosingDropsUnreadReports) {
     EXPECT_EQ(nextIdentifier(adapter), 0);
 }
 
-TEST(HidAdapter, AWaitingReadIsEndedByClosing) {
-    HidAdapter adapter{AdapterSettings()};
+TEST(HidAdapter, ClosingDropsALateReportThatIsDue) {
+    HidAdapter adapter(withFault(FaultKind::LateResponse, 1ms));
     ASSERT_TRUE(adapter.open());
-    auto read = std::async(std::launch::async, [&] { return nextIdentifier(adapter, -1); });
+    for (uint8_t i = 1; i <= 3; ++i) {
+        ASSERT_TRUE(adapter.write(numbered(i)));
+    }
+    const auto due = Clock::now() + 1ms;
+    while (Clock::now() < due) {
+        std::this_thread::yield();
+    }
     adapter.close();
-    EXPECT_EQ(read.get(), -1);
+    ASSERT_TRUE(adapter.open());
+    EXPECT_EQ(nextIdentifier(adapter), 0);
+}
+
+TEST(HidAdapter, AWaitingReadIsEndedByClosing) {
+    for (const int patience : {anHour, -1}) {
+        HidAdapter adapter{AdapterSettings()};
+        ASSERT_TRUE(adapter.open());
+        WaitingRead read(adapter, patience);
+        adapter.close();
+        EXPECT_EQ(read.get(), -1);
+    }
 }
 
 TEST(HidAdapter, WithoutPermissionItIsOnTheBusAndCannotBeOpened) {
