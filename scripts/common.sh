@@ -24,16 +24,27 @@ step() {
     printf '\n=== %s  (%s)\n' "$1" "$(elapsed)"
 }
 
+# A compiler cache is used where there is one. It takes precompiled headers as they are.
+if command -v ccache >/dev/null; then
+    export CMAKE_C_COMPILER_LAUNCHER=${CMAKE_C_COMPILER_LAUNCHER:-ccache}
+    export CMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER:-ccache}
+    export CCACHE_BASEDIR=${CCACHE_BASEDIR:-$PWD}
+    export CCACHE_SLOPPINESS=${CCACHE_SLOPPINESS:-pch_defines,time_macros,include_file_mtime,include_file_ctime}
+fi
+
 giveUp() {
     printf '%s: %s\n' "$0" "$*" >&2
     exit 1
 }
 
+# Where nobody can be asked for a password, sudo must not wait for one.
 asRoot() {
     if [ "$(id -u)" -eq 0 ]; then
         "$@"
-    else
+    elif [ -t 0 ]; then
         sudo "$@"
+    else
+        sudo --non-interactive "$@"
     fi
 }
 
@@ -42,10 +53,17 @@ mayUnshare() {
     unshare --map-root-user --map-auto --mount true 2>/dev/null
 }
 
+# testSummary BUILD LOG: what ctest has said of it, and how many tests the programs that ran as a whole had.
+testSummary() {
+    printf '%s: %s' "$1" "$(grep 'tests passed' "$2")"
+    find "build/$1" -name 'google-*.xml' -exec sed -n 's/^<testsuites tests="\([0-9]*\)".*/\1/p' {} + |
+        awk '{ sum += $1 } END { if (NR) printf " (%d tests of GoogleTest in %d processes)", sum, NR; print "" }'
+}
+
 # Run by the trap below.
 # shellcheck disable=SC2317
 reportFailure() {
-    local status=$?
+    local status=${1:-$?}
     if [ "$status" -ne 0 ]; then
         printf '\n%s: FAILED%s after %s\n' "$0" "${currentStep:+ at \"$currentStep\"}" "$(elapsed)" >&2
     fi
