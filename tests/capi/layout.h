@@ -12,6 +12,9 @@
 #define SIZE_OF_FIELD(Type, field) sizeof(((Type*)0)->field)
 #endif
 
+/* What depends on the width of an address: its values on hosts of 64 and of 32 bits. */
+#define BY_WIDTH(on64, on32) (sizeof(void*) == 8 ? (on64) : (on32))
+
 #define EXPECT_SIZE(Type, bytes) static_assert(sizeof(Type) == (bytes), #Type)
 #define EXPECT_FIELD(Type, field, offset, bytes)                                                   \
     static_assert(offsetof(Type, field) == (offset), #field);                                      \
@@ -77,35 +80,35 @@ EXPECT_FIELD(I3cHotJoinData, pid, 0, 6);
 EXPECT_FIELD(I3cHotJoinData, bcrDcr, 6, 2);
 EXPECT_FIELD(I3cHotJoinData, dynamicAddress, 8, 1);
 
-EXPECT_SIZE(I3cIbiData, 24);
+EXPECT_SIZE(I3cIbiData, BY_WIDTH(24, 12));
 EXPECT_FIELD(I3cIbiData, address, 0, 1);
-EXPECT_FIELD(I3cIbiData, payload, 8, 8);
-EXPECT_FIELD(I3cIbiData, payloadLength, 16, 8);
+EXPECT_FIELD(I3cIbiData, payload, BY_WIDTH(8, 4), BY_WIDTH(8, 4));
+EXPECT_FIELD(I3cIbiData, payloadLength, BY_WIDTH(16, 8), BY_WIDTH(8, 4));
 
 EXPECT_SIZE(GpioData, 1);
 EXPECT_FIELD(GpioData, value, 0, 1);
 
-EXPECT_SIZE(UartRxData, 16);
-EXPECT_FIELD(UartRxData, data, 0, 8);
-EXPECT_FIELD(UartRxData, length, 8, 8);
+EXPECT_SIZE(UartRxData, BY_WIDTH(16, 8));
+EXPECT_FIELD(UartRxData, data, 0, BY_WIDTH(8, 4));
+EXPECT_FIELD(UartRxData, length, BY_WIDTH(8, 4), BY_WIDTH(8, 4));
 
-EXPECT_SIZE(Notification, 88);
+EXPECT_SIZE(Notification, BY_WIDTH(88, 48));
 EXPECT_FIELD(Notification, kind, 0, 4);
-EXPECT_FIELD(Notification, data, 8, 8);
-EXPECT_FIELD(Notification, size, 16, 8);
-EXPECT_FIELD(Notification, i3cHotJoinView, 24, 9);
-EXPECT_FIELD(Notification, i3cIbiView, 40, 24);
-EXPECT_FIELD(Notification, gpioView, 64, 1);
-EXPECT_FIELD(Notification, uartRxView, 72, 16);
+EXPECT_FIELD(Notification, data, BY_WIDTH(8, 4), BY_WIDTH(8, 4));
+EXPECT_FIELD(Notification, size, BY_WIDTH(16, 8), BY_WIDTH(8, 4));
+EXPECT_FIELD(Notification, i3cHotJoinView, BY_WIDTH(24, 12), 9);
+EXPECT_FIELD(Notification, i3cIbiView, BY_WIDTH(40, 24), BY_WIDTH(24, 12));
+EXPECT_FIELD(Notification, gpioView, BY_WIDTH(64, 36), 1);
+EXPECT_FIELD(Notification, uartRxView, BY_WIDTH(72, 40), BY_WIDTH(16, 8));
 
-EXPECT_SIZE(VeltraSDK_DeviceInfo, 80);
-EXPECT_FIELD(VeltraSDK_DeviceInfo, usbString1, 0, 8);
-EXPECT_FIELD(VeltraSDK_DeviceInfo, usbString1Length, 8, 8);
-EXPECT_FIELD(VeltraSDK_DeviceInfo, usbString2, 16, 8);
-EXPECT_FIELD(VeltraSDK_DeviceInfo, usbString2Length, 24, 8);
-EXPECT_FIELD(VeltraSDK_DeviceInfo, usbString3, 32, 8);
-EXPECT_FIELD(VeltraSDK_DeviceInfo, usbString3Length, 40, 8);
-EXPECT_FIELD(VeltraSDK_DeviceInfo, usbString4, 48, 8);
-EXPECT_FIELD(VeltraSDK_DeviceInfo, usbString4Length, 56, 8);
-EXPECT_FIELD(VeltraSDK_DeviceInfo, usbString5, 64, 8);
-EXPECT_FIELD(VeltraSDK_DeviceInfo, usbString5Length, 72, 8);
+EXPECT_SIZE(VeltraSDK_DeviceInfo, BY_WIDTH(80, 40));
+EXPECT_FIELD(VeltraSDK_DeviceInfo, usbString1, 0, BY_WIDTH(8, 4));
+EXPECT_FIELD(VeltraSDK_DeviceInfo, usbString1Length, BY_WIDTH(8, 4), BY_WIDTH(8, 4));
+EXPECT_FIELD(VeltraSDK_DeviceInfo, usbString2, BY_WIDTH(16, 8), BY_WIDTH(8, 4));
+EXPECT_FIELD(VeltraSDK_DeviceInfo, usbString2Length, BY_WIDTH(24, 12), BY_WIDTH(8, 4));
+EXPECT_FIELD(VeltraSDK_DeviceInfo, usbString3, BY_WIDTH(32, 16), BY_WIDTH(8, 4));
+EXPECT_FIELD(VeltraSDK_DeviceInfo, usbString3Length, BY_WIDTH(40, 20), BY_WIDTH(8, 4));
+EXPECT_FIELD(VeltraSDK_DeviceInfo, usbString4, BY_WIDTH(48, 24), BY_WIDTH(8, 4));
+EXPECT_FIELD(VeltraSDK_DeviceInfo, usbString4Length, BY_WIDTH(56, 28), BY_WIDTH(8, 4));
+EXPECT_FIELD(VeltraSDK_DeviceInfo, usbString5, BY_WIDTH(64, 32), BY_WIDTH(8, 4));
+EXPECT_FIELD(VeltraSDK_DeviceInfo, usbString5Length, BY_WIDTH(72, 36), BY_WIDTH(8, 4));
