@@ -1,7 +1,7 @@
+#include "capi/CccOutputs.hpp"
 #include "support/CccFrames.hpp"
 #include "support/SdkTest.hpp"
 
-#include <array>
 #include <map>
 
 namespace {
@@ -11,8 +11,10 @@ using test_support::CccFrame;
 using test_support::cccFrames;
 using test_support::noResponse;
 using test_support::notConnected;
+using test_support::Outputs;
 using test_support::OwnedHandle;
 using test_support::refused;
+using test_support::untouchedByte;
 
 using I3cCccFunctionTest = test_support::SdkTest;
 INSTANTIATE_ON_BOTH_MODELS(I3cCccFunctionTest);
@@ -23,41 +25,7 @@ constexpr auto resetPeripheral = I3cTargetResetDefByte_ResetPeripheral;
 constexpr auto resetWholeTarget = I3cTargetResetDefByte_ResetWholeTarget;
 constexpr auto timeToResetPeripheral = I3cTargetResetDefByte_TimeToResetPeripheral;
 
-// What a function must leave alone when it fails.
-constexpr uint8_t untouchedByte = 0xEE;
-constexpr uint16_t untouchedWord = 0xEEEE;
-
 constexpr uint8_t staticAddresses[] = {0x50, 0x51};
-
-/// A place for every output, recognisably untouched.
-struct Outputs {
-    std::array<uint8_t, 255> bytes{};
-    uint8_t count = untouchedByte;
-    uint8_t byte = untouchedByte;
-    uint16_t word = untouchedWord;
-    uint8_t size = untouchedByte;
-    uint8_t flag = untouchedByte;
-
-    Outputs() { bytes.fill(untouchedByte); }
-
-    /// Expects nothing to be written but the flag, which is to be @p expectedFlag.
-    void expectUntouched(uint8_t expectedFlag) const {
-        EXPECT_TRUE(written(0).empty());
-        EXPECT_EQ(count, untouchedByte);
-        EXPECT_EQ(byte, untouchedByte);
-        EXPECT_EQ(word, untouchedWord);
-        EXPECT_EQ(size, untouchedByte);
-        EXPECT_EQ(flag, expectedFlag);
-    }
-
-    /// The first bytes of the buffer, if those behind them are untouched.
-    [[nodiscard]] Bytes written(size_t number) const {
-        for (size_t i = number; i < bytes.size(); ++i) {
-            EXPECT_EQ(bytes.at(i), untouchedByte) << "byte " << i;
-        }
-        return {bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(number)};
-    }
-};
 
 /// The calls that send the frames of the table.
 const std::map<std::string, int16_t (*)(VeltraSDK_Handle*, Outputs&)> calls{
@@ -189,173 +157,6 @@ TEST_P(I3cCccFunctionTest, NoFunctionSendsOrWritesAnythingButTheFlagOfGETMRLWith
         outputs.expectUntouched(name == "GETMRL" ? 0 : untouchedByte);
     }
     expectNothingSent();
-}
-
-TEST_P(I3cCccFunctionTest, GETPIDCopiesEveryReturnedByteAndNoOther) {
-    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x06, 0x8D, 0x00},
-           {0x43, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x00, 0x00, 0x00, 0x06, 0x04, 0x6A,
-            0x12, 0x34, 0x56, 0x78});
-    Outputs outputs;
-    EXPECT_EQ(VeltraSDK_I3cCccGETPID(handle(), 0x30, outputs.bytes.data()), 0);
-    EXPECT_EQ(outputs.written(6), (Bytes{0x04, 0x6A, 0x12, 0x34, 0x56, 0x78}));
-}
-
-TEST_P(I3cCccFunctionTest, GETPIDCopiesAsManyBytesAsCountedUpTo255) {
-    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x06, 0x8D, 0x00},
-           {0x2F, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x00, 0x00, 0x00, 0xFF, 0x04});
-    Outputs outputs;
-    EXPECT_EQ(VeltraSDK_I3cCccGETPID(handle(), 0x30, outputs.bytes.data()), 0);
-    Bytes expected(255);
-    expected[0] = 0x04;
-    EXPECT_EQ(outputs.written(255), expected);
-}
-
-TEST_P(I3cCccFunctionTest, GETPIDWritesNothingWithANonzeroStatus) {
-    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x06, 0x8D, 0x00},
-           {0x43, 0x00, 0x01, 0x00, 0x09, 0x19, 0x34, 0x12, 0x00, 0x00, 0x00, 0x06, 0x04, 0x6A,
-            0x12, 0x34, 0x56, 0x78});
-    Outputs outputs;
-    EXPECT_EQ(VeltraSDK_I3cCccGETPID(handle(), 0x30, outputs.bytes.data()), 0x1234);
-    EXPECT_TRUE(outputs.written(0).empty());
-}
-
-TEST_P(I3cCccFunctionTest, GETBCRWritesTheValueWhateverTheStatus) {
-    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x01, 0x8E, 0x00},
-           {0x2F, 0x00, 0x01, 0x00, 0x09, 0x19, 0x34, 0x12, 0x00, 0x00, 0x00, 0x01, 0x27});
-    uint8_t bcr = untouchedByte;
-    EXPECT_EQ(VeltraSDK_I3cCccGETBCR(handle(), 0x30, &bcr), 0x1234);
-    EXPECT_EQ(bcr, 0x27);
-}
-
-TEST_P(I3cCccFunctionTest, GETDCRWritesTheValueWhateverTheStatus) {
-    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x01, 0x8F, 0x00},
-           {0x2F, 0x00, 0x01, 0x00, 0x09, 0x19, 0x34, 0x12, 0x00, 0x00, 0x00, 0x01, 0x63});
-    uint8_t dcr = untouchedByte;
-    EXPECT_EQ(VeltraSDK_I3cCccGETDCR(handle(), 0x30, &dcr), 0x1234);
-    EXPECT_EQ(dcr, 0x63);
-}
-
-TEST_P(I3cCccFunctionTest, GETMWLWritesTheValueWhateverTheStatus) {
-    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x02, 0x8B, 0x00},
-           {0x33, 0x00, 0x01, 0x00, 0x09, 0x19, 0x34, 0x12, 0x00, 0x00, 0x00, 0x02, 0x56, 0x78});
-    uint16_t mwl = untouchedWord;
-    EXPECT_EQ(VeltraSDK_I3cCccGETMWL(handle(), 0x30, &mwl), 0x1234);
-    EXPECT_EQ(mwl, 0x5678);
-}
-
-TEST_P(I3cCccFunctionTest, GETMRLWritesThePresentSizeAndItsFlagWhateverTheStatus) {
-    onWire(
-        {0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x03, 0x8C, 0x00},
-        {0x37, 0x00, 0x01, 0x00, 0x09, 0x19, 0x34, 0x12, 0x00, 0x00, 0x00, 0x03, 0x00, 0x40, 0x08});
-    Outputs out;
-    EXPECT_EQ(VeltraSDK_I3cCccGETMRL(handle(), 0x30, &out.word, &out.size, &out.flag), 0x1234);
-    EXPECT_EQ(out.word, 64);
-    EXPECT_EQ(out.size, 8);
-    EXPECT_EQ(out.flag, 1);
-}
-
-TEST_P(I3cCccFunctionTest, GETMRLClearsTheFlagAndLeavesAnAbsentSize) {
-    onWire(
-        {0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x03, 0x8C, 0x00},
-        {0x37, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x00, 0x00, 0x00, 0x02, 0x01, 0x00, 0x08});
-    Outputs out;
-    EXPECT_EQ(VeltraSDK_I3cCccGETMRL(handle(), 0x30, &out.word, &out.size, &out.flag), 0);
-    EXPECT_EQ(out.word, 256);
-    EXPECT_EQ(out.size, untouchedByte);
-    EXPECT_EQ(out.flag, 0);
-}
-
-TEST_P(I3cCccFunctionTest, GETMRLClearsTheFlagBeforeItAsks) {
-    Outputs out;
-    hid.respond([&](const Bytes& report) {
-        EXPECT_EQ(report, GetParam().output(
-                              {0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x03, 0x8C, 0x00}));
-        EXPECT_EQ(out.flag, 0);
-        return std::vector<Bytes>{GetParam().input({0x37, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00,
-                                                    0x00, 0x00, 0x00, 0x03, 0x00, 0x40, 0x08})};
-    });
-    EXPECT_EQ(VeltraSDK_I3cCccGETMRL(handle(), 0x30, &out.word, &out.size, &out.flag), 0);
-    EXPECT_EQ(out.flag, 1);
-}
-
-TEST_P(I3cCccFunctionTest, GETMRLNeedsNeitherTheSizeNorTheFlag) {
-    const auto reply = [](uint8_t id) {
-        return Bytes{0x37, 0x00, id,   0x00, 0x09, 0x19, 0x00, 0x00,
-                     0x00, 0x00, 0x00, 0x03, 0x00, 0x40, 0x08};
-    };
-    Outputs out;
-    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x03, 0x8C, 0x00}, reply(1));
-    EXPECT_EQ(VeltraSDK_I3cCccGETMRL(handle(), 0x30, &out.word, nullptr, nullptr), 0);
-    EXPECT_EQ(out.word, 64);
-    onWire({0x27, 0x00, 0x02, 0x00, 0x09, 0x19, 0x30, 0x01, 0x03, 0x8C, 0x00}, reply(2));
-    EXPECT_EQ(VeltraSDK_I3cCccGETMRL(handle(), 0x30, &out.word, &out.size, nullptr), 0);
-    EXPECT_EQ(out.size, 8);
-    onWire({0x27, 0x00, 0x03, 0x00, 0x09, 0x19, 0x30, 0x01, 0x03, 0x8C, 0x00}, reply(3));
-    EXPECT_EQ(VeltraSDK_I3cCccGETMRL(handle(), 0x30, &out.word, nullptr, &out.flag), 0);
-    EXPECT_EQ(out.flag, 1);
-}
-
-TEST_P(I3cCccFunctionTest, GETCAPSStoresTheBytesAndTheirNumber) {
-    onWire(
-        {0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x11, 0x04, 0x95, 0x00},
-        {0x37, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x00, 0x00, 0x00, 0x03, 0xC1, 0xC2, 0xC3});
-    Outputs out;
-    EXPECT_EQ(VeltraSDK_I3cCccGETCAPS(handle(), 0x30, out.bytes.data(), &out.count, true, 0), 0);
-    EXPECT_EQ(out.count, 3);
-    EXPECT_EQ(out.written(3), (Bytes{0xC1, 0xC2, 0xC3}));
-}
-
-TEST_P(I3cCccFunctionTest, GETSTATUSStoresTheBytesAndTheirNumber) {
-    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x02, 0x90, 0x00},
-           {0x33, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x00, 0x00, 0x00, 0x02, 0xD1, 0xD2});
-    Outputs out;
-    EXPECT_EQ(VeltraSDK_I3cCccGETSTATUS(handle(), 0x30, out.bytes.data(), &out.count, false, 0x91),
-              0);
-    EXPECT_EQ(out.count, 2);
-    EXPECT_EQ(out.written(2), (Bytes{0xD1, 0xD2}));
-}
-
-TEST_P(I3cCccFunctionTest, AnEmptyReplyStoresACountOfZero) {
-    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x04, 0x95, 0x00},
-           {0x2B, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00});
-    Outputs out;
-    EXPECT_EQ(VeltraSDK_I3cCccGETCAPS(handle(), 0x30, out.bytes.data(), &out.count, false, 0), 0);
-    EXPECT_EQ(out.count, 0);
-    EXPECT_TRUE(out.written(0).empty());
-}
-
-TEST_P(I3cCccFunctionTest, ACountOf255ReadsAsZeroBeyondTheResponse) {
-    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x02, 0x90, 0x00},
-           {0x2F, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x00, 0x00, 0x00, 0xFF, 0xD1});
-    Outputs out;
-    EXPECT_EQ(VeltraSDK_I3cCccGETSTATUS(handle(), 0x30, out.bytes.data(), &out.count, false, 0), 0);
-    EXPECT_EQ(out.count, 255);
-    Bytes expected(255);
-    expected[0] = 0xD1;
-    EXPECT_EQ(out.written(255), expected);
-}
-
-TEST_P(I3cCccFunctionTest, GETCAPSAndGETSTATUSWriteNothingWithANonzeroStatus) {
-    const Bytes reply{0x33, 0x00, 0x01, 0x00, 0x09, 0x19, 0x34,
-                      0x12, 0x00, 0x00, 0x00, 0x02, 0xD1, 0xD2};
-    Outputs out;
-    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x04, 0x95, 0x00}, reply);
-    EXPECT_EQ(VeltraSDK_I3cCccGETCAPS(handle(), 0x30, out.bytes.data(), &out.count, false, 0),
-              0x1234);
-    onWire({0x27, 0x00, 0x02, 0x00, 0x09, 0x19, 0x30, 0x01, 0x02, 0x90, 0x00}, reply);
-    EXPECT_EQ(VeltraSDK_I3cCccGETSTATUS(handle(), 0x30, out.bytes.data(), &out.count, false, 0),
-              0x1234);
-    EXPECT_EQ(out.count, untouchedByte);
-    EXPECT_TRUE(out.written(0).empty());
-}
-
-TEST_P(I3cCccFunctionTest, RSTACTAsAReadWritesTheReplyWhateverTheStatus) {
-    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x11, 0x01, 0x9A, 0x81},
-           {0x2F, 0x00, 0x01, 0x00, 0x09, 0x19, 0x34, 0x12, 0x00, 0x00, 0x00, 0x01, 0x5A});
-    uint8_t reply = untouchedByte;
-    EXPECT_EQ(VeltraSDK_I3cCccRSTACTDirect(handle(), 0x30, timeToResetPeripheral, read, &reply),
-              0x1234);
-    EXPECT_EQ(reply, 0x5A);
 }
 
 TEST_P(I3cCccFunctionTest, RSTACTAsAReadWithoutAReplyPointerIsRefused) {

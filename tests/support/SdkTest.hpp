@@ -19,6 +19,10 @@ constexpr int16_t noResponse = 0x2000;
 constexpr int16_t notConnected = 0x4000;
 constexpr int16_t refused = -32768;
 
+// What an operation must leave alone when it fails.
+constexpr uint8_t untouchedByte = 0xEE;
+constexpr uint16_t untouchedWord = 0xEEEE;
+
 struct DestroyHandle {
     void operator()(VeltraSDK_Handle* handle) const { VeltraSDK_Destroy(handle); }
 };
