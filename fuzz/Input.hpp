@@ -46,8 +46,8 @@ public:
     Bytes bytes() {
         const size_t length = byte();
         if (length == longRun) {
-            const size_t repeated = std::min<size_t>(number<uint16_t>(), mostRepeated);
-            mostRepeated -= repeated;
+            const size_t repeated = std::min<size_t>(number<uint16_t>(), maxRepeated);
+            maxRepeated -= repeated;
             return Bytes(repeated, byte());
         }
         const uint8_t* const first = data;
@@ -71,7 +71,7 @@ private:
     const uint8_t* data;
     size_t size;
     /// Keeps a small input from asking for work without end.
-    size_t mostRepeated = size_t{1} << 18U;
+    size_t maxRepeated = size_t{1} << 18U;
 };
 
 /// Reports a finding when what must hold does not.

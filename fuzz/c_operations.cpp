@@ -51,8 +51,8 @@ private:
     Bytes bytes;
 };
 
-constexpr size_t mostTransferred = 0xFFFF;
-constexpr size_t mostFromCcc = 0xFF;
+constexpr size_t maxTransferred = 0xFFFF;
+constexpr size_t maxFromCcc = 0xFF;
 
 /// Where a count is stored, or null.
 class Count {
@@ -108,7 +108,7 @@ void i2cRead(VeltraSDK_Handle* handle, Input& input) {
 void spiTransfer(VeltraSDK_Handle* handle, Input& input) {
     const Sent sent(input);
     const auto length = input.number<uint16_t>();
-    Room received(input, mostTransferred);
+    Room received(input, maxTransferred);
     VeltraSDK_SpiTransfer(handle, sent.data(), sent.length<uint16_t>(), received.data(), length);
 }
 
@@ -124,7 +124,7 @@ void gpioDigitalRead(VeltraSDK_Handle* handle, Input& input) {
 
 void i3cInitBus(VeltraSDK_Handle* handle, Input& input) {
     Argument<std::vector<I3cTargetInfo>> targets(input);
-    targets.value.resize(std::min(targets.value.size(), mostFromCcc));
+    targets.value.resize(std::min(targets.value.size(), maxFromCcc));
     VeltraSDK_I3cInitBus(handle, targets.value.data(), static_cast<uint8_t>(targets.value.size()));
 }
 
@@ -150,7 +150,7 @@ void i3cRead(VeltraSDK_Handle* handle, Input& input) {
     const auto address = input.byte();
     const Sent subAddress(input);
     const auto length = input.number<uint16_t>();
-    Room data(input, mostTransferred);
+    Room data(input, maxTransferred);
     Count count(input);
     Function(handle, address, subAddress.data(), subAddress.length<uint8_t>(), length, data.data(),
              count.get(), input.number<I3cTransferFlags>());
@@ -167,14 +167,14 @@ void i3cHdrDdrRead(VeltraSDK_Handle* handle, Input& input) {
     const auto address = input.byte();
     const auto command = input.byte();
     const auto length = input.number<uint16_t>();
-    Room data(input, mostTransferred);
+    Room data(input, maxTransferred);
     Count count(input);
     VeltraSDK_I3cHdrDdrRead(handle, address, command, length, count.get(), data.data());
 }
 
 void i3cCccGetpid(VeltraSDK_Handle* handle, Input& input) {
     const auto address = input.byte();
-    Room pid(input, mostFromCcc);
+    Room pid(input, maxFromCcc);
     VeltraSDK_I3cCccGETPID(handle, address, pid.data());
 }
 
@@ -196,7 +196,7 @@ void i3cCccGetmrl(VeltraSDK_Handle* handle, Input& input) {
 template <auto Function>
 void i3cCccQuery(VeltraSDK_Handle* handle, Input& input) {
     const auto address = input.byte();
-    Room reply(input, mostFromCcc);
+    Room reply(input, maxFromCcc);
     Argument<uint8_t*> count(input);
     const auto hasDefiningByte = input.number<bool>();
     Function(handle, address, reply.data(), count.get(), hasDefiningByte, input.byte());

@@ -18,7 +18,7 @@ public:
     Host(const virtual_adapter::AdapterVariant& model, FaultKind fault)
         : link(model, "VA-0001", {fault, virtual_adapter::defaultFaultDelay}),
           protocol(model.reportSize),
-          shortestFrame(fault == FaultKind::ShortFrame ? 5 : 6) {}
+          minFrameSize(fault == FaultKind::ShortFrame ? 5 : 6) {}
 
     void write(const Bytes& report) {
         const bool wasOnBus = link.isOnBus();
@@ -42,7 +42,7 @@ public:
         while (const std::optional<Bytes> report = link.takeInputReport(now)) {
             require(report->size() == protocol.getEndpointSize(), "a report has its full size");
             if (protocol.receiveUsbInTransferPackets(message, *report)) {
-                require(message.size() >= shortestFrame, "a frame has a whole header and status");
+                require(message.size() >= minFrameSize, "a frame has a whole header and status");
                 message.clear();
             }
         }
@@ -61,7 +61,7 @@ public:
 private:
     AdapterLink link;
     UsbTransferProtocol protocol;
-    size_t shortestFrame;
+    size_t minFrameSize;
     AdapterLink::Time now{};
     Bytes message;
 };

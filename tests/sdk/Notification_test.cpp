@@ -192,13 +192,13 @@ TEST_F(NotificationTest, AnAnnouncedLengthBeyondTheFrameIsPassedOn) {
 TEST_F(NotificationTest, AFrameOneByteShorterThanItsKindNeedsIsRefused) {
     struct Kind {
         Bytes frame;
-        size_t shortest;
+        size_t minSize;
     };
     for (const Kind& kind : {Kind{hotJoin, 15}, Kind{ibi, 8}, Kind{gpio, 7}, Kind{uartRx, 8}}) {
         Bytes frame = kind.frame;
-        frame.resize(kind.shortest);
+        frame.resize(kind.minSize);
         route(frame, [](const Notification& n) { EXPECT_EQ(acceptedBy(n).size(), 1U); });
-        frame.resize(kind.shortest - 1);
+        frame.resize(kind.minSize - 1);
         route(frame, [](const Notification& n) { EXPECT_EQ(acceptedBy(n), ""); });
     }
 }

@@ -38,11 +38,11 @@ void SdkTest::onWireLong(const Bytes& request, const Bytes& response) {
 
 void SdkTest::withEveryTruncation(Bytes request, Bytes response,
                                   const std::function<void(const Bytes& received)>& operation) {
-    constexpr size_t shortestFrame = 6;
+    constexpr size_t minFrameSize = 6;
     const Bytes emptyPacket{0x03, 0x00};
     for (size_t length = response.size() + 1; length-- > 0;) {
         SCOPED_TRACE("the first " + std::to_string(length) + " bytes of the response");
-        const bool dropped = length < shortestFrame;
+        const bool dropped = length < minFrameSize;
         Bytes truncation = response;
         truncation.resize(length);
         std::vector<Bytes> answers = GetParam().inputs(truncation);

@@ -25,7 +25,7 @@ namespace {
 
 constexpr size_t setupSize = 8;
 /// hidapi keeps 32 reports that nobody has read; half of it is safe.
-constexpr size_t mostUnreadReports = 15;
+constexpr size_t maxUnreadReports = 15;
 constexpr uint8_t towardsHost = 0x80;
 /// What ends the transfers of a device that the kernel has seen leave.
 constexpr int gone = -ESHUTDOWN;
@@ -121,7 +121,7 @@ void UsbNode::unplug() {
 
 void UsbNode::unplugAfter(size_t outputTransfers) {
     const std::lock_guard<std::mutex> lock(mutex);
-    mostOutputTransfers = activity.outputTransfers + outputTransfers;
+    maxOutputTransfers = activity.outputTransfers + outputTransfers;
 }
 
 void UsbNode::acceptOutput(bool accept) {
@@ -267,7 +267,7 @@ int UsbNode::submit(UMockdevIoctlClient* client, UMockdevIoctlData* argument) {
 void UsbNode::start(const Urb& urb) {
     const usbdevfs_urb& fields = urb.fields();
     if (fields.endpoint == virtual_adapter::outEndpointAddress &&
-        activity.outputTransfers >= mostOutputTransfers) {
+        activity.outputTransfers >= maxOutputTransfers) {
         leaveBus();
         return;
     }
@@ -290,7 +290,7 @@ void UsbNode::start(const Urb& urb) {
 }
 
 void UsbNode::startPacedInput() {
-    while (!held.empty() && (!paced || unreadReports < mostUnreadReports)) {
+    while (!held.empty() && (!paced || unreadReports < maxUnreadReports)) {
         const Urb urb = held.front();
         held.pop_front();
         start(urb);

@@ -107,7 +107,7 @@ private:
     std::deque<Urb> held;
     uint64_t lastId = 0;
     size_t unreadReports = 0;
-    size_t mostOutputTransfers = std::numeric_limits<size_t>::max();
+    size_t maxOutputTransfers = std::numeric_limits<size_t>::max();
     bool paced = true;
     bool pluggedIn = true;
     const UMockdevIoctlClient* owner = nullptr;
