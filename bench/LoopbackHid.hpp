@@ -7,6 +7,10 @@
 /// A stand-in for hidapi that answers every request at once or after a delay, allocates nothing
 /// while it runs, and costs as little as it can, so that what is measured is the library.
 ///
+/// It stands apart from the stand-in of the tests for that reason: the allocations and the
+/// instructions of the whole process are counted around it, and a queue, a script and a record of
+/// every report would drown what the library adds.
+///
 /// Each message is answered when its last packet arrives: with the same transaction identifier and
 /// command code, status 0, and a payload that each command takes for as much data as it may be
 /// asked for here. Devices are told apart by nothing; each opening makes another one.

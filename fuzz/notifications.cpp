@@ -1,8 +1,9 @@
 // Notification records and frames of any kind, size and content, decoded in C and in C++.
-#include "HostileHid.hpp"
+#include "Input.hpp"
 #include "consume.hpp"
 
 #include "capi/Handle.hpp"
+#include "support/ScriptedHid.hpp"
 
 #include <algorithm>
 
@@ -13,6 +14,7 @@ namespace {
 
 /// Kept for the whole run: what routes frames has no state of its own.
 struct Receivers {
+    test_support::ScriptedHid hid;
     VeltraSDK sdk{0};
     VeltraSDK_Handle* handle = VeltraSDK_Create(0);
 

@@ -2,30 +2,30 @@
 // with any reports.
 #include "operations.hpp"
 
-#include "HostileHid.hpp"
+#include "HostileAdapter.hpp"
 #include "consume.hpp"
 
-using fuzzing::HostileHid;
+using fuzzing::HostileAdapter;
 using fuzzing::Input;
 
 namespace {
 
-void converseInCxx(HostileHid& hid, Input& input) {
+void converseInCxx(HostileAdapter& adapter, Input& input) {
     VeltraSDK sdk(0);
     sdk.onNotification(fuzzing::consume);
     sdk.connect("");
     while (!input.isEmpty()) {
-        hid.answerWith(input.bytes());
+        adapter.answerWith(input.bytes());
         fuzzing::callClassOperation(sdk, input);
     }
 }
 
-void converseInC(HostileHid& hid, Input& input) {
+void converseInC(HostileAdapter& adapter, Input& input) {
     VeltraSDK_Handle* const handle = VeltraSDK_Create(0);
     VeltraSDK_onNotification(handle, fuzzing::consumeInC);
     VeltraSDK_Connect(handle, nullptr);
     while (!input.isEmpty()) {
-        hid.answerWith(input.bytes());
+        adapter.answerWith(input.bytes());
         fuzzing::callFunction(handle, input);
     }
     VeltraSDK_Destroy(handle);
@@ -37,7 +37,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Input input(data, size);
     const bool highSpeed = input.number<bool>();
     const bool inC = input.number<bool>();
-    HostileHid hid(highSpeed);
-    inC ? converseInC(hid, input) : converseInCxx(hid, input);
+    HostileAdapter adapter(highSpeed);
+    inC ? converseInC(adapter, input) : converseInCxx(adapter, input);
     return 0;
 }

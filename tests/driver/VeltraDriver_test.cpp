@@ -270,10 +270,9 @@ TEST_F(VeltraDriverTest, TheEnumerationIsFreedBeforeTheAdapterIsOpened) {
 
 TEST_F(VeltraDriverTest, AnAdapterThatCannotBeOpenedLeavesTheDriverClosed) {
     hid.attach(adapter("1-1:1.0", L"VA-0001"));
-    hid.failOpening(true);
+    hid.failNth(HidCall::OpenPath, 1);
     EXPECT_FALSE(open());
     expectClosed();
-    hid.failOpening(false);
     EXPECT_TRUE(open());
 }
 

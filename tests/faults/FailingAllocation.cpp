@@ -1,5 +1,7 @@
 #include "faults/FailingAllocation.hpp"
 
+#include "support/ScriptedHid.hpp"
+
 #include <atomic>
 #include <cstdlib>
 #include <new>
@@ -14,11 +16,10 @@ std::atomic<bool> otherThreadsFail{false};
 /// Of the calling thread: how many allocations are left until one fails, 0 for none.
 thread_local size_t remaining = 0;
 thread_local bool failed = false;
-thread_local bool spared = false;
 thread_local bool isOther = true;
 
 bool failsNow() {
-    if (spared) {
+    if (ScriptedHid::isServing()) {
         return false;
     }
     if (isOther && otherThreadsFail) {
@@ -64,14 +65,6 @@ FailingAllocation::~FailingAllocation() {
 
 bool FailingAllocation::happened() const {
     return failed;
-}
-
-SparedAllocations::SparedAllocations() : before(spared) {
-    spared = true;
-}
-
-SparedAllocations::~SparedAllocations() {
-    spared = before;
 }
 
 void failAllocationsOfOtherThreads() {

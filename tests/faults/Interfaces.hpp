@@ -13,7 +13,7 @@
 namespace test_support {
 
 /// The library's two faces with the same words, for tests that hold for both. Objects have a
-/// time-out of 0: `FailingHid` has the response there in time.
+/// time-out of 0: where writes settle, the response is there in time.
 struct ClassInterface {
     using Object = std::unique_ptr<VeltraSDK>;
     struct Operation {

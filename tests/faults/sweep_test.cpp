@@ -1,7 +1,6 @@
 // What can fail beneath the library fails, one point after the other, until nothing is left to
 // fail; each time the object must be of use afterwards and nothing may be left behind.
 #include "faults/FailingAllocation.hpp"
-#include "faults/FailingHid.hpp"
 #include "faults/Interfaces.hpp"
 #include "support/ThreadStart.hpp"
 
@@ -61,6 +60,7 @@ protected:
                         fullSpeed.productId,
                         L"VA-0001-with-more-characters-than-a-string-keeps-inside"});
             hid.respond(Adapter());
+            hid.settleWrites(true);
         }
         ScriptedHid hid;
     };
@@ -144,17 +144,17 @@ protected:
             SCOPED_TRACE(name + ": call " + std::to_string(position) + " fails");
             const size_t liveBefore = liveAllocations();
             {
-                const Machine machine;
+                Machine machine;
+                machine.hid.failNth(call, position);
                 {
-                    const FailingHidCall failing(call, position);
                     Object object = Interface::create();
-                    expectLife(object, failing, call);
-                    if (failing.happened()) {
+                    expectLife(object, machine.hid, call);
+                    if (machine.hid.nthHasFailed()) {
                         expectOfUse(object);
                     }
-                    object.reset();
-                    happened = failing.happened();
                 }
+                happened = machine.hid.nthHasFailed();
+                machine.hid.failNth(call, 0);
                 EXPECT_EQ(machine.hid.openDevices(), 0U);
                 Object object;
                 expectOfUse(object);
@@ -166,16 +166,16 @@ protected:
     }
 
 private:
-    static void expectLife(const Object& object, const FailingHidCall& failing, HidCall call) {
+    static void expectLife(const Object& object, const ScriptedHid& hid, HidCall call) {
         const bool preventsConnecting = call == HidCall::Enumerate || call == HidCall::OpenPath;
         const bool isConnected = Interface::connect(object);
-        EXPECT_EQ(isConnected, !(preventsConnecting && failing.happened()));
+        EXPECT_EQ(isConnected, !(preventsConnecting && hid.nthHasFailed()));
         for (const auto& operation : Interface::operations()) {
-            const bool failedBefore = failing.happened();
+            const bool failedBefore = hid.nthHasFailed();
             const auto result = operation.run(object);
-            if (preventsConnecting && failing.happened()) {
+            if (preventsConnecting && hid.nthHasFailed()) {
                 EXPECT_EQ(result, 0x4000) << operation.name;
-            } else if (call == HidCall::Write && failing.happened() && !failedBefore) {
+            } else if (call == HidCall::Write && hid.nthHasFailed() && !failedBefore) {
                 const bool waits = operation.name.find("nterBootMode") == std::string::npos;
                 EXPECT_EQ(result, waits ? 0x2000 : 0x0000) << operation.name;
             } else {

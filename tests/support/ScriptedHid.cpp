@@ -4,12 +4,9 @@
 
 #include <algorithm>
 #include <atomic>
-#include <chrono>
 #include <iterator>
 #include <memory>
 #include <utility>
-
-#include <gtest/gtest.h>
 
 namespace test_support {
 
@@ -28,8 +25,22 @@ public:
     static inline std::atomic<size_t> count{0};
 };
 
-/// Reads time out early, so that closing a link does not cost every test a tenth of a second.
-constexpr int longestReadMs = 5;
+thread_local bool serving = false;
+
+/// What the stand-in does in between is not the library's doing.
+class Serving {
+public:
+    Serving() { serving = true; }
+    ~Serving() { serving = false; }
+    Serving(const Serving&) = delete;
+    Serving& operator=(const Serving&) = delete;
+};
+
+void require(bool holds, const char* misuse) {
+    if (!holds) {
+        reportMisuse(misuse);
+    }
+}
 
 /// A node of the list that hid_enumerate returns, with the texts that it points to.
 struct Node {
@@ -37,10 +48,6 @@ struct Node {
     std::string path;
     std::wstring serialNumber;
 };
-
-void moveTo(std::deque<Bytes>& input, std::vector<Bytes> reports) {
-    std::move(reports.begin(), reports.end(), std::back_inserter(input));
-}
 
 } // namespace
 
@@ -63,12 +70,14 @@ ScriptedHid::ScriptedHid() {
 }
 
 ScriptedHid::~ScriptedHid() {
-    EXPECT_EQ(opened.size(), 0U) << "a device was opened and not closed";
-    EXPECT_EQ(readingThreads(), 0U) << "a thread that reads has not ended";
-    EXPECT_EQ(listsOut, 0U) << "an enumeration was not freed";
-    EXPECT_EQ(initialised, exited) << "hid_init and hid_exit were not called in pairs";
-    EXPECT_TRUE(script.empty()) << script.size() << " expected writes were not made; the next is"
-                                << hexDump(script.front().report);
+    require(opened.empty(), "a device was opened and not closed");
+    require(readingThreads() == 0, "a thread that reads has not ended");
+    require(listsOut == 0, "an enumeration was not freed");
+    require(initialised == exited, "hid_init and hid_exit were not called in pairs");
+    if (!script.empty()) {
+        reportMisuse(std::to_string(script.size()) + " expected writes were not made; the next is" +
+                     hexDump(script.front().report));
+    }
     current = nullptr;
 }
 
@@ -107,55 +116,29 @@ void ScriptedHid::respond(std::function<std::vector<Bytes>(const Bytes&)> newRes
 
 void ScriptedHid::deliver(Bytes report) {
     const std::lock_guard<std::mutex> lock(mutex);
-    input.push_back(std::move(report));
+    input.emplace_back(std::move(report));
     changed.notify_all();
 }
 
-void ScriptedHid::deliverEndlessly(std::optional<Bytes> report) {
+void ScriptedHid::deliverReadError() {
     const std::lock_guard<std::mutex> lock(mutex);
-    endlessInput = std::move(report);
+    input.emplace_back(std::nullopt);
     changed.notify_all();
 }
 
-void ScriptedHid::failOpening(bool fail) {
+void ScriptedHid::failNth(HidCall call, size_t position) {
     const std::lock_guard<std::mutex> lock(mutex);
-    openingFails = fail;
+    failingCall = call;
+    callsUntilFailure = position;
+    nthFailed = false;
 }
 
-void ScriptedHid::failWriting(std::optional<int> result) {
-    const std::lock_guard<std::mutex> lock(mutex);
-    writingResult = result;
-}
-
-void ScriptedHid::failReading(bool fail) {
-    const std::lock_guard<std::mutex> lock(mutex);
-    readingFails = fail;
-    changed.notify_all();
-}
-
-std::vector<Bytes> ScriptedHid::writes() const {
-    const std::lock_guard<std::mutex> lock(mutex);
-    return written;
-}
-
-size_t ScriptedHid::readCalls() const {
-    const std::lock_guard<std::mutex> lock(mutex);
-    return reads;
-}
-
-size_t ScriptedHid::enumerateCalls() const {
-    const std::lock_guard<std::mutex> lock(mutex);
-    return enumerations;
-}
-
-std::string ScriptedHid::openedPath() const {
-    const std::lock_guard<std::mutex> lock(mutex);
-    return lastOpenedPath;
-}
-
-size_t ScriptedHid::listsOutAtOpening() const {
-    const std::lock_guard<std::mutex> lock(mutex);
-    return openingListsOut;
+bool ScriptedHid::fails(HidCall call) {
+    if (call != failingCall || callsUntilFailure == 0 || --callsUntilFailure > 0) {
+        return false;
+    }
+    nthFailed = true;
+    return true;
 }
 
 size_t ScriptedHid::openDevices() const {
@@ -167,24 +150,8 @@ size_t ScriptedHid::readingThreads() {
     return ReadingThread::count;
 }
 
-size_t ScriptedHid::initCalls() const {
-    const std::lock_guard<std::mutex> lock(mutex);
-    return initialised;
-}
-
-size_t ScriptedHid::exitCalls() const {
-    const std::lock_guard<std::mutex> lock(mutex);
-    return exited;
-}
-
-size_t ScriptedHid::lastReadLength() const {
-    const std::lock_guard<std::mutex> lock(mutex);
-    return readLength;
-}
-
-int ScriptedHid::lastReadTimeout() const {
-    const std::lock_guard<std::mutex> lock(mutex);
-    return readTimeoutMs;
+bool ScriptedHid::isServing() {
+    return serving;
 }
 
 template <typename Condition>
@@ -202,11 +169,13 @@ bool ScriptedHid::waitForReads(size_t count, int limitMs) const {
 }
 
 bool ScriptedHid::waitUntilDrained() const {
-    return waitUntil([&] {
-        return input.empty() && std::all_of(opened.begin(), opened.end(), [](const auto& device) {
-                   return device.input.empty() && device.readerIsWaiting;
-               });
-    });
+    return waitUntil([this] { return isDrained(); });
+}
+
+bool ScriptedHid::isDrained() const {
+    return input.empty() && std::all_of(opened.begin(), opened.end(), [](const auto& device) {
+               return device.input.empty() && device.readerIsWaiting;
+           });
 }
 
 ScriptedHid::OpenDevice* ScriptedHid::find(const void* device) {
@@ -214,7 +183,7 @@ ScriptedHid::OpenDevice* ScriptedHid::find(const void* device) {
         return &candidate == device;
     });
     if (found == opened.end()) {
-        ADD_FAILURE() << "a device that is not open was used";
+        reportMisuse("a device that is not open was used");
         return nullptr;
     }
     return &*found;
@@ -227,20 +196,22 @@ bool ScriptedHid::isReadable(const OpenDevice& device) const {
 int ScriptedHid::init() {
     const std::lock_guard<std::mutex> lock(mutex);
     ++initialised;
-    return 0;
+    return fails(HidCall::Init) ? -1 : 0;
 }
 
 int ScriptedHid::exit() {
     const std::lock_guard<std::mutex> lock(mutex);
     ++exited;
-    return 0;
+    return fails(HidCall::Exit) ? -1 : 0;
 }
 
 void* ScriptedHid::enumerate(uint16_t vendorId, uint16_t productId) {
     const std::lock_guard<std::mutex> lock(mutex);
-    EXPECT_EQ(vendorId, 0) << "all devices are enumerated";
-    EXPECT_EQ(productId, 0) << "all devices are enumerated";
+    require(vendorId == 0 && productId == 0, "not all devices are enumerated");
     ++enumerations;
+    if (fails(HidCall::Enumerate)) {
+        return nullptr;
+    }
     hid_device_info* first = nullptr;
     for (auto device = devices.rbegin(); device != devices.rend(); ++device) {
         auto node = std::make_unique<Node>();
@@ -271,7 +242,7 @@ void ScriptedHid::freeEnumeration(void* list) {
 void* ScriptedHid::openPath(const char* path) {
     const std::lock_guard<std::mutex> lock(mutex);
     openingListsOut = listsOut;
-    if (openingFails) {
+    if (fails(HidCall::OpenPath)) {
         return nullptr;
     }
     lastOpenedPath = path;
@@ -284,33 +255,73 @@ void ScriptedHid::close(void* device) {
     opened.remove_if([&](const OpenDevice& candidate) { return &candidate == closed; });
 }
 
+std::vector<Bytes> ScriptedHid::answersTo(const Bytes& report, std::unique_lock<std::mutex>& lock) {
+    if (!script.empty()) {
+        const ExpectedWrite expected = std::move(script.front());
+        script.pop_front();
+        if (report != expected.report) {
+            reportMisuse("expected:" + hexDump(expected.report) + "\nseen:" + hexDump(report));
+        }
+        return expected.answers;
+    }
+    if (responder) {
+        lock.unlock();
+        std::vector<Bytes> answers = responder(report);
+        lock.lock();
+        return answers;
+    }
+    if (scripted) {
+        reportMisuse("a write that nothing expects:" + hexDump(report));
+    }
+    return {};
+}
+
 int ScriptedHid::write(void* device, const uint8_t* data, size_t length) {
-    const std::lock_guard<std::mutex> lock(mutex);
+    std::unique_lock<std::mutex> lock(mutex);
     OpenDevice* const target = find(device);
     if (target == nullptr) {
         return -1;
     }
     Bytes report(data, data + length);
-    if (!script.empty()) {
-        EXPECT_TRUE(report == script.front().report)
-            << "expected:" << hexDump(script.front().report) << "\nseen:" << hexDump(report);
-        moveTo(target->input, std::move(script.front().answers));
-        script.pop_front();
-    } else if (responder) {
-        moveTo(target->input, responder(report));
-    } else if (scripted) {
-        ADD_FAILURE() << "a write that nothing expects:" << hexDump(report);
+    constexpr size_t packetHeader = 1;
+    const bool isFirst = (report.at(packetHeader) & 1U) != 0;
+    const bool isLost = fails(HidCall::Write);
+    target->messageIsLost = isLost || (target->messageIsLost && !isFirst);
+    if (target->messageIsLost) {
+        return isLost ? -1 : static_cast<int>(length);
     }
+    std::vector<Bytes> answers = answersTo(report, lock);
+    if (find(device) == nullptr) {
+        return -1;
+    }
+    std::move(answers.begin(), answers.end(), std::back_inserter(target->input));
     written.push_back(std::move(report));
     changed.notify_all();
+    if (writesSettle) {
+        require(changed.wait_for(lock, std::chrono::milliseconds(generousLimitMs),
+                                 [this] { return isDrained(); }),
+                "what answers a write was not read");
+    }
     return writingResult.value_or(static_cast<int>(length));
+}
+
+std::optional<Bytes> ScriptedHid::nextReport(OpenDevice& device) {
+    const auto taken = [](auto& queue) {
+        std::optional<Bytes> first = std::move(queue.front());
+        queue.pop_front();
+        return first;
+    };
+    if (!device.input.empty()) {
+        return taken(device.input);
+    }
+    return input.empty() ? endlessInput : taken(input);
 }
 
 int ScriptedHid::readTimeout(void* device, uint8_t* data, size_t length, int milliseconds) {
     static const thread_local ReadingThread reading;
     std::unique_lock<std::mutex> lock(mutex);
     OpenDevice* const source = find(device);
-    if (source == nullptr) {
+    if (source == nullptr || fails(HidCall::ReadTimeout)) {
         return -1;
     }
     ++reads;
@@ -318,59 +329,68 @@ int ScriptedHid::readTimeout(void* device, uint8_t* data, size_t length, int mil
     readTimeoutMs = milliseconds;
     source->readerIsWaiting = !isReadable(*source);
     changed.notify_all();
-    changed.wait_for(lock, std::chrono::milliseconds(std::min(milliseconds, longestReadMs)),
+    const std::chrono::microseconds asked = std::chrono::milliseconds(milliseconds);
+    changed.wait_for(lock, std::min(asked, maxReadTime),
                      [&] { return readingFails || isReadable(*source); });
     if (!isReadable(*source)) {
         return readingFails ? -1 : 0;
     }
     source->readerIsWaiting = false;
-    std::deque<Bytes>& queue = source->input.empty() ? input : source->input;
-    const Bytes report = queue.empty() ? *endlessInput : queue.front();
-    if (!queue.empty()) {
-        queue.pop_front();
+    const std::optional<Bytes> report = nextReport(*source);
+    if (!report) {
+        return -1;
     }
-    const size_t count = std::min(report.size(), length);
-    std::copy_n(report.begin(), count, data);
+    const size_t count = std::min(report->size(), length);
+    std::copy_n(report->begin(), count, data);
     return static_cast<int>(count);
 }
 
 } // namespace test_support
 
 using test_support::ScriptedHid;
+using test_support::Serving;
 
 // Visible, so that they stand in front of hidapi's own in a program that links the shared library.
 #pragma GCC visibility push(default)
 extern "C" {
 
 int hid_init(void) {
+    const Serving now;
     return ScriptedHid::instance().init();
 }
 
 int hid_exit(void) {
+    const Serving now;
     return ScriptedHid::instance().exit();
 }
 
 hid_device_info* hid_enumerate(unsigned short vendorId, unsigned short productId) {
+    const Serving now;
     return static_cast<hid_device_info*>(ScriptedHid::instance().enumerate(vendorId, productId));
 }
 
 void hid_free_enumeration(hid_device_info* devices) {
+    const Serving now;
     ScriptedHid::instance().freeEnumeration(devices);
 }
 
 hid_device* hid_open_path(const char* path) {
+    const Serving now;
     return static_cast<hid_device*>(ScriptedHid::instance().openPath(path));
 }
 
 void hid_close(hid_device* device) {
+    const Serving now;
     ScriptedHid::instance().close(device);
 }
 
 int hid_write(hid_device* device, const unsigned char* data, size_t length) {
+    const Serving now;
     return ScriptedHid::instance().write(device, data, length);
 }
 
 int hid_read_timeout(hid_device* device, unsigned char* data, size_t length, int milliseconds) {
+    const Serving now;
     return ScriptedHid::instance().readTimeout(device, data, length, milliseconds);
 }
 
