@@ -23,7 +23,6 @@ constexpr size_t maxOpenDevices = 2;
 
 size_t reportSizeOfNextDevice = 64;
 std::chrono::nanoseconds responseDelay{0};
-std::chrono::nanoseconds reportTime{0};
 std::atomic<size_t> notifications{0};
 std::atomic<bool> isUnplugged{false};
 std::atomic<size_t> reads{0};
@@ -33,7 +32,6 @@ std::atomic<size_t> reads{0};
 struct hid_device_ {
     bool isOpen;
     size_t reportSize;
-    Clock::time_point busFree;
 
     std::array<uint8_t, 4> header;
     std::array<uint8_t, maxReportSize> response;
@@ -100,9 +98,6 @@ void setReportSize(size_t reportSize) {
 void setResponseDelay(std::chrono::nanoseconds delay) {
     responseDelay = delay;
 }
-void setReportTime(std::chrono::nanoseconds time) {
-    reportTime = time;
-}
 void notify(size_t count) {
     notifications = count;
 }
@@ -154,10 +149,6 @@ void hid_close(hid_device* device) {
 }
 
 int hid_write(hid_device* device, const unsigned char* data, size_t length) {
-    if (reportTime.count() != 0) {
-        std::this_thread::sleep_until(device->busFree);
-        device->busFree = std::max(device->busFree, Clock::now()) + reportTime;
-    }
     const unsigned header = data[1];
     if ((header & firstPacket) != 0) {
         std::copy_n(data + 3, device->header.size(), device->header.begin());

@@ -13,7 +13,7 @@
 ///
 /// Each message is answered when its last packet arrives: with the same transaction identifier and
 /// command code, status 0, and a payload that each command takes for as much data as it may be
-/// asked for here. Devices are told apart by nothing; each opening makes another one.
+/// asked for here. Each opening makes another device, up to two at a time.
 namespace loopback_hid {
 
 /// 64 or 1024; takes effect when a device is opened.
@@ -21,9 +21,6 @@ void setReportSize(size_t reportSize);
 
 /// How long the device takes to answer.
 void setResponseDelay(std::chrono::nanoseconds delay);
-
-/// How long a report occupies the bus: hid_write returns that much after the previous one.
-void setReportTime(std::chrono::nanoseconds time);
 
 /// The data bytes of a response: an I2C, SPI or I3C read; GETPID has six, a string five.
 constexpr size_t dataSize = 16;

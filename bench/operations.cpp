@@ -88,6 +88,11 @@ Operations::Operations(size_t reportSize)
          [this] { return VeltraSDK_I3cCccGETPID(handle, address, buffer.data()) == 0; }},
     };
     longOperation = {"longRequest", [this] { return sdk.uartSendMessage(longMessage) == 0; }};
+
+    // Both polling threads have begun to read then.
+    for (const Operation& operation : smallOperations) {
+        operation.run();
+    }
 }
 
 Operations::~Operations() {

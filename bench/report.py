@@ -1,50 +1,58 @@
 #!/usr/bin/env python3
-"""Runs the benchmarks of a build and prints each figure with its gate and its goal.
+"""Runs the benchmarks of a build and prints each figure with its goal.
 
-usage: report.py BUILD_DIRECTORY [--counts] [--json FILE]
+usage: report.py BUILD_DIRECTORY [--counts] [--json FILE] [--update DOCUMENT]
 
-Counts are the same on every machine: one beyond its gate fails. Times are a trend. With --counts only
-the counts are taken. The size sweep goes to FILE, for chart.py.
+A count is the same on every machine with this compiler: one over its goal fails. Times are a trend.
+With --counts only the counts are taken. The size sweep goes to FILE, for chart.py. What is printed
+replaces the figures of DOCUMENT, which stand between two comments.
 """
 
 import argparse
 import json
+import os
 import pathlib
+import platform
 import re
 import subprocess
 import sys
 import tempfile
 
+REPORT_SIZES = (64, 1024)
+# A request of 64 KiB in 64-byte reports.
+PACKETS_OF_LONG_REQUEST = (65535 + 6 + 61) // 62
 
-def own_instructions(build):
-    """Instructions of the library's own code for one small operation, under callgrind.
 
-    Two runs of different length cancel what happens once. Code that the library calls (the C and
-    C++ runtimes, the stand-in) is not its own.
+def run(*command):
+    return subprocess.run(
+        [str(word) for word in command], stdout=subprocess.PIPE, text=True, check=True
+    ).stdout
+
+
+def instructions(build, operation, report_size, fewer, more, is_counted):
+    """Instructions for one operation, under callgrind, in the object files that are counted.
+
+    Two runs of different length cancel what happens once.
     """
 
-    def collected(operations):
+    def collected(count):
         with tempfile.NamedTemporaryFile() as output:
-            subprocess.run(
-                ["valgrind", "--tool=callgrind", f"--callgrind-out-file={output.name}", "-q",
-                 str(build / "bench/bench_instructions"), "library", str(operations)],
-                check=True,
-            )  # fmt: skip
-            return self_cost(pathlib.Path(output.name).read_text(), "libveltrasdk")
+            run("valgrind", "--tool=callgrind", f"--callgrind-out-file={output.name}", "-q",
+                build / "bench/bench_instructions", operation, report_size, count)  # fmt: skip
+            return self_cost(pathlib.Path(output.name).read_text(), is_counted)
 
-    fewer, more = 1000, 3000
     return (collected(more) - collected(fewer)) / (more - fewer)
 
 
-def self_cost(profile, object_name):
-    """Sums the cost lines of a callgrind profile that lie in one object file."""
+def self_cost(profile, is_counted):
+    """Sums the cost lines of a callgrind profile that lie in the object files that are counted."""
     names, inside, total, is_call = {}, False, 0, False
     for line in profile.splitlines():
         if named := re.match(r"c?ob=\((\d+)\)(?: (.+))?$", line):
             number, name = named.groups()
             names.setdefault(number, name or "")
             if line.startswith("ob="):
-                inside = object_name in names[number]
+                inside = is_counted(names[number])
         elif line.startswith("calls="):
             is_call = True
         elif cost := re.match(r"[+\-*\d]\S* (\d+)$", line):
@@ -54,56 +62,121 @@ def self_cost(profile, object_name):
     return total
 
 
+def is_own(name):
+    return "libveltrasdk" in name
+
+
+def is_own_or_runtime(name):
+    """All but the program that measures, which holds the stand-in for hidapi."""
+    return "bench_instructions" not in name
+
+
+def worst(figure):
+    return max(figure(report_size) for report_size in REPORT_SIZES)
+
+
 def counts(build):
-    printed = subprocess.run(
-        [str(build / "bench/bench_counts")], stdout=subprocess.PIPE, text=True, check=True
-    ).stdout
+    printed = run(build / "bench/bench_counts")
     figures = {name: float(value) for name, value in (line.split() for line in printed.splitlines())}
-    small = [v for k, v in figures.items() if k.startswith("allocations_small_operation")]
-    beyond = [v for k, v in figures.items() if k.startswith("allocations_beyond_packets")]
-    return [
-        ("allocations per small operation", max(small), 3, 2),
-        ("instructions of its own per small operation", own_instructions(build), 1200, 950),
-        ("64 KiB request: allocations beyond one a packet", max(beyond), 3, 1),
-        ("read calls a second while unplugged", figures["reads_per_second_unplugged"], 50, 15),
-    ]
+
+    def allocations(operation):
+        return worst(lambda report_size: figures[f"allocations_{operation}_{report_size}"])
+
+    def own(operation):
+        return worst(lambda size: instructions(build, operation, size, 500, 2000, is_own))
+
+    def notification(operation):
+        return instructions(build, operation, 64, 1000, 5000, is_own_or_runtime)
+
+    operations = ("getUsbString", "i2cRead", "spiTransfer", "i3cSdrWrite", "i3cSdrRead", "i3cCccGETPID")
+    in_c = tuple(name[0].upper() + name[1:] for name in operations[1:])
+    for title, names in (("", operations), (", in C", in_c)):
+        for name in names:
+            yield f"allocations: {name}{title}", allocations(name), 0
+    yield "allocations: request of 64 KiB", allocations("longRequest"), 1
+    yield "own instructions: getUsbString", own("getUsbString"), 520
+    for name in operations[1:]:
+        yield f"own instructions: {name}, 16 bytes", own(name), 750
+    for name in in_c:
+        yield f"own instructions: {name}, 16 bytes, in C", own(name), 850
+    long_request = instructions(build, "longRequest", 64, 5, 25, is_own_or_runtime)
+    per_report = long_request / PACKETS_OF_LONG_REQUEST
+    yield "own and runtime instructions per 64-byte report, 64 KiB", per_report, 200
+    yield "own and runtime instructions: notification", notification("notification"), 400
+    yield "own and runtime instructions: notification, in C", notification("Notification"), 500
+    yield "read calls a second while unplugged", figures["reads_per_second_unplugged"], 15
+    yield from footprint(build / "src/libveltrasdk.so")
+
+
+def footprint(library):
+    with tempfile.NamedTemporaryFile() as stripped:
+        run("strip", "--strip-unneeded", "-o", stripped.name, library)
+        yield "library, stripped, kB", pathlib.Path(stripped.name).stat().st_size / 1000, 120
+        relocations = re.findall(r" R_\w+ ", run("readelf", "--relocs", "--wide", stripped.name))
+        yield "library, relocations", len(relocations), 250
 
 
 def times(build, json_file):
     with tempfile.NamedTemporaryFile() as scratch:
         file = json_file or scratch.name
-        subprocess.run(
-            [str(build / "bench/bench_times"), f"--benchmark_out={file}"],
-            stdout=subprocess.DEVNULL, check=True,
-        )  # fmt: skip
+        run(build / "bench/bench_times", f"--benchmark_out={file}")
         runs = json.loads(pathlib.Path(file).read_text())["benchmarks"]
-    by_name = {run["name"].split("/")[0]: run for run in runs if "median_us" in run}
+    by_name = {figure["name"].split("/iterations")[0]: figure for figure in runs}
+    for report_size in REPORT_SIZES:
+        ratio = by_name[f"smallOperation/{report_size}"]["ratio"]
+        yield f"small operation / raw, medians, {report_size}-byte reports, 250 us", ratio, 1.03
+    yield "disconnect, 99th percentile, ms", by_name["disconnect"]["p99_us"] / 1000, 105
 
-    def ratio(name):
-        return by_name[name + "Library"]["median_us"] / by_name[name + "Raw"]["median_us"]
 
+def table(title, figures):
+    lines = [f"{title:<60}{'figure':>10}{'goal':>8}"]
+    for name, figure, goal in figures:
+        mark = "" if figure <= goal else "  OVER ITS GOAL"
+        lines.append(f"  {name:<58}{figure:>10.4g}{goal:>8g}{mark}")
+    return lines
+
+
+def environment(build):
+    cache = (build / "CMakeCache.txt").read_text()
+
+    def cached(name):
+        return re.search(rf"^{name}:\w+=(.*)$", cache, re.MULTILINE).group(1)
+
+    flags = f"{cached('CMAKE_CXX_FLAGS')} {cached('CMAKE_CXX_FLAGS_RELWITHDEBINFO')}".split()
+    flags = [flag for flag in dict.fromkeys(flags) if not flag.startswith("-ffile-prefix-map")]
+    compiler = run(cached("CMAKE_CXX_COMPILER"), "--version").splitlines()[0]
+    processors = pathlib.Path("/proc/cpuinfo").read_text()
+    processor = re.search(r"^model name\s*: (.*)$", processors, re.MULTILINE)
+    machine = processor.group(1) if processor else platform.machine()
     return [
-        ("small operation / raw, median, device 250 us", ratio("smallOperation"), 1.10, 1.05),
-        ("64 KiB request / raw, median, 125 us a report", ratio("longRequest"), 1.01, 1.005),
-        ("disconnect, 99th percentile, ms", by_name["disconnect"]["p99_us"] / 1000, 110, 105),
+        f"compiler: {compiler}, {' '.join(flags)}",
+        f"machine: {machine}, {os.cpu_count()} processors, Linux {platform.release()}",
     ]
 
 
-def print_table(title, figures):
-    print(f"{title:<52}{'figure':>10}{'gate':>10}{'goal':>10}")
-    for name, figure, gate, goal in figures:
-        mark = "" if figure <= goal else "  over its goal" if figure <= gate else "  OVER ITS GATE"
-        print(f"  {name:<50}{figure:>10.4g}{gate:>10g}{goal:>10g}{mark}", flush=True)
+def update(document, lines):
+    begin, end = "<!-- figures: begin -->\n", "<!-- figures: end -->\n"
+    text = document.read_text()
+    if begin not in text or end not in text:
+        sys.exit(f"{document}: nothing stands between '{begin.strip()}' and '{end.strip()}'")
+    before, rest = text.split(begin)
+    block = "\n".join(["```text", *lines, "```", ""])
+    document.write_text(f"{before}{begin}\n{block}\n{end}{rest.split(end)[1]}")
 
 
-parser = argparse.ArgumentParser(description=__doc__)
+parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
 parser.add_argument("build", type=pathlib.Path)
 parser.add_argument("--counts", action="store_true")
 parser.add_argument("--json")
+parser.add_argument("--update", type=pathlib.Path)
 arguments = parser.parse_args()
 
-counted = counts(arguments.build)
-print_table("Counts", counted)
+counted = list(counts(arguments.build))
+printed = table("Counts", counted)
 if not arguments.counts:
-    print_table("Times (a trend, never a gate)", times(arguments.build, arguments.json))
-sys.exit(any(figure > gate for _, figure, gate, _ in counted))
+    printed += ["", *table("Times (a trend)", times(arguments.build, arguments.json))]
+    printed += ["", *environment(arguments.build)]
+print("\n".join(printed))
+if arguments.update:
+    update(arguments.update, printed)
+sys.exit(any(figure > goal for _, figure, goal in counted))

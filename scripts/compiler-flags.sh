@@ -1,0 +1,19 @@
+# shellcheck shell=bash
+# The compiler flags of the packages; what is measured is built with them too.
+
+# Exports Debian's own flags, hardened, and what later releases of Debian add to them. CMake knows no
+# CPPFLAGS. The name of this directory, which may hold spaces, stays out of the result, also where a
+# compiler cache is in use, which makes names relative so that builds elsewhere find them.
+exportCompilerFlags() {
+    local added
+    export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1
+    eval "$(DEB_BUILD_MAINT_OPTIONS="hardening=+all reproducible=-fixfilepath,-fixdebugpath" \
+        dpkg-buildflags --export=sh)"
+    added="$CPPFLAGS -Werror=date-time -D_GLIBCXX_ASSERTIONS -fstack-clash-protection"
+    added+=" -ffile-prefix-map=$(printf %q "$PWD")=. -ffile-prefix-map=../..=."
+    case $(dpkg --print-architecture) in
+        amd64) added+=" -fcf-protection" ;;
+        arm64) added+=" -mbranch-protection=standard" ;;
+    esac
+    export CFLAGS="$CFLAGS $added" CXXFLAGS="$CXXFLAGS $added"
+}
