@@ -163,7 +163,7 @@ TEST_P(ScriptedHidTest, EachOfSeveralAdaptersReadsItsOwnAnswers) {
 }
 
 TEST_P(ScriptedHidTest, AThreadThatReadsIsKnownUntilItHasEnded) {
-    ASSERT_TRUE(hid.waitForReads(1));
+    ASSERT_TRUE(hid.waitUntilDrained());
     EXPECT_EQ(ScriptedHid::readingThreads(), 1U);
     sdk.disconnect();
     EXPECT_EQ(ScriptedHid::readingThreads(), 0U);
