@@ -17,7 +17,7 @@ public:
     /// For vectors and arrays of bytes, which must outlive the reader.
     template <typename Container>
     explicit ByteReader(const Container& container, ByteOrder byteOrder = ByteOrder::LittleEndian)
-        : ByteReader(container.data(), container.size(), byteOrder) {}
+        : next(container.data()), left(container.size()), order(byteOrder) {}
     template <typename Container>
     explicit ByteReader(const Container&& container,
                         ByteOrder byteOrder = ByteOrder::LittleEndian) = delete;

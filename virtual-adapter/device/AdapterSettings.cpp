@@ -11,12 +11,12 @@ namespace virtual_adapter {
 
 namespace {
 
-constexpr unsigned longestFaultDelay = 3'600'000;
+constexpr unsigned maxFaultDelay = 3'600'000;
 
 // A USB string descriptor has room for 126 UTF-16 units, the adapter's own identity strings for
 // 254 bytes.
-constexpr size_t longestUsbString = 126;
-constexpr size_t longestIdentityString = 254;
+constexpr size_t maxUsbString = 126;
+constexpr size_t maxIdentityString = 254;
 
 std::string allowedModels() {
     std::string names;
@@ -52,8 +52,7 @@ bool isSerialNumber(const std::string& text) {
     for (const char32_t character : charactersOfUtf8(text)) {
         units += utf16UnitsOf(character).size();
     }
-    return isUtf8(text) && units >= 1 && units <= longestUsbString &&
-           text.size() <= longestIdentityString;
+    return isUtf8(text) && units >= 1 && units <= maxUsbString && text.size() <= maxIdentityString;
 }
 
 void readSerialNumber(AdapterSettings& settings, const std::string& text) {
@@ -89,9 +88,9 @@ void readFaultDelay(AdapterSettings& settings, const std::string& text) {
     unsigned milliseconds = 0;
     const char* const end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, milliseconds);
-    if (error != std::errc() || stop != end || milliseconds > longestFaultDelay) {
+    if (error != std::errc() || stop != end || milliseconds > maxFaultDelay) {
         throw std::invalid_argument("expected milliseconds from 0 to " +
-                                    std::to_string(longestFaultDelay));
+                                    std::to_string(maxFaultDelay));
     }
     settings.fault.delay = std::chrono::milliseconds(milliseconds);
 }

@@ -22,7 +22,7 @@ constexpr uint8_t hundredMilliamperes = 50;
 constexpr uint8_t interruptEndpoint = 3;
 /// One frame at full speed, one microframe at high speed.
 constexpr uint8_t everyServiceInterval = 1;
-constexpr size_t longestDescriptor = 255;
+constexpr size_t maxDescriptorSize = 255;
 
 constexpr uint8_t manufacturerIndex = 1;
 constexpr uint8_t productIndex = 2;
@@ -183,7 +183,7 @@ Bytes textDescriptor(const std::string& text) {
         for (const char16_t unit : utf16UnitsOf(character)) {
             unitsOfCharacter.u16(unit);
         }
-        if (2 + units.size() + unitsOfCharacter.size() > longestDescriptor) {
+        if (2 + units.size() + unitsOfCharacter.size() > maxDescriptorSize) {
             break;
         }
         units.append(unitsOfCharacter);

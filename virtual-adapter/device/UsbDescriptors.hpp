@@ -38,7 +38,7 @@ Bytes configurationDescriptor(const UsbIdentity& identity);
 
 Bytes hidDescriptor(const UsbIdentity& identity);
 
-/// Unnumbered, vendor-defined reports of the model's size in both directions.
+/// Unnumbered, vendor-defined reports of the variant's size in both directions.
 Bytes reportDescriptor(const UsbIdentity& identity);
 
 /// What a high-speed device would be at full speed; empty for a full-speed device, which has none.

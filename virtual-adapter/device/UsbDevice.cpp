@@ -11,7 +11,7 @@ constexpr uint8_t endpointNumberMask = 0x0F;
 
 /// With more answers than these unread, the adapter takes no request. The longest answer has 1,215
 /// reports: a UART message of 65,535 bytes that comes back at full speed.
-constexpr size_t mostUnreadReports = 4096;
+constexpr size_t maxUnreadReports = 4096;
 
 bool erase(std::deque<UsbTransfer>& transfers, uint64_t id) {
     const auto found = std::find_if(transfers.begin(), transfers.end(),
@@ -129,7 +129,7 @@ bool UsbDevice::serveOneInput(Time now) {
 }
 
 bool UsbDevice::hasRoomForAnswers() const {
-    return link.inputReportCount() <= mostUnreadReports;
+    return link.inputReportCount() <= maxUnreadReports;
 }
 
 bool UsbDevice::isUsable(uint8_t endpointAddress) const {

@@ -16,10 +16,10 @@ const std::array<UsbIdentity, 2> usbIdentities{
     {identify(fullSpeedVariant, VELTRASDK_USB_PRODUCT_ID_FULL_SPEED),
      identify(highSpeedVariant, VELTRASDK_USB_PRODUCT_ID_HIGH_SPEED)}};
 
-const UsbIdentity* findUsbIdentity(const std::string& modelName) {
+const UsbIdentity* findUsbIdentity(const std::string& variantName) {
     const auto* const found =
         std::find_if(usbIdentities.begin(), usbIdentities.end(), [&](const UsbIdentity& identity) {
-            return identity.variant.name == modelName;
+            return identity.variant.name == variantName;
         });
     return found == usbIdentities.end() ? nullptr : found;
 }

@@ -18,10 +18,10 @@ struct UsbIdentity {
     const char* manufacturer;
 };
 
-/// The full-speed model's, then the high-speed model's.
+/// The full-speed variant's, then the high-speed variant's.
 extern const std::array<UsbIdentity, 2> usbIdentities;
 
-/// Null when no model has that name.
-const UsbIdentity* findUsbIdentity(const std::string& modelName);
+/// Null when no variant has that name.
+const UsbIdentity* findUsbIdentity(const std::string& variantName);
 
 } // namespace virtual_adapter

@@ -4,7 +4,7 @@
 
 namespace virtual_adapter {
 
-/// What tells the adapter's two models apart.
+/// What tells the two adapters apart. Users call a variant a model.
 struct AdapterVariant {
     const char* name;
     /// The length of a HID report in bytes.

@@ -3,11 +3,11 @@
 #include <gtest/gtest.h>
 
 using namespace std::chrono_literals;
+using virtual_adapter::CountedFrame;
 using virtual_adapter::Fault;
 using virtual_adapter::FaultInjector;
 using virtual_adapter::FaultKind;
 using virtual_adapter::Frame;
-using virtual_adapter::CountedFrame;
 using virtual_adapter::OutgoingFrame;
 
 namespace {

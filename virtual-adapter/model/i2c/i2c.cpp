@@ -7,10 +7,10 @@ namespace virtual_adapter {
 namespace {
 
 constexpr size_t busCount = I2c::busCount;
-constexpr uint32_t lowestClock = 10'000;
-constexpr uint32_t highestClock = 1'000'000;
-constexpr uint8_t highestAddress = 0x7F;
-constexpr unsigned longestRegisterAddress = 4;
+constexpr uint32_t minClock = 10'000;
+constexpr uint32_t maxClock = 1'000'000;
+constexpr uint8_t maxAddress = 0x7F;
+constexpr unsigned maxRegisterAddressLength = 4;
 /// The pull-up settings are 0 (none), 1 (10 kOhm), 2 (4.7 kOhm) and 3 (2.2 kOhm).
 constexpr unsigned strongestPullUp = 3;
 
@@ -24,7 +24,7 @@ struct Settings {
     uint8_t option;
 
     [[nodiscard]] bool valuesKnown() const {
-        return busIndex < busCount && within(clock, lowestClock, highestClock) && option <= 1;
+        return busIndex < busCount && within(clock, minClock, maxClock) && option <= 1;
     }
 
     [[nodiscard]] I2cController::Polling polling() const {
@@ -50,8 +50,8 @@ struct Transfer {
     uint8_t hold;
 
     [[nodiscard]] bool valuesKnown() const {
-        return busIndex < busCount && target <= highestAddress &&
-               registerAddressLength <= longestRegisterAddress &&
+        return busIndex < busCount && target <= maxAddress &&
+               registerAddressLength <= maxRegisterAddressLength &&
                uint64_t{registerAddress} >> 8U * registerAddressLength == 0 && hold <= 1;
     }
 

@@ -22,8 +22,8 @@ struct Format {
     CCC code;
     Kind kind;
     DefiningByte definingByte;
-    size_t fewestOperands;
-    size_t mostOperands;
+    size_t minOperands;
+    size_t maxOperands;
 };
 
 constexpr std::array<Format, 23> formats{{
@@ -115,7 +115,7 @@ Status I3cCccCommand::check() const {
     }
     const Bytes given = operands();
     const bool counted = kind() == Kind::Read || lengthField == given.size();
-    if (!counted || given.size() < format->fewestOperands || given.size() > format->mostOperands) {
+    if (!counted || given.size() < format->minOperands || given.size() > format->maxOperands) {
         return Status::MalformedRequest;
     }
     if (code() == CCC_SETDASA || code() == CCC_SETNEWDA) {

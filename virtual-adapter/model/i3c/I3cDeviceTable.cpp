@@ -187,13 +187,13 @@ void I3cDeviceTable::assign(I3cTarget& target) {
     const I3cTargetInfo* wish = wishFor(target);
     uint8_t address = wish == nullptr ? uint8_t{0} : wish->dynamicAddress;
     if (assignable(address, target) != Status::Success) {
-        address = lowestI3cAddress;
-        while (address <= highestI3cAddress && assignable(address, target) != Status::Success) {
+        address = minI3cAddress;
+        while (address <= maxI3cAddress && assignable(address, target) != Status::Success) {
             ++address;
         }
     }
     // The records may keep every address for targets that are not there.
-    if (address <= highestI3cAddress) {
+    if (address <= maxI3cAddress) {
         assign(target, address);
     }
 }

@@ -11,8 +11,8 @@ constexpr uint8_t bcrIbiPayload = 0x04;
 constexpr uint8_t bcrAdvancedCapabilities = 0x20;
 constexpr uint8_t hdrModeDdr = 0x01;
 
-constexpr uint16_t smallestMaxWriteLength = 8;
-constexpr uint16_t smallestMaxReadLength = 16;
+constexpr uint16_t minWriteLimit = 8;
+constexpr uint16_t minReadLimit = 16;
 
 // The formats of GETSTATUS and GETCAPS.
 constexpr uint8_t formatStandard = 0x00;
@@ -51,11 +51,11 @@ bool I3cTarget::hasAdvancedCapabilities() const {
 }
 
 void I3cTarget::setMaxWriteLength(uint16_t length) {
-    writeLimit = std::clamp(length, smallestMaxWriteLength, kind.maxWriteLength);
+    writeLimit = std::clamp(length, minWriteLimit, kind.maxWriteLength);
 }
 
 void I3cTarget::setMaxReadLength(uint16_t length) {
-    readLimit = std::clamp(length, smallestMaxReadLength, kind.maxReadLength);
+    readLimit = std::clamp(length, minReadLimit, kind.maxReadLength);
 }
 
 void I3cTarget::setMaxIbiPayloadSize(uint8_t size) {

@@ -7,8 +7,8 @@ namespace virtual_adapter {
 
 namespace {
 
-constexpr unsigned lowestMillivolts = 1000;
-constexpr unsigned highestMillivolts = 3300;
+constexpr unsigned minMillivolts = 1000;
+constexpr unsigned maxMillivolts = 3300;
 
 /// The payload of 0x1901 and 0x1902.
 struct SettingsRequest {
@@ -28,8 +28,7 @@ struct SettingsRequest {
 Answer I3cBusSetup::setVoltage(ByteReader& request) {
     const unsigned millivolts = request.u16();
     const bool off = millivolts == 0;
-    const Status status =
-        check(request, off || within(millivolts, lowestMillivolts, highestMillivolts));
+    const Status status = check(request, off || within(millivolts, minMillivolts, maxMillivolts));
     if (status == Status::Success) {
         controller.setSupply(!off);
     }

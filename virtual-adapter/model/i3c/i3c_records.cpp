@@ -45,7 +45,7 @@ Status checkPair(const I3cTargetInfo& left, const I3cTargetInfo& right) {
 bool isReservedI3cAddress(uint8_t address) {
     // The four inside the range differ from the broadcast address in one bit only (MIPI I3C
     // Basic v1.1.1, section 5.1.2.2.5).
-    return address < lowestI3cAddress || address > highestI3cAddress || address == 0x3E ||
+    return address < minI3cAddress || address > maxI3cAddress || address == 0x3E ||
            address == 0x5E || address == 0x6E || address == 0x76;
 }
 

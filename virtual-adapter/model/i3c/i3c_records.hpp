@@ -9,8 +9,8 @@
 
 namespace virtual_adapter {
 
-constexpr uint8_t lowestI3cAddress = 0x08;
-constexpr uint8_t highestI3cAddress = 0x77;
+constexpr uint8_t minI3cAddress = 0x08;
+constexpr uint8_t maxI3cAddress = 0x77;
 /// Every target answers to it.
 constexpr uint8_t i3cBroadcastAddress = 0x7E;
 

@@ -15,7 +15,7 @@ constexpr unsigned modeMask = 0x03;
 constexpr unsigned flagsShift = 3;
 constexpr unsigned knownFlags = I3cTransferFlags_SkipBroadcastAddress | I3cTransferFlags_NoStop;
 
-constexpr size_t longestSubAddress = 4;
+constexpr size_t maxSubAddressLength = 4;
 
 constexpr uint8_t hdrReadBit = 0x80;
 
@@ -31,7 +31,7 @@ struct I3cTransfer::Transfer {
           control(request.u8()),
           hdrCommandCode(request.u8()),
           subAddressLength(request.u8()),
-          subAddressField(request.bytes(longestSubAddress)),
+          subAddressField(request.bytes(maxSubAddressLength)),
           length(request.u16()),
           data(isRead() ? Bytes{} : request.bytes(length)) {}
 
@@ -50,7 +50,7 @@ struct I3cTransfer::Transfer {
 
     [[nodiscard]] bool valuesKnown() const {
         if (address >= i3cBroadcastAddress || mode() > I3cTransferMode_LegacyI2c ||
-            (flags() & ~knownFlags) != 0 || subAddressLength > longestSubAddress) {
+            (flags() & ~knownFlags) != 0 || subAddressLength > maxSubAddressLength) {
             return false;
         }
         const auto padding =

@@ -10,11 +10,12 @@ void SpiBus::attach(SpiChipSelect chipSelect, std::unique_ptr<SpiTarget> target)
 
 Bytes SpiBus::transfer(SpiChipSelect chipSelect, SpiMode mode, SpiChipSelectPolarity polarity,
                        const Bytes& sent) {
+    Bytes received(sent.size(), undrivenByte);
     const auto& target = targets.at(chipSelect);
-    if (target == nullptr || !target->understands(mode, polarity)) {
-        return Bytes(sent.size(), undrivenByte);
+    if (target != nullptr && target->understands(mode, polarity)) {
+        received = target->transfer(sent);
     }
-    return target->transfer(sent);
+    return received;
 }
 
 } // namespace virtual_adapter

@@ -9,8 +9,8 @@ namespace virtual_adapter {
 
 namespace {
 
-constexpr uint32_t lowestClock = 10'000;
-constexpr uint32_t highestClock = 50'000'000;
+constexpr uint32_t minClock = 10'000;
+constexpr uint32_t maxClock = 50'000'000;
 
 /// What goes out when more bytes are to be received than sent.
 constexpr uint8_t fillByte = 0xFF;
@@ -53,7 +53,7 @@ Status Spi::readSettings(ByteReader& request, Settings& settings) const {
                              within(settings.chipSelect, SpiChipSelect_0, SpiChipSelect_3) &&
                              within(settings.polarity, SpiChipSelectPolarity_ActiveLow,
                                     SpiChipSelectPolarity_ActiveHigh) &&
-                             within(clock, lowestClock, highestClock));
+                             within(clock, minClock, maxClock));
 }
 
 Answer Spi::controllerInit(ByteReader& request) {

@@ -6,8 +6,8 @@ namespace virtual_adapter {
 
 namespace {
 
-constexpr unsigned lowestMillivolts = 800;
-constexpr unsigned highestMillivolts = 3300;
+constexpr unsigned minMillivolts = 800;
+constexpr unsigned maxMillivolts = 3300;
 
 } // namespace
 
@@ -15,7 +15,7 @@ Answer IoVoltage::set(ByteReader& request) {
     const unsigned millivolts = request.u16();
     const unsigned enable = request.u8();
     const Status status = virtual_adapter::check(
-        request, within(millivolts, lowestMillivolts, highestMillivolts) && enable <= 1);
+        request, within(millivolts, minMillivolts, maxMillivolts) && enable <= 1);
     if (status == Status::Success) {
         outputEnabled = enable == 1;
     }

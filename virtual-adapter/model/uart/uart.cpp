@@ -11,7 +11,7 @@ namespace {
 constexpr size_t packetHeaderSize = 2;
 constexpr size_t notificationHeaderSize = 8;
 /// Keeps the notification below 256 bytes, beyond which the library's C callback sees none of it.
-constexpr size_t longestChunkOfAnyModel = 240;
+constexpr size_t maxChunkOfAnyVariant = 240;
 
 } // namespace
 
@@ -20,8 +20,8 @@ Uart::Uart(const IoVoltage& ioVoltage, UartTarget* itsTarget, Outbox& toHost,
     : voltage(ioVoltage),
       target(itsTarget),
       outbox(toHost),
-      longestChunk(std::min(variant.reportSize - packetHeaderSize - notificationHeaderSize,
-                            longestChunkOfAnyModel)) {}
+      maxChunk(std::min(variant.reportSize - packetHeaderSize - notificationHeaderSize,
+                        maxChunkOfAnyVariant)) {}
 
 Answer Uart::init(ByteReader& request) {
     UartDataSize wanted{};
@@ -82,7 +82,7 @@ Status Uart::readSettings(ByteReader& request, UartDataSize& wanted) const {
 void Uart::receive(const Bytes& message) {
     for (auto begin = message.begin(); begin != message.end();) {
         const auto left = static_cast<size_t>(message.end() - begin);
-        const auto size = static_cast<uint16_t>(std::min(left, longestChunk));
+        const auto size = static_cast<uint16_t>(std::min(left, maxChunk));
         outbox.notify(CommandCode::UartRxNotification,
                       ByteWriter().countU16(size).range(begin, begin + size));
         begin += size;

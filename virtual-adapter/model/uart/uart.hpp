@@ -34,7 +34,7 @@ private:
     UartTarget* target;
     Outbox& outbox;
     /// How many received bytes one notification carries at most.
-    size_t longestChunk;
+    size_t maxChunk;
     /// Empty until the UART has been initialised.
     std::optional<UartDataSize> dataSize;
 };

@@ -1,179 +1,140 @@
-#include "virtual-adapter/model/i2c/I2cModel.hpp"
+#include "board/parts/I2cEeprom.hpp"
 
+#include "virtual-adapter/model/i2c/I2cModel.hpp"
+#include "virtual-adapter/requests.hpp"
+
+using virtual_adapter::answerOf;
+using virtual_adapter::Board;
 using virtual_adapter::Frame;
-using I2cTargets = virtual_adapter::I2cModel;
+using virtual_adapter::i2cData;
+using virtual_adapter::I2cEeprom;
+using virtual_adapter::i2cRead;
+using virtual_adapter::i2cWrite;
 
 namespace {
 
+/// A small EEPROM and a large one on each bus.
+Board eeproms() {
+    const auto eeprom = [](const I2cEeprom::Geometry& geometry, const char* contents) {
+        return std::make_unique<I2cEeprom>(geometry, contents);
+    };
+    Board board;
+    board.i2c[0].attach(0x50, eeprom(I2cEeprom::geometry24C02, "Hello from the virtual adapter!"));
+    board.i2c[0].attach(0x51, eeprom(I2cEeprom::geometry24C256, ""));
+    board.i2c[1].attach(0x50, eeprom(I2cEeprom::geometry24C02, "Hello from bus 1!"));
+    board.i2c[1].attach(0x51, eeprom(I2cEeprom::geometry24C256, "32 KiB on bus 1"));
+    return board;
+}
+
+class I2cEepromPart : public virtual_adapter::I2cModel {
+protected:
+    I2cEepromPart() : I2cModel(eeproms()) {}
+};
+
 // --- The small EEPROM at 0x50 -------------------------------------------------------------------
 
-TEST_F(I2cTargets, TheSmallEepromGreetsItsReaderAndIsErasedBehind) {
-    EXPECT_EQ(
-        response({0x01, 0x00, 0x05, 0x09, 0, 33, 0, 0x50, 1, 0, 0, 0, 0, 0}),
-        (Frame{0x01, 0x00, 0x05, 0x09, 0x00, 0x00, 0x00, 33,  0x00, 'H', 'e', 'l', 'l',  'o',
-               ' ',  'f',  'r',  'o',  'm',  ' ',  't',  'h', 'e',  ' ', 'v', 'i', 'r',  't',
-               'u',  'a',  'l',  ' ',  'a',  'd',  'a',  'p', 't',  'e', 'r', '!', 0xFF, 0xFF}));
+TEST_F(I2cEepromPart, TheSmallEepromGreetsItsReaderAndIsErasedBehind) {
+    EXPECT_EQ(response(i2cRead(0, 0x50, {0}, 33)),
+              i2cData(0, {'H', 'e', 'l', 'l', 'o', ' ', 'f', 'r', 'o', 'm',  ' ',
+                          't', 'h', 'e', ' ', 'v', 'i', 'r', 't', 'u', 'a',  'l',
+                          ' ', 'a', 'd', 'a', 'p', 't', 'e', 'r', '!', 0xFF, 0xFF}));
 }
 
-TEST_F(I2cTargets, ReadsGoOnFromTheAddressCounter) {
-    status({0x01, 0x00, 0x05, 0x09, 1, 1, 0, 0x50, 1, 10, 0, 0, 0, 0});
-    EXPECT_EQ(response({0x01, 0x00, 0x05, 0x09, 1, 6, 0, 0x50, 0, 0, 0, 0, 0, 0}),
-              (Frame{0x01, 0x00, 0x05, 0x09, 0x00, 0x00, 0x01, 0x06, 0x00, 'b', 'u', 's', ' ', '1',
-                     '!'}));
+TEST_F(I2cEepromPart, ReadsGoOnFromTheAddressCounter) {
+    status(i2cRead(1, 0x50, {10}, 1));
+    EXPECT_EQ(response(i2cRead(1, 0x50, {}, 6)), i2cData(1, {'b', 'u', 's', ' ', '1', '!'}));
 }
 
-TEST_F(I2cTargets, ReadsRollOverAtTheEndOfTheMemory) {
-    EXPECT_EQ(response({0x01, 0x00, 0x05, 0x09, 0, 4, 0, 0x50, 1, 0xFE, 0, 0, 0, 0}),
-              (Frame{0x01, 0x00, 0x05, 0x09, 0x00, 0x00, 0x00, 0x04, 0x00, 0xFF, 0xFF, 'H', 'e'}));
+TEST_F(I2cEepromPart, ReadsRollOverAtTheEndOfTheMemory) {
+    EXPECT_EQ(response(i2cRead(0, 0x50, {0xFE}, 4)), i2cData(0, {0xFF, 0xFF, 'H', 'e'}));
 }
 
-TEST_F(I2cTargets, WrittenBytesReadBackOnceTheWriteCycleIsOver) {
-    EXPECT_EQ(response({0x01, 0x00, 0x04, 0x09, 0, 2, 0, 0x50, 1, 0x40, 0, 0, 0, 0, 0xCA, 0xFE}),
-              (Frame{0x01, 0x00, 0x04, 0x09, 0x00, 0x00}));
-    EXPECT_EQ(pollUntilAcknowledged({0x01, 0x00, 0x05, 0x09, 0, 3, 0, 0x50, 1, 0x40, 0, 0, 0, 0}),
-              (Frame{0x01, 0x00, 0x05, 0x09, 0x00, 0x00, 0x00, 0x03, 0x00, 0xCA, 0xFE, 0xFF}));
+TEST_F(I2cEepromPart, WrittenBytesReadBackOnceTheWriteCycleIsOver) {
+    EXPECT_EQ(response(i2cWrite(0, 0x50, {0x40}, {0xCA, 0xFE})),
+              answerOf(CommandCode::I2cWrite, 0x00));
+    EXPECT_EQ(pollUntilAcknowledged(i2cRead(0, 0x50, {0x40}, 3)), i2cData(0, {0xCA, 0xFE, 0xFF}));
 }
 
-TEST_F(I2cTargets, TheWriteCycleLastsThreeUnacknowledgedAttempts) {
-    status({0x01, 0x00, 0x04, 0x09, 0, 1, 0, 0x50, 1, 0x40, 0, 0, 0, 0, 0xCA});
-    const Frame poll{0x01, 0x00, 0x04, 0x09, 0, 0, 0, 0x50, 0, 0, 0, 0, 0, 0};
+TEST_F(I2cEepromPart, TheWriteCycleLastsThreeUnacknowledgedAttempts) {
+    status(i2cWrite(0, 0x50, {0x40}, {0xCA}));
+    const Frame poll = i2cWrite(0, 0x50, {}, {});
     EXPECT_EQ(status(poll), 0x0006U);
     EXPECT_EQ(status(poll), 0x0006U);
     EXPECT_EQ(status(poll), 0x0006U);
     EXPECT_EQ(status(poll), 0x0000U);
 }
 
-TEST_F(I2cTargets, TheWriteCycleHidesOnlyTheWrittenEepromFromAScan) {
-    status({0x01, 0x00, 0x04, 0x09, 0, 1, 0, 0x50, 1, 0x40, 0, 0, 0, 0, 0xCA});
+TEST_F(I2cEepromPart, TheWriteCycleHidesOnlyTheWrittenEepromFromAScan) {
+    status(i2cWrite(0, 0x50, {0x40}, {0xCA}));
     EXPECT_EQ(response({0x01, 0x00, 0x06, 0x09, 0x00, 0x00}),
-              (Frame{0x01, 0x00, 0x06, 0x09, 0x00, 0x00, 0x00, 0x02, 0x00, 0x48, 0x51}));
+              (Frame{0x01, 0x00, 0x06, 0x09, 0x00, 0x00, 0x00, 0x01, 0x00, 0x51}));
 }
 
-TEST_F(I2cTargets, AWriteOfTheRegisterAddressAloneStartsNoWriteCycle) {
-    EXPECT_EQ(status({0x01, 0x00, 0x04, 0x09, 0, 0, 0, 0x50, 1, 0x06, 0, 0, 0, 0}), 0x0000U);
-    EXPECT_EQ(response({0x01, 0x00, 0x05, 0x09, 0, 4, 0, 0x50, 0, 0, 0, 0, 0, 0}),
-              (Frame{0x01, 0x00, 0x05, 0x09, 0x00, 0x00, 0x00, 0x04, 0x00, 'f', 'r', 'o', 'm'}));
+TEST_F(I2cEepromPart, AWriteOfTheRegisterAddressAloneStartsNoWriteCycle) {
+    EXPECT_EQ(status(i2cWrite(0, 0x50, {0x06}, {})), 0x0000U);
+    EXPECT_EQ(response(i2cRead(0, 0x50, {}, 4)), i2cData(0, {'f', 'r', 'o', 'm'}));
 }
 
-TEST_F(I2cTargets, TheOptionByteMakesTheControllerWaitTheWriteCycleOut) {
+TEST_F(I2cEepromPart, TheOptionByteMakesTheControllerWaitTheWriteCycleOut) {
     EXPECT_EQ(status({0x01, 0x00, 0x02, 0x09, 0x00, 0xA0, 0x86, 0x01, 0x00, 0x01}), 0x0000U);
-    EXPECT_EQ(status({0x01, 0x00, 0x04, 0x09, 0, 1, 0, 0x50, 1, 0x40, 0, 0, 0, 0, 0xCA}), 0x0000U);
-    EXPECT_EQ(response({0x01, 0x00, 0x05, 0x09, 0, 1, 0, 0x50, 1, 0x40, 0, 0, 0, 0}),
-              (Frame{0x01, 0x00, 0x05, 0x09, 0x00, 0x00, 0x00, 0x01, 0x00, 0xCA}));
-    EXPECT_EQ(status({0x01, 0x00, 0x04, 0x09, 0, 0, 0, 0x52, 0, 0, 0, 0, 0, 0}), 0x0006U);
+    EXPECT_EQ(status(i2cWrite(0, 0x50, {0x40}, {0xCA})), 0x0000U);
+    EXPECT_EQ(response(i2cRead(0, 0x50, {0x40}, 1)), i2cData(0, {0xCA}));
+    EXPECT_EQ(status(i2cWrite(0, 0x52, {}, {})), 0x0006U);
 
-    status({0x01, 0x00, 0x04, 0x09, 0, 1, 0, 0x50, 1, 0x41, 0, 0, 0, 0, 0xFE});
+    status(i2cWrite(0, 0x50, {0x41}, {0xFE}));
     EXPECT_EQ(status({0x01, 0x00, 0x01, 0x09, 0x00, 0xA0, 0x86, 0x01, 0x00, 0x00}), 0x0000U);
-    EXPECT_EQ(status({0x01, 0x00, 0x05, 0x09, 0, 1, 0, 0x50, 1, 0x41, 0, 0, 0, 0}), 0x0006U);
+    EXPECT_EQ(status(i2cRead(0, 0x50, {0x41}, 1)), 0x0006U);
 }
 
-TEST_F(I2cTargets, AWriteWrapsInsideItsPageOfEightBytes) {
-    status({0x01, 0x00, 0x04, 0x09, 0,   10,  0,   0x50, 1,   0x46, 0,   0,
-            0,    0,    '0',  '1',  '2', '3', '4', '5',  '6', '7',  '8', '9'});
-    EXPECT_EQ(pollUntilAcknowledged({0x01, 0x00, 0x05, 0x09, 0, 10, 0, 0x50, 1, 0x3F, 0, 0, 0, 0}),
-              (Frame{0x01, 0x00, 0x05, 0x09, 0x00, 0x00, 0x00, 0x0A, 0x00, 0xFF, '2', '3', '4', '5',
-                     '6', '7', '8', '9', 0xFF}));
+TEST_F(I2cEepromPart, AWriteWrapsInsideItsPageOfEightBytes) {
+    status(i2cWrite(0, 0x50, {0x46}, {'0', '1', '2', '3', '4', '5', '6', '7', '8', '9'}));
+    EXPECT_EQ(pollUntilAcknowledged(i2cRead(0, 0x50, {0x3F}, 10)),
+              i2cData(0, {0xFF, '2', '3', '4', '5', '6', '7', '8', '9', 0xFF}));
 }
 
-TEST_F(I2cTargets, SurplusRegisterAddressBytesAreDataToTheTarget) {
-    status({0x01, 0x00, 0x04, 0x09, 0, 0, 0, 0x50, 2, 0xAB, 0x40, 0, 0, 0});
-    EXPECT_EQ(pollUntilAcknowledged({0x01, 0x00, 0x05, 0x09, 0, 1, 0, 0x50, 1, 0x40, 0, 0, 0, 0}),
-              (Frame{0x01, 0x00, 0x05, 0x09, 0x00, 0x00, 0x00, 0x01, 0x00, 0xAB}));
+TEST_F(I2cEepromPart, SurplusRegisterAddressBytesAreDataToTheTarget) {
+    status(i2cWrite(0, 0x50, {0x40, 0xAB}, {}));
+    EXPECT_EQ(pollUntilAcknowledged(i2cRead(0, 0x50, {0x40}, 1)), i2cData(0, {0xAB}));
 }
 
-TEST_F(I2cTargets, AReadOfNoBytesOnlyAsksForTheAcknowledge) {
-    EXPECT_EQ(response({0x01, 0x00, 0x05, 0x09, 0, 0, 0, 0x50, 0, 0, 0, 0, 0, 0}),
-              (Frame{0x01, 0x00, 0x05, 0x09, 0x00, 0x00, 0x00, 0x00, 0x00}));
+TEST_F(I2cEepromPart, AReadOfNoBytesOnlyAsksForTheAcknowledge) {
+    EXPECT_EQ(response(i2cRead(0, 0x50, {}, 0)), i2cData(0, {}));
 }
 
-TEST_F(I2cTargets, TheBusesHoldTargetsOfTheirOwn) {
-    status({0x01, 0x00, 0x04, 0x09, 0, 1, 0, 0x50, 1, 0x00, 0, 0, 0, 0, 'h'});
-    EXPECT_EQ(response({0x01, 0x00, 0x05, 0x09, 1, 1, 0, 0x50, 1, 0, 0, 0, 0, 0}),
-              (Frame{0x01, 0x00, 0x05, 0x09, 0x00, 0x00, 0x01, 0x01, 0x00, 'H'}));
+TEST_F(I2cEepromPart, TheBusesHoldTargetsOfTheirOwn) {
+    status(i2cWrite(0, 0x50, {0x00}, {'h'}));
+    EXPECT_EQ(response(i2cRead(1, 0x50, {0}, 1)), i2cData(1, {'H'}));
 }
 
 // --- The large EEPROM at 0x51 -------------------------------------------------------------------
 
-TEST_F(I2cTargets, TheLargeEepromTakesTwoRegisterAddressBytes) {
-    EXPECT_EQ(response({0x01, 0x00, 0x05, 0x09, 1, 3, 0, 0x51, 2, 0x0C, 0x00, 0, 0, 0}),
-              (Frame{0x01, 0x00, 0x05, 0x09, 0x00, 0x00, 0x01, 0x03, 0x00, 's', ' ', '1'}));
-    EXPECT_EQ(response({0x01, 0x00, 0x05, 0x09, 0, 2, 0, 0x51, 2, 0x00, 0x00, 0, 0, 0}),
-              (Frame{0x01, 0x00, 0x05, 0x09, 0x00, 0x00, 0x00, 0x02, 0x00, 0xFF, 0xFF}));
+TEST_F(I2cEepromPart, TheLargeEepromTakesTwoRegisterAddressBytes) {
+    EXPECT_EQ(response(i2cRead(1, 0x51, {0x00, 0x0C}, 3)), i2cData(1, {'s', ' ', '1'}));
+    EXPECT_EQ(response(i2cRead(0, 0x51, {0x00, 0x00}, 2)), i2cData(0, {0xFF, 0xFF}));
 }
 
-TEST_F(I2cTargets, TheLargeEepromIgnoresTheTopBitOfTheRegisterAddress) {
-    EXPECT_EQ(response({0x01, 0x00, 0x05, 0x09, 1, 2, 0, 0x51, 2, 0x00, 0x80, 0, 0, 0}),
-              (Frame{0x01, 0x00, 0x05, 0x09, 0x00, 0x00, 0x01, 0x02, 0x00, '3', '2'}));
+TEST_F(I2cEepromPart, TheLargeEepromIgnoresTheTopBitOfTheRegisterAddress) {
+    EXPECT_EQ(response(i2cRead(1, 0x51, {0x80, 0x00}, 2)), i2cData(1, {'3', '2'}));
 }
 
-TEST_F(I2cTargets, AnIncompleteRegisterAddressLeavesTheAddressCounterAlone) {
-    status({0x01, 0x00, 0x05, 0x09, 1, 3, 0, 0x51, 2, 0x00, 0x00, 0, 0, 0});
-    EXPECT_EQ(response({0x01, 0x00, 0x05, 0x09, 1, 3, 0, 0x51, 1, 0x0C, 0x00, 0, 0, 0}),
-              (Frame{0x01, 0x00, 0x05, 0x09, 0x00, 0x00, 0x01, 0x03, 0x00, 'K', 'i', 'B'}));
+TEST_F(I2cEepromPart, AnIncompleteRegisterAddressLeavesTheAddressCounterAlone) {
+    status(i2cRead(1, 0x51, {0x00, 0x00}, 3));
+    EXPECT_EQ(response(i2cRead(1, 0x51, {0x0C}, 3)), i2cData(1, {'K', 'i', 'B'}));
 }
 
-TEST_F(I2cTargets, TheLargeEepromWrapsWritesInsidePagesOf64BytesAndReadsAtItsEnd) {
-    status({0x01, 0x00, 0x04, 0x09, 0, 3, 0, 0x51, 2, 0xFE, 0x7F, 0, 0, 0, 1, 2, 3});
-    EXPECT_EQ(
-        pollUntilAcknowledged({0x01, 0x00, 0x05, 0x09, 0, 3, 0, 0x51, 2, 0xFE, 0x7F, 0, 0, 0}),
-        (Frame{0x01, 0x00, 0x05, 0x09, 0x00, 0x00, 0x00, 0x03, 0x00, 0x01, 0x02, 0xFF}));
-    EXPECT_EQ(response({0x01, 0x00, 0x05, 0x09, 0, 2, 0, 0x51, 2, 0xC0, 0x7F, 0, 0, 0}),
-              (Frame{0x01, 0x00, 0x05, 0x09, 0x00, 0x00, 0x00, 0x02, 0x00, 0x03, 0xFF}));
+TEST_F(I2cEepromPart, TheLargeEepromWrapsWritesInsidePagesOf64BytesAndReadsAtItsEnd) {
+    status(i2cWrite(0, 0x51, {0x7F, 0xFE}, {1, 2, 3}));
+    EXPECT_EQ(pollUntilAcknowledged(i2cRead(0, 0x51, {0x7F, 0xFE}, 3)),
+              i2cData(0, {0x01, 0x02, 0xFF}));
+    EXPECT_EQ(response(i2cRead(0, 0x51, {0x7F, 0xC0}, 2)), i2cData(0, {0x03, 0xFF}));
 }
 
-TEST_F(I2cTargets, AReadMayTakeAsManyBytesAsItsLengthCanSay) {
-    const Frame answer =
-        response({0x01, 0x00, 0x05, 0x09, 1, 0xFF, 0xFF, 0x51, 2, 0x00, 0x00, 0, 0, 0});
+TEST_F(I2cEepromPart, AReadMayTakeAsManyBytesAsItsLengthCanSay) {
+    const Frame answer = response(i2cRead(1, 0x51, {0x00, 0x00}, 65535));
     ASSERT_EQ(answer.size(), 9U + 65535U);
     EXPECT_EQ(Frame(answer.begin(), answer.begin() + 10),
               (Frame{0x01, 0x00, 0x05, 0x09, 0x00, 0x00, 0x01, 0xFF, 0xFF, '3'}));
     EXPECT_EQ(answer[9 + 32768], '3');
-}
-
-// --- The temperature sensor at 0x48 -------------------------------------------------------------
-
-TEST_F(I2cTargets, TheSensorsSitAtTheirTemperatures) {
-    EXPECT_EQ(response({0x01, 0x00, 0x05, 0x09, 0, 2, 0, 0x48, 1, 0x00, 0, 0, 0, 0}),
-              (Frame{0x01, 0x00, 0x05, 0x09, 0x00, 0x00, 0x00, 0x02, 0x00, 0x19, 0x00}));
-    EXPECT_EQ(response({0x01, 0x00, 0x05, 0x09, 1, 2, 0, 0x48, 1, 0x00, 0, 0, 0, 0}),
-              (Frame{0x01, 0x00, 0x05, 0x09, 0x00, 0x00, 0x01, 0x02, 0x00, 0xF5, 0x80}));
-}
-
-TEST_F(I2cTargets, TheSensorsOtherRegistersHoldTheirDefaults) {
-    EXPECT_EQ(response({0x01, 0x00, 0x05, 0x09, 0, 1, 0, 0x48, 1, 0x01, 0, 0, 0, 0}),
-              (Frame{0x01, 0x00, 0x05, 0x09, 0x00, 0x00, 0x00, 0x01, 0x00, 0x00}));
-    EXPECT_EQ(response({0x01, 0x00, 0x05, 0x09, 0, 2, 0, 0x48, 1, 0x02, 0, 0, 0, 0}),
-              (Frame{0x01, 0x00, 0x05, 0x09, 0x00, 0x00, 0x00, 0x02, 0x00, 0x4B, 0x00}));
-    EXPECT_EQ(response({0x01, 0x00, 0x05, 0x09, 0, 2, 0, 0x48, 1, 0x03, 0, 0, 0, 0}),
-              (Frame{0x01, 0x00, 0x05, 0x09, 0x00, 0x00, 0x00, 0x02, 0x00, 0x50, 0x00}));
-}
-
-TEST_F(I2cTargets, WritesToTheSensorChangeTheWritableBitsOnly) {
-    // Temperature, configuration, hysteresis.
-    status({0x01, 0x00, 0x04, 0x09, 0, 2, 0, 0x48, 1, 0x00, 0, 0, 0, 0, 0x12, 0x34});
-    status({0x01, 0x00, 0x04, 0x09, 0, 1, 0, 0x48, 1, 0x01, 0, 0, 0, 0, 0xFF});
-    status({0x01, 0x00, 0x04, 0x09, 0, 2, 0, 0x48, 1, 0x02, 0, 0, 0, 0, 0x12, 0xFF});
-    EXPECT_EQ(response({0x01, 0x00, 0x05, 0x09, 0, 2, 0, 0x48, 1, 0x00, 0, 0, 0, 0}),
-              (Frame{0x01, 0x00, 0x05, 0x09, 0x00, 0x00, 0x00, 0x02, 0x00, 0x19, 0x00}));
-    EXPECT_EQ(response({0x01, 0x00, 0x05, 0x09, 0, 1, 0, 0x48, 1, 0x01, 0, 0, 0, 0}),
-              (Frame{0x01, 0x00, 0x05, 0x09, 0x00, 0x00, 0x00, 0x01, 0x00, 0x1F}));
-    EXPECT_EQ(response({0x01, 0x00, 0x05, 0x09, 0, 2, 0, 0x48, 1, 0x02, 0, 0, 0, 0}),
-              (Frame{0x01, 0x00, 0x05, 0x09, 0x00, 0x00, 0x00, 0x02, 0x00, 0x12, 0x80}));
-}
-
-TEST_F(I2cTargets, ALongReadRepeatsTheSensorsRegisterAndALongWriteIsCutToIt) {
-    EXPECT_EQ(status({0x01, 0x00, 0x04, 0x09, 0, 3, 0, 0x48, 1, 3, 0, 0, 0, 0, 1, 0x80, 9}),
-              0x0000U);
-    EXPECT_EQ(response({0x01, 0x00, 0x05, 0x09, 0, 5, 0, 0x48, 0, 0, 0, 0, 0, 0}),
-              (Frame{0x01, 0x00, 0x05, 0x09, 0x00, 0x00, 0x00, 0x05, 0x00, 0x01, 0x80, 0x01, 0x80,
-                     0x01}));
-}
-
-TEST_F(I2cTargets, APointerToNoRegisterOfTheSensorIsNotAcknowledged) {
-    EXPECT_EQ(response({0x01, 0x00, 0x04, 0x09, 0, 0, 0, 0x48, 1, 0x04, 0, 0, 0, 0}),
-              (Frame{0x01, 0x00, 0x04, 0x09, 0x07, 0x00}));
-    EXPECT_EQ(response({0x01, 0x00, 0x05, 0x09, 0, 2, 0, 0x48, 1, 0x04, 0, 0, 0, 0}),
-              (Frame{0x01, 0x00, 0x05, 0x09, 0x07, 0x00}));
 }
 
 } // namespace

@@ -7,7 +7,7 @@ namespace virtual_adapter {
 /// Both buses powered, initialised at 100 kHz and pulled up.
 class I2cModel : public AdapterFixture {
 protected:
-    I2cModel() {
+    explicit I2cModel(Board board = factoryBoard()) : AdapterFixture(std::move(board)) {
         powerOn();
         for (const uint8_t bus : {uint8_t{0}, uint8_t{1}}) {
             EXPECT_EQ(status({0x01, 0x00, 0x01, 0x09, bus, 0xA0, 0x86, 0x01, 0x00, 0x00}), 0x0000U);

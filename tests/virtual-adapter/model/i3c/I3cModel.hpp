@@ -24,6 +24,8 @@ inline Bytes joined(std::initializer_list<Bytes> parts) {
 /// A virtual adapter with the questions that tests ask of its I3C bus.
 class I3cFixture : public AdapterFixture {
 protected:
+    explicit I3cFixture(Board board = factoryBoard()) : AdapterFixture(std::move(board)) {}
+
     /// Supplies the bus with 3.3 V.
     void supply() { EXPECT_EQ(status({0x01, 0x00, 0x04, 0x04, 0xE4, 0x0C}), 0x0000U); }
 
