@@ -9,7 +9,6 @@
 #include "virtual-adapter/requests.hpp"
 
 using virtual_adapter::Board;
-using virtual_adapter::Bytes;
 using virtual_adapter::Frame;
 using virtual_adapter::I2cTemperatureSensor;
 using virtual_adapter::I3cAccelerometer;
@@ -123,6 +122,19 @@ TEST_F(LegacyDevices, EachAnswersUpToItsFastestRate) {
 TEST_F(LegacyDevices, TheirAddressesAreTaken) {
     EXPECT_EQ(ccc({0x08, 0x00, 0x01, 0x88, 0x00, 0x20 * 2}), 0x0031U);
     EXPECT_EQ(ccc({0x08, 0x00, 0x01, 0x88, 0x00, 0x4F * 2}), 0x0000U);
+}
+
+TEST_F(LegacyDevices, ASensorThatLosesItsPowerPointsAtItsTemperatureAgain) {
+    setLegacyRate(2);
+    // The hysteresis register: a pointer alone, then a read that goes on there.
+    const Frame read{0x01, 0x00, 0x08, 0x19, 0x20, 0x05, 0, 0, 0, 0, 0, 0, 1, 0};
+    status({0x01, 0x00, 0x08, 0x19, 0x20, 0x04, 0, 1, 2, 0, 0, 0, 0, 0});
+    EXPECT_EQ(response(read), (Frame{0x01, 0x00, 0x08, 0x19, 0x00, 0x00, 1, 0, 1, 0, 75}));
+
+    status({0x01, 0x00, 0x04, 0x04, 0x00, 0x00});
+    startBus();
+    setLegacyRate(2);
+    EXPECT_EQ(response(read), (Frame{0x01, 0x00, 0x08, 0x19, 0x00, 0x00, 1, 0, 1, 0, 0}));
 }
 
 TEST(PowerDomain, ItsConsumersStartWithoutPower) {
