@@ -18,6 +18,7 @@ std::vector<Frame> thirdAnswer(FaultKind kind, const std::vector<Frame>& answer)
     faults.apply({{{0x01, 0x00, 0x07, 0x04, 0x00, 0x00}, {}}});
     faults.apply({{{0x02, 0x00, 0x07, 0x04, 0x00, 0x00}, {}}});
     std::vector<CountedFrame> messages;
+    messages.reserve(answer.size());
     for (const Frame& frame : answer) {
         messages.push_back({frame, {}});
     }
