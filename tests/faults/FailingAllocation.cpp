@@ -1,7 +1,5 @@
 #include "faults/FailingAllocation.hpp"
 
-#include "support/ScriptedHid.hpp"
-
 #include <atomic>
 #include <cstdlib>
 #include <new>
@@ -19,7 +17,7 @@ thread_local bool failed = false;
 thread_local bool isOther = true;
 
 bool failsNow() {
-    if (ScriptedHid::isServing()) {
+    if (isSpared()) {
         return false;
     }
     if (isOther && otherThreadsFail) {

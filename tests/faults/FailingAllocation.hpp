@@ -2,10 +2,13 @@
 
 #include <cstddef>
 
-// A program that links this has operator new and delete of its own. What the stand-in for hidapi
-// allocates is not the library's: it never fails and does not count towards the one that fails.
+// A program that links this has operator new and delete of its own.
 
 namespace test_support {
+
+/// Whether what the calling thread allocates now never fails and does not count towards the one that
+/// fails. Each program defines it: what a stand-in allocates is not what is tested.
+bool isSpared();
 
 /// The heap allocations that no thread has released yet.
 size_t liveAllocations();

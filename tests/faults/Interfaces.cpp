@@ -1,5 +1,8 @@
 #include "faults/Interfaces.hpp"
 
+#include "faults/FailingAllocation.hpp"
+#include "support/ScriptedHid.hpp"
+
 namespace test_support {
 
 namespace {
@@ -13,6 +16,10 @@ const Bytes subAddress{0x12, 0x34};
 const Bytes longData = counting(3000);
 
 } // namespace
+
+bool isSpared() {
+    return ScriptedHid::isServing();
+}
 
 bool ClassInterface::connectWithSerialNumber(const Object& sdk) {
     return sdk->connectWithSerialNumber(longSerialNumber);

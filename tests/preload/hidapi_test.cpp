@@ -8,6 +8,10 @@
 
 using test_support::FailingAllocation;
 
+bool test_support::isSpared() {
+    return false;
+}
+
 namespace {
 
 /// Makes the first allocation of @p call fail, then the second, and so on, until it meets no such
