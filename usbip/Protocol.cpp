@@ -9,7 +9,6 @@
 namespace usbip {
 
 using virtual_adapter::ByteOrder;
-using virtual_adapter::ByteReader;
 using virtual_adapter::ByteWriter;
 
 namespace {
