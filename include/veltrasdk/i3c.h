@@ -86,6 +86,14 @@ VELTRASDK_ENUM(I3cTransferFlags, uint32_t){
     I3cTransferFlags_NoStop = 2,
 };
 
+#ifdef __cplusplus
+/** Combines options of a transfer. */
+constexpr I3cTransferFlags operator|(I3cTransferFlags left, I3cTransferFlags right) {
+    return static_cast<I3cTransferFlags>(static_cast<uint32_t>(left) |
+                                         static_cast<uint32_t>(right));
+}
+#endif
+
 /** The direction of a transfer's data phase. */
 VELTRASDK_ENUM(I3cTransferDirection, uint32_t){
     I3cTransferDirection_Write = 0, /**< From the controller to the target. */

@@ -76,6 +76,8 @@
 #include <veltrasdk/uart.h>
 
 #ifdef __cplusplus
+#include <veltrasdk/Notification.hpp>
+
 extern "C" {
 #endif
 

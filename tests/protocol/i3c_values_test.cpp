@@ -53,4 +53,10 @@ TEST(I3cValues, TheFieldsOfTheTransferControlByteAreThoseOfTheAdapter) {
     EXPECT_EQ(I3cCccType_WithDefiningByte, 1U);
 }
 
+TEST(I3cValues, TransferFlagsAreCombinedWithoutLeavingTheirType) {
+    constexpr I3cTransferFlags both =
+        I3cTransferFlags_SkipBroadcastAddress | I3cTransferFlags_NoStop;
+    EXPECT_EQ(both, 3U);
+}
+
 } // namespace
