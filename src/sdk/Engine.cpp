@@ -25,11 +25,6 @@ VeltraSDK::Engine::Engine(int timeoutMs) : blockingApi(timeoutMs) {
     asyncSdk.onResponse([this](const std::vector<uint8_t>& frame) { handleResponse(frame); });
 }
 
-VeltraSDK::Engine::~Engine() {
-    // No frame may meet members that are being destroyed.
-    asyncSdk.disconnect();
-}
-
 uint16_t VeltraSDK::Engine::generateTransactionId() {
     const bool wraps = lastTransactionId == std::numeric_limits<uint16_t>::max();
     lastTransactionId = wraps ? uint16_t{1} : static_cast<uint16_t>(lastTransactionId + 1);

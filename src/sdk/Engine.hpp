@@ -16,7 +16,6 @@
 class __attribute__((visibility("hidden"))) VeltraSDK::Engine {
 public:
     explicit Engine(int timeoutMs);
-    ~Engine();
     Engine(const Engine&) = delete;
     Engine& operator=(const Engine&) = delete;
 
@@ -90,6 +89,6 @@ private:
     // Guarded by the lock of the wait.
     std::vector<uint8_t> lastResponse;
     std::function<void(const Notification&)> notificationHandler;
-    // Its polling thread uses all of the above.
+    // Destroyed first: its polling thread uses all of the above.
     VeltraAsyncSDK asyncSdk;
 };
