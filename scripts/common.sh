@@ -55,7 +55,7 @@ mayUnshare() {
 
 # testSummary BUILD LOG: what ctest has said of it, and how many tests the programs that ran as a whole had.
 testSummary() {
-    printf '%s: %s' "$1" "$(grep 'tests passed' "$2")"
+    printf '%s: %s' "$1" "$(grep '% tests passed' "$2")"
     find "build/$1" -name 'google-*.xml' -exec sed -n 's/^<testsuites tests="\([0-9]*\)".*/\1/p' {} + |
         awk '{ sum += $1 } END { if (NR) printf " (%d tests of GoogleTest in %d processes)", sum, NR; print "" }'
 }
