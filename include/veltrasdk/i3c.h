@@ -87,7 +87,12 @@ VELTRASDK_ENUM(I3cTransferFlags, uint32_t){
 };
 
 #ifdef __cplusplus
-/** Combines options of a transfer. */
+/**
+ * @brief Combines options of a transfer.
+ * @param left one or more options.
+ * @param right one or more options.
+ * @return all of them.
+ */
 constexpr I3cTransferFlags operator|(I3cTransferFlags left, I3cTransferFlags right) {
     return static_cast<I3cTransferFlags>(static_cast<uint32_t>(left) |
                                          static_cast<uint32_t>(right));
