@@ -133,15 +133,15 @@ hid_device_info* hid_enumerate(unsigned short /*vendorId*/, unsigned short /*pro
 void hid_free_enumeration(hid_device_info* /*devices*/) {}
 
 hid_device* hid_open_path(const char* /*path*/) {
-    const auto device = std::find_if(devices.begin(), devices.end(),
-                                     [](const hid_device_& each) { return !each.isOpen; });
+    auto* const device = std::find_if(devices.begin(), devices.end(),
+                                      [](const hid_device_& each) { return !each.isOpen; });
     if (device == devices.end()) {
         return nullptr;
     }
     device->isOpen = true;
     device->reportSize = reportSizeOfNextDevice;
     device->pending = false;
-    return &*device;
+    return device;
 }
 
 void hid_close(hid_device* device) {

@@ -79,8 +79,8 @@ Operations::Operations(size_t reportSize)
         {"I3cSdrRead",
          [this] {
              return VeltraSDK_I3cSdrRead(handle, address, subAddress.data(), 1, size, buffer.data(),
-                                         &count, I3cTransferFlags_None) == 0 &&
-                    count == size;
+                                         &readCount, I3cTransferFlags_None) == 0 &&
+                    readCount == size;
          }},
         {"i3cCccGETPID",
          [this] { return sdk.i3cCccGETPID(address, bytes) == 0 && bytes.size() == 6; }},
@@ -99,7 +99,7 @@ Operations::~Operations() {
     VeltraSDK_Destroy(handle);
 }
 
-bool Operations::receiveNotifications(bool throughC, size_t number) {
+bool Operations::receiveNotifications(bool throughC, size_t count) {
     // The other one's polling thread must not take any.
     if (throughC) {
         sdk.disconnect();
@@ -108,8 +108,8 @@ bool Operations::receiveNotifications(bool throughC, size_t number) {
     }
     std::promise<void> received;
     allReceived = &received;
-    awaited = number;
-    loopback_hid::notify(number);
+    awaited = count;
+    loopback_hid::notify(count);
     received.get_future().wait();
     return true;
 }

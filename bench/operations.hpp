@@ -39,7 +39,7 @@ private:
     std::vector<uint8_t> subAddress;
     std::vector<uint8_t> longMessage;
     std::vector<uint8_t> buffer;
-    uint16_t count = 0;
+    uint16_t readCount = 0;
     std::vector<Operation> smallOperations;
     Operation longOperation;
 };

@@ -19,6 +19,7 @@ public:
 
     /// @p dataSize is the number of payload bytes beyond the fixed fields, for a frame whose data
     /// is not added by one call of bytes().
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): only what is sent is worth filling.
     RequestFrame(uint16_t transactionId, CommandCode command, size_t dataSize = 0) {
         if (dataSize > maxSizeInPlace - maxFixedSize) {
             reserve(maxFixedSize + dataSize);

@@ -43,7 +43,7 @@ public:
 
         /// Calls @p decode with the response, if there is one, whatever its status.
         template <typename Decode>
-        uint16_t decoded(const Decode& decode) const {
+        [[nodiscard]] uint16_t decoded(const Decode& decode) const {
             if (response) {
                 decode(*response);
             }
@@ -52,7 +52,7 @@ public:
 
         /// The same where decoding yields the operation's result code.
         template <typename Judge>
-        uint16_t judged(const Judge& judge) const {
+        [[nodiscard]] uint16_t judged(const Judge& judge) const {
             return response ? judge(*response) : result;
         }
 
