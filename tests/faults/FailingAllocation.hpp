@@ -6,8 +6,8 @@
 
 namespace test_support {
 
-/// Whether what the calling thread allocates now never fails and does not count towards the one that
-/// fails. Each program defines it: what a stand-in allocates is not what is tested.
+/// Whether what the calling thread allocates now never fails and does not count towards the one
+/// that fails. Each program defines it: what a stand-in allocates is not what is tested.
 bool isSpared();
 
 /// The heap allocations that no thread has released yet.

@@ -40,8 +40,7 @@ protected:
 INSTANTIATE_ON_BOTH_MODELS(ScriptedHidTest);
 
 TEST_P(ScriptedHidTest, AWriteThatDiffersShowsTheBytesExpectedAndSeen) {
-    const std::string rest =
-        "\n  and " + std::to_string(GetParam().reportSize + 1 - 8) + " zeros";
+    const std::string rest = "\n  and " + std::to_string(GetParam().reportSize + 1 - 8) + " zeros";
     hid.expectWrite(request(0x11));
     EXPECT_NONFATAL_FAILURE(send(0x12), "expected:\n  00 17 00 11 00 03 14 05" + rest +
                                             "\nseen:\n  00 17 00 12 00 03 14 05" + rest);
