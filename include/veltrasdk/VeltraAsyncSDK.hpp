@@ -679,6 +679,8 @@ public:
     /** @} */
 
 private:
+    // The blocking class learns from the link what no encoder tells.
+    friend class VeltraSDK;
     class Link;
 
     std::unique_ptr<Link> link;

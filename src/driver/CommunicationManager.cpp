@@ -2,6 +2,8 @@
 
 #include "driver/VeltraDriver.hpp"
 
+#include <utility>
+
 CommunicationManager::CommunicationManager() : driver(std::make_unique<VeltraDriver>()) {
     driver->onResponse(
         [this](const std::vector<uint8_t>& report) { onDriverResponseCallback(report); });
@@ -42,6 +44,10 @@ void CommunicationManager::sendRequest(const uint8_t* request, size_t size) {
 void CommunicationManager::assignCallback(
     std::function<void(const std::vector<uint8_t>&)> callback) {
     responseCallback.swap(callback);
+}
+
+void CommunicationManager::assignReadErrorCallback(std::function<void()> callback) {
+    driver->onReadError(std::move(callback));
 }
 
 void CommunicationManager::onDriverResponseCallback(const std::vector<uint8_t>& report) {

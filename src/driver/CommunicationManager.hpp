@@ -35,6 +35,9 @@ public:
     /// valid only during the call.
     void assignCallback(std::function<void(const std::vector<uint8_t>&)> callback);
 
+    /// Installs who is told of each read that fails, on the polling thread; only while closed.
+    void assignReadErrorCallback(std::function<void()> callback);
+
     /// Takes one report; runs on the polling thread.
     void onDriverResponseCallback(const std::vector<uint8_t>& report);
 

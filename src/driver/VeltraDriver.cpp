@@ -156,6 +156,10 @@ void VeltraDriver::onResponse(std::function<void(const std::vector<uint8_t>&)> c
     responseCallback.swap(callback);
 }
 
+void VeltraDriver::onReadError(std::function<void()> callback) {
+    readErrorCallback.swap(callback);
+}
+
 void VeltraDriver::pollingLoop() {
     std::vector<uint8_t> report(getEndpointSize());
     std::chrono::milliseconds pause{0};
@@ -163,6 +167,9 @@ void VeltraDriver::pollingLoop() {
         hasWritten = false;
         const int received = hid_read_timeout(device, report.data(), report.size(), readTimeoutMs);
         if (received < 0) {
+            if (readErrorCallback) {
+                readErrorCallback();
+            }
             pausePolling(pause);
             pause = std::clamp(2 * pause, minErrorPause, maxErrorPause);
             continue;

@@ -75,6 +75,9 @@ public:
     /// Installs the receiver of reports, which runs on the polling thread; only while closed.
     void onResponse(std::function<void(const std::vector<uint8_t>&)> callback);
 
+    /// Installs who is told of each read that fails, on the polling thread; only while closed.
+    void onReadError(std::function<void()> callback);
+
 private:
     void pollingLoop();
     void pausePolling(std::chrono::milliseconds pause);
@@ -87,6 +90,7 @@ private:
     std::string devicePath;
     hid_device* device = nullptr;
     std::function<void(const std::vector<uint8_t>&)> responseCallback;
+    std::function<void()> readErrorCallback;
     bool isOpen = false;
     std::atomic<bool> isPolling{false};
     std::thread pollingThread;

@@ -208,4 +208,14 @@ TEST_P(CommunicationManagerTest, ARequestAfterADisconnectWritesNothing) {
     EXPECT_TRUE(hid.writes().empty());
 }
 
+TEST_P(CommunicationManagerTest, AReadErrorIsHandedUp) {
+    std::promise<void> told;
+    manager.assignReadErrorCallback([&] { told.set_value(); });
+    hid.deliverReadError();
+    ASSERT_TRUE(manager.connect("", ""));
+    EXPECT_EQ(told.get_future().wait_for(std::chrono::milliseconds(generousLimitMs)),
+              std::future_status::ready);
+    manager.disconnect();
+}
+
 } // namespace

@@ -70,6 +70,22 @@ TEST_F(VeltraDriverPauses, TheFirstRetryComesAtOnceAndEachLaterOneAfterAPause) {
     EXPECT_EQ(readsBeforePauses(4, [](const auto&) {}), (std::vector<size_t>{2, 3, 4, 5}));
 }
 
+TEST_F(VeltraDriverPauses, EveryReadErrorIsToldBeforeItsPause) {
+    std::atomic<size_t> told{0};
+    driver.onReadError([&] { ++told; });
+    readsBeforePauses(4, [&](const auto&) { EXPECT_EQ(told, hid.readCalls()); });
+}
+
+TEST_F(VeltraDriverPauses, AReadThatFindsAReportOrNothingIsNoReadError) {
+    std::atomic<size_t> told{0};
+    driver.onReadError([&] { ++told; });
+    readsBeforePauses(3, [&](const auto& call) {
+        deliverToRead4({})(call);
+        EXPECT_EQ(told, hid.readCalls() < 4 ? hid.readCalls() : hid.readCalls() - 1);
+    });
+    EXPECT_GE(told, 5U);
+}
+
 TEST_F(VeltraDriverPauses, AfterAReportTheNextRetryComesAtOnceAgain) {
     EXPECT_EQ(readsBeforePauses(4, deliverToRead4(fullSpeed.input({0x01}))),
               (std::vector<size_t>{2, 3, 6, 7}));
