@@ -879,6 +879,8 @@ public:
     /** @} */
 
 private:
+    // It keeps what the engine hands it.
+    friend class NotificationQueue;
     class Engine;
 
     std::unique_ptr<Engine> engine;

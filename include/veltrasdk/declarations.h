@@ -1,6 +1,6 @@
 /**
  * @file
- * @brief The two declarations that every public header is written with.
+ * @brief The declarations that the other public headers are written with.
  */
 #ifndef VELTRASDK_DECLARATIONS_H
 #define VELTRASDK_DECLARATIONS_H
@@ -22,5 +22,8 @@
     typedef Type Name;                                                                             \
     enum
 #endif
+
+/** An adapter's link; opaque. Made by VeltraSDK_Create(), released by VeltraSDK_Destroy(). */
+typedef struct VeltraSDK_Handle VeltraSDK_Handle;
 
 #endif

@@ -71,6 +71,7 @@
 #include <veltrasdk/gpio.h>
 #include <veltrasdk/i3c.h>
 #include <veltrasdk/notification.h>
+#include <veltrasdk/notification_queue.h>
 #include <veltrasdk/result.h>
 #include <veltrasdk/spi.h>
 #include <veltrasdk/uart.h>
@@ -80,9 +81,6 @@
 
 extern "C" {
 #endif
-
-/** An adapter's link; opaque. Made by VeltraSDK_Create(), released by VeltraSDK_Destroy(). */
-typedef struct VeltraSDK_Handle VeltraSDK_Handle;
 
 /**
  * The adapter's five identity strings: bytes as it returned them, at most 254 each.

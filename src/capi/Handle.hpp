@@ -1,11 +1,13 @@
 #pragma once
 
+#include <veltrasdk/NotificationQueue.hpp>
 #include <veltrasdk/VeltraSDK.hpp>
 #include <veltrasdk/veltrasdk.h>
 
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 /// What a C function's bytes are copied into on their way to the class and back. It belongs to one
@@ -25,6 +27,8 @@ struct VeltraSDK_Handle {
     uint8_t notificationSize = 0;
 
     OperationBuffers buffers;
+
+    std::optional<NotificationQueue> notificationQueue;
 };
 
 /// The rule of every C function with a result code: a null handle is not connected.

@@ -64,3 +64,24 @@ bool VeltraSDK_notificationAsGpio(const Notification* notification, unsigned cha
 bool VeltraSDK_notificationAsUartRx(const Notification* notification, UartRxData* out) {
     return decode(notification, out, &Notification::uartRx);
 }
+
+int VeltraSDK_OpenNotificationQueue(VeltraSDK_Handle* handle, size_t bytes) {
+    constexpr int failed = -1;
+    if (handle == nullptr || (handle->notificationQueue && handle->notificationQueue->isOpen())) {
+        return failed;
+    }
+    return handle->notificationQueue.emplace(*handle->sdk, bytes).descriptor();
+}
+
+bool VeltraSDK_TakeNotification(VeltraSDK_Handle* handle,
+                                VeltraSDK_QueuedNotification* notification, uint8_t* frame,
+                                size_t capacity) {
+    return handle != nullptr && handle->notificationQueue &&
+           handle->notificationQueue->take(*notification, frame, capacity);
+}
+
+void VeltraSDK_CloseNotificationQueue(VeltraSDK_Handle* handle) {
+    if (handle != nullptr && handle->notificationQueue) {
+        handle->notificationQueue->close();
+    }
+}

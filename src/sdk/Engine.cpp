@@ -1,5 +1,7 @@
 #include "sdk/Engine.hpp"
 
+#include "protocol/Link.hpp"
+
 #include <limits>
 
 namespace {
@@ -23,6 +25,46 @@ NotificationKind kindOf(CommandCode code) {
 
 VeltraSDK::Engine::Engine(int timeoutMs) : blockingApi(timeoutMs) {
     asyncSdk.onResponse([this](const std::vector<uint8_t>& frame) { handleResponse(frame); });
+    asyncSdk.link->communicationManager.assignReadErrorCallback([this] { handleReadError(); });
+}
+
+VeltraSDK::Engine::~Engine() {
+    // No frame may meet members that are being destroyed.
+    disconnect();
+}
+
+void VeltraSDK::Engine::disconnect() {
+    const bool wasOpen = asyncSdk.isConnected();
+    asyncSdk.disconnect();
+    tellEndOf(wasOpen);
+}
+
+uint16_t VeltraSDK::Engine::enterBootMode() {
+    const bool wasOpen = asyncSdk.isConnected();
+    const uint16_t result = asyncSdk.enterBootMode(generateTransactionId());
+    tellEndOf(wasOpen);
+    return result;
+}
+
+void VeltraSDK::Engine::handleReadError() {
+    if (!openLinkHasEnded.exchange(true)) {
+        queue->putEndOfLink();
+    }
+}
+
+void VeltraSDK::Engine::tellEndOf(bool openLink) {
+    const bool isTold = openLinkHasEnded.exchange(false);
+    if (openLink && !isTold) {
+        queue->putEndOfLink();
+    }
+}
+
+int VeltraSDK::Engine::openQueue(size_t bytes) {
+    const int descriptor = queue->open(bytes);
+    if (descriptor != NotificationQueue::State::none && openLinkHasEnded) {
+        queue->putEndOfLink();
+    }
+    return descriptor;
 }
 
 uint16_t VeltraSDK::Engine::generateTransactionId() {
@@ -46,11 +88,13 @@ void VeltraSDK::Engine::handleResponse(const std::vector<uint8_t>& frame) {
 }
 
 void VeltraSDK::Engine::handleNotification(const std::vector<uint8_t>& frame) const {
+    const NotificationKind kind = kindOf(ResponseFrame(frame).commandCode());
+    queue->put(kind, frame.data(), frame.size());
     if (!notificationHandler) {
         return;
     }
     Notification notification{};
-    notification.kind = kindOf(ResponseFrame(frame).commandCode());
+    notification.kind = kind;
     notification.data = frame.data();
     notification.size = frame.size();
     notificationHandler(notification);

@@ -5,8 +5,11 @@
 
 #include "protocol/ResponseFrame.hpp"
 #include "sdk/BlockingApi.hpp"
+#include "sdk/NotificationQueue.hpp"
 
+#include <atomic>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -16,6 +19,7 @@
 class __attribute__((visibility("hidden"))) VeltraSDK::Engine {
 public:
     explicit Engine(int timeoutMs);
+    ~Engine();
     Engine(const Engine&) = delete;
     Engine& operator=(const Engine&) = delete;
 
@@ -23,10 +27,21 @@ public:
 
     uint16_t generateTransactionId();
 
+    void disconnect();
+    uint16_t enterBootMode();
+
     /// Routes a frame from the adapter; runs on the polling thread.
     void handleResponse(const std::vector<uint8_t>& frame);
 
     void onNotification(std::function<void(const Notification&)> handler);
+
+    /// Which a queue may keep longer than the engine lives.
+    [[nodiscard]] std::shared_ptr<NotificationQueue::State> notificationQueue() const {
+        return queue;
+    }
+    /// Opens it, behind a link that has ended already with that as its first entry. Returns its
+    /// descriptor.
+    int openQueue(size_t bytes);
 
     /// The answer to a request, which stays as it is while this object lives: it holds the lock
     /// under which responses are stored.
@@ -82,6 +97,8 @@ public:
 
 private:
     void handleNotification(const std::vector<uint8_t>& frame) const;
+    void handleReadError();
+    void tellEndOf(bool openLink);
     uint16_t awaitStatus(uint16_t transactionId, uint16_t encoded);
 
     BlockingApi blockingApi;
@@ -89,6 +106,9 @@ private:
     // Guarded by the lock of the wait.
     std::vector<uint8_t> lastResponse;
     std::function<void(const Notification&)> notificationHandler;
-    // Destroyed first: its polling thread uses all of the above.
+    std::shared_ptr<NotificationQueue::State> queue = std::make_shared<NotificationQueue::State>();
+    // A read error is the end of a link that is still open; closing it then is no other.
+    std::atomic<bool> openLinkHasEnded{false};
+    // Its polling thread uses all of the above.
     VeltraAsyncSDK asyncSdk;
 };

@@ -16,7 +16,7 @@ bool VeltraSDK::connectWithSerialNumber(const std::string& serialNumber) {
 }
 
 void VeltraSDK::disconnect() {
-    engine->encoders().disconnect();
+    engine->disconnect();
 }
 
 void VeltraSDK::onNotification(std::function<void(const Notification&)> handler) {

@@ -39,5 +39,5 @@ uint16_t VeltraSDK::getDeviceInfo(DeviceInfo& info) {
 }
 
 uint16_t VeltraSDK::enterBootMode() {
-    return engine->encoders().enterBootMode(generateTransactionId());
+    return engine->enterBootMode();
 }

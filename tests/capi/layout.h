@@ -101,6 +101,12 @@ EXPECT_FIELD(Notification, i3cIbiView, BY_WIDTH(40, 24), BY_WIDTH(24, 12));
 EXPECT_FIELD(Notification, gpioView, BY_WIDTH(64, 36), 1);
 EXPECT_FIELD(Notification, uartRxView, BY_WIDTH(72, 40), BY_WIDTH(16, 8));
 
+EXPECT_SIZE(VeltraSDK_QueuedNotification, 24);
+EXPECT_FIELD(VeltraSDK_QueuedNotification, timeNanoseconds, 0, 8);
+EXPECT_FIELD(VeltraSDK_QueuedNotification, lostBefore, 8, 8);
+EXPECT_FIELD(VeltraSDK_QueuedNotification, kind, 16, 4);
+EXPECT_FIELD(VeltraSDK_QueuedNotification, frameSize, 20, 4);
+
 EXPECT_SIZE(VeltraSDK_DeviceInfo, BY_WIDTH(80, 40));
 EXPECT_FIELD(VeltraSDK_DeviceInfo, usbString1, 0, BY_WIDTH(8, 4));
 EXPECT_FIELD(VeltraSDK_DeviceInfo, usbString1Length, BY_WIDTH(8, 4), BY_WIDTH(8, 4));

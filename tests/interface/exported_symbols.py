@@ -10,7 +10,7 @@ import re
 import subprocess
 import sys
 
-PUBLIC_CLASSES = ("VeltraSDK", "VeltraAsyncSDK", "Notification")
+PUBLIC_CLASSES = ("VeltraSDK", "VeltraAsyncSDK", "Notification", "NotificationQueue")
 HIDAPI_FUNCTIONS = {
     "hid_close",
     "hid_enumerate",

@@ -17,6 +17,8 @@ FLOORS = {
         "sdk/",
         "protocol/CommandCode.hpp",
         "protocol/ResponseFrame.hpp",
+        # Read errors are told through the link, past the encoders.
+        "protocol/Link.hpp",
         # Not used there, but VeltraSDK owns a pointer of this type.
         "driver/CommunicationManager.hpp",
     ),

@@ -1,15 +1,22 @@
+#include "support/Readable.hpp"
 #include "support/SdkTest.hpp"
+#include "support/SleepingThread.hpp"
 
+#include <veltrasdk/NotificationQueue.hpp>
 #include <veltrasdk/VeltraAsyncSDK.hpp>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <functional>
+#include <future>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
 #include <utility>
+
+#include <unistd.h>
 
 using namespace test_support;
 
@@ -249,6 +256,106 @@ TEST_P(ThreadsTest, ALinkClosesInAStormOfReadErrors) {
         hid.failReading(false);
         EXPECT_EQ(hid.openDevices(), 0U);
     }
+}
+
+TEST_P(ThreadsTest, AQueueKeepsItsOrderAndCountsItsLossInAStormOfNotifications) {
+    // Each notification carries its number; a small queue loses many.
+    std::atomic<unsigned> sent{0};
+    VeltraSDK object(0);
+    NotificationQueue queue(object, 300);
+    const Meanwhile storm([&] {
+        const unsigned number = sent++;
+        object.handleResponse({0x00, 0x00, 0x81, 0x14, 0x00, 0x00,
+                               static_cast<uint8_t>(number & 0xFFU),
+                               static_cast<uint8_t>(number >> 8U & 0xFFU),
+                               static_cast<uint8_t>(number >> 16U & 0xFFU)});
+    });
+    NotificationQueue::Entry entry;
+    uint64_t expected = 0;
+    for (int i = 0; i < 3000; ++i) {
+        ASSERT_TRUE(isReadable(queue.descriptor(), generousLimitMs));
+        ASSERT_TRUE(queue.take(entry));
+        ASSERT_EQ(entry.frame.size(), 9U);
+        expected += entry.lostBefore;
+        ASSERT_EQ(entry.frame[6] | entry.frame[7] << 8U | entry.frame[8] << 16U, expected);
+        ++expected;
+    }
+}
+
+TEST_P(ThreadsTest, AQueueIsTakenFromWhileThePollingThreadFillsIt) {
+    VeltraSDK object(0);
+    NotificationQueue queue(object, 1 << 12);
+    hid.deliverEndlessly(GetParam().input(gpioEvent));
+    for (int i = 0; i < 20; ++i) {
+        ASSERT_TRUE(object.connect(""));
+        NotificationQueue::Entry entry;
+        for (int taken = 0; taken < 20; ++taken) {
+            ASSERT_TRUE(isReadable(queue.descriptor(), generousLimitMs));
+            ASSERT_TRUE(queue.take(entry));
+            ASSERT_EQ(entry.notification().gpio()->value, 0x2A);
+        }
+        object.disconnect();
+        do {
+            ASSERT_TRUE(queue.take(entry));
+        } while (!entry.isEndOfLink());
+        ASSERT_FALSE(queue.take(entry));
+        ASSERT_FALSE(isReadable(queue.descriptor()));
+    }
+}
+
+TEST_P(ThreadsTest, ClosingAQueueEndsTheWaitOfWhoeverPolls) {
+    VeltraSDK object(0);
+    NotificationQueue queue(object, 1 << 12);
+    std::promise<pid_t> id;
+    std::thread waiting([&] {
+        id.set_value(gettid());
+        EXPECT_TRUE(isReadable(queue.descriptor(), generousLimitMs));
+        NotificationQueue::Entry entry;
+        EXPECT_FALSE(queue.take(entry));
+        EXPECT_FALSE(queue.isOpen());
+    });
+    const SleepingThread thread(id.get_future().get());
+    EXPECT_TRUE(thread.waitUntilAsleep());
+    queue.close();
+    waiting.join();
+}
+
+TEST_P(ThreadsTest, AQueueIsClosedAndOpenedInAStormWhileSomebodyTakes) {
+    const OwnedHandle owned(VeltraSDK_Create(0));
+    ASSERT_TRUE(VeltraSDK_Connect(owned.get(), nullptr));
+    hid.deliverEndlessly(GetParam().input(gpioEvent));
+    for (int i = 0; i < 50; ++i) {
+        const int descriptor = VeltraSDK_OpenNotificationQueue(owned.get(), 1 << 12);
+        ASSERT_GE(descriptor, 0);
+        std::promise<void> begun;
+        std::thread taking([&] {
+            VeltraSDK_QueuedNotification notification{};
+            std::array<uint8_t, 16> frame{};
+            bool isFirst = true;
+            while (isReadable(descriptor, generousLimitMs) &&
+                   VeltraSDK_TakeNotification(owned.get(), &notification, frame.data(),
+                                              frame.size())) {
+                EXPECT_EQ(frame[6], 0x2A);
+                if (std::exchange(isFirst, false)) {
+                    begun.set_value();
+                }
+            }
+        });
+        begun.get_future().wait();
+        VeltraSDK_CloseNotificationQueue(owned.get());
+        taking.join();
+    }
+}
+
+TEST_P(ThreadsTest, AHandleWithAnOpenQueueIsDestroyedInAStormOfNotifications) {
+    hid.deliverEndlessly(GetParam().input(gpioEvent));
+    for (int i = 0; i < 50; ++i) {
+        const OwnedHandle owned(VeltraSDK_Create(0));
+        const int descriptor = VeltraSDK_OpenNotificationQueue(owned.get(), 1 << 12);
+        ASSERT_TRUE(VeltraSDK_Connect(owned.get(), nullptr));
+        ASSERT_TRUE(isReadable(descriptor, generousLimitMs));
+    }
+    expectNobodyReads();
 }
 
 TEST(Threads, TwoObjectsWorkInTwoThreads) {
