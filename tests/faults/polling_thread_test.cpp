@@ -2,6 +2,9 @@
 #include "faults/FailingAllocation.hpp"
 #include "support/SdkTest.hpp"
 
+#include <veltrasdk/NotificationQueue.hpp>
+
+#include <cstdlib>
 #include <stdexcept>
 
 using namespace test_support;
@@ -80,6 +83,33 @@ TEST_F(PollingThreadDeathTest, AnAllocationThatFailsWhileJoiningPacketsEndsThePr
         receiveNotification(hid);
     };
     EXPECT_DEATH(run(), allocationFails);
+}
+
+TEST_F(PollingThreadDeathTest, FillingANotificationQueueAllocatesNothing) {
+    const auto run = [] {
+        ScriptedHid hid;
+        attachAdapter(hid);
+        VeltraSDK sdk(0);
+        NotificationQueue queue(sdk, 100);
+        sdk.connect("");
+        // What packets are joined in grows once.
+        receiveNotification(hid);
+        failAllocationsOfOtherThreads();
+        for (int i = 0; i < 10; ++i) {
+            receiveNotification(hid);
+        }
+        hid.failReading(true);
+        static_cast<void>(hid.waitForReads(hid.readCalls() + 3));
+        NotificationQueue::Entry entry;
+        int taken = 0;
+        while (queue.take(entry) && !entry.isEndOfLink()) {
+            ++taken;
+        }
+        const bool asExpected = taken == 2 && entry.isEndOfLink() && entry.lostBefore == 9;
+        sdk.disconnect();
+        std::_Exit(asExpected ? 0 : 1);
+    };
+    EXPECT_EXIT(run(), testing::ExitedWithCode(0), "");
 }
 
 } // namespace
