@@ -129,6 +129,10 @@ def notifications():
     for size in (255, 256, 257):
         yield f"uart-{size}", struct.pack("<I", 3) + two_parts(
             frame("0000 8110 0000 FFFF"), repeated(size - 8, 0x55))
+        # Taken from a queue with room for one byte less, and for more.
+        for capacity in (size - 1, 2 * size):
+            yield f"uart-{size}-into-{capacity}", struct.pack("<I", 3) + two_parts(
+                frame("0000 8110 0000 FFFF"), repeated(size - 8, 0x55)) + struct.pack("<H", capacity)
 
 
 def virtual_adapter():
