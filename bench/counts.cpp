@@ -37,6 +37,22 @@ void countAllocations(size_t reportSize) {
     print(longCalls, operations.longRequest());
 }
 
+/// What opening a queue allocates cancels between two lengths.
+void countAllocationsOfQueue(size_t reportSize) {
+    Operations operations(reportSize);
+    const auto allocated = [&](size_t notifications) {
+        const size_t before = allocationsSoFar();
+        if (!operations.queueNotifications(notifications)) {
+            throw std::runtime_error("a queued notification was lost");
+        }
+        return static_cast<double>(allocationsSoFar() - before);
+    };
+    allocated(calls);
+    const double shorter = allocated(calls);
+    std::cout << "allocations_queuedNotification_" << reportSize << ' '
+              << (allocated(2 * calls) - shorter) / static_cast<double>(calls) << '\n';
+}
+
 /// Read calls a second of a connected object whose device is gone.
 void countReadsWhileUnplugged() {
     constexpr std::chrono::seconds watched{5};
@@ -57,6 +73,8 @@ void countReadsWhileUnplugged() {
 int main() {
     countAllocations(64);
     countAllocations(1024);
+    countAllocationsOfQueue(64);
+    countAllocationsOfQueue(1024);
     countReadsWhileUnplugged();
     return 0;
 }

@@ -1,6 +1,7 @@
 // Runs an operation a number of times, for callgrind to count:
 // `instructions OPERATION REPORT-SIZE COUNT`. The operations "notification" and "Notification"
-// receive as many notifications, by the class and by C.
+// receive as many notifications, by the class and by C; "queuedNotification" takes them from a
+// queue.
 #include "operations.hpp"
 
 #include <cstdlib>
@@ -15,6 +16,9 @@ int main(int argc, char** argv) {
     if (name == "notification" || name == "Notification") {
         const bool throughC = name == "Notification";
         return operations.receiveNotifications(throughC, static_cast<size_t>(count)) ? 0 : 1;
+    }
+    if (name == "queuedNotification") {
+        return operations.queueNotifications(static_cast<size_t>(count)) ? 0 : 1;
     }
     const Operations::Operation& operation = operations.find(name);
     for (long i = 0; i < count; ++i) {

@@ -114,6 +114,22 @@ bool Operations::receiveNotifications(bool throughC, size_t count) {
     return true;
 }
 
+bool Operations::queueNotifications(size_t number) {
+    constexpr size_t bytesOfEntry = 31;
+    constexpr size_t bytesOfEnd = 24;
+    VeltraSDK_CloseNotificationQueue(handle);
+    if (VeltraSDK_OpenNotificationQueue(handle, number * bytesOfEntry + bytesOfEnd) < 0 ||
+        !receiveNotifications(true, number)) {
+        return false;
+    }
+    VeltraSDK_QueuedNotification notification{};
+    size_t taken = 0;
+    while (VeltraSDK_TakeNotification(handle, &notification, buffer.data(), buffer.size())) {
+        ++taken;
+    }
+    return taken == number && notification.lostBefore == 0;
+}
+
 const Operations::Operation& Operations::find(const std::string& name) const {
     if (name == longOperation.name) {
         return longOperation;

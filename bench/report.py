@@ -94,6 +94,7 @@ def counts(build):
         for name in names:
             yield f"allocations: {name}{title}", allocations(name), 0
     yield "allocations: request of 64 KiB", allocations("longRequest"), 1
+    yield "allocations: notification, queued and taken", allocations("queuedNotification"), 0
     yield "own instructions: getUsbString", own("getUsbString"), 520
     for name in operations[1:]:
         yield f"own instructions: {name}, 16 bytes", own(name), 750
@@ -104,6 +105,7 @@ def counts(build):
     yield "own and runtime instructions per 64-byte report, 64 KiB", per_report, 200
     yield "own and runtime instructions: notification", notification("notification"), 400
     yield "own and runtime instructions: notification, in C", notification("Notification"), 500
+    yield "own and runtime instructions: the same, queued and taken", notification("queuedNotification"), 1100
     yield "read calls a second while unplugged", figures["reads_per_second_unplugged"], 15
     yield from footprint(build / "src/libveltrasdk.so")
 
