@@ -29,7 +29,7 @@ VeltraSDK::Engine::Engine(int timeoutMs) : blockingApi(timeoutMs) {
 }
 
 VeltraSDK::Engine::~Engine() {
-    // No frame may meet members that are being destroyed.
+    // Closed before the members go, so that a queue which lives longer is told.
     disconnect();
 }
 
