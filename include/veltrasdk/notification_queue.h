@@ -96,7 +96,7 @@ VELTRASDK_API void VeltraSDK_CloseNotificationQueue(VeltraSDK_Handle* handle);
  * @return the record, of as many bytes as were stored, which may be more than 256; no accessor
  *         takes that of the end of the link.
  */
-__attribute__((unused)) static inline Notification
+static inline Notification
 VeltraSDK_notificationFromQueue(const VeltraSDK_QueuedNotification* notification,
                                 const uint8_t* frame, size_t capacity) {
 #ifdef __cplusplus
