@@ -11,6 +11,7 @@
 #include <veltrasdk/i3c.h>
 #include <veltrasdk/result.h>
 #include <veltrasdk/spi.h>
+#include <veltrasdk/status.h>
 #include <veltrasdk/uart.h>
 
 #include <cstdint>

@@ -74,6 +74,7 @@
 #include <veltrasdk/notification_queue.h>
 #include <veltrasdk/result.h>
 #include <veltrasdk/spi.h>
+#include <veltrasdk/status.h>
 #include <veltrasdk/uart.h>
 
 #ifdef __cplusplus

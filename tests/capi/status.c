@@ -1,0 +1,7 @@
+#include <veltrasdk/status.h>
+
+const char* statusNameInC(int16_t result);
+
+const char* statusNameInC(int16_t result) {
+    return veltraStatusName(result);
+}
