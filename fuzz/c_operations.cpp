@@ -75,6 +75,13 @@ void getDeviceInfo(VeltraSDK_Handle* handle, Input& /*input*/) {
     }
 }
 
+void getUsbString(VeltraSDK_Handle* handle, Input& input) {
+    const auto index = input.byte();
+    const auto capacity = input.byte();
+    std::vector<char> text(capacity);
+    VeltraSDK_GetUsbString(handle, index, input.number<bool>() ? nullptr : text.data(), capacity);
+}
+
 void i2cScanBus(VeltraSDK_Handle* handle, Input& input) {
     const auto size = input.byte();
     Room addresses(input, size);
@@ -207,6 +214,24 @@ void i3cCccSetaasa(VeltraSDK_Handle* handle, Input& input) {
     VeltraSDK_I3cCccSETAASA(handle, addresses.always(), addresses.length<size_t>());
 }
 
+void i3cCccTransfer(VeltraSDK_Handle* handle, Input& input) {
+    const auto address = input.byte();
+    const auto direction = input.number<I3cTransferDirection>();
+    const auto mode = input.number<I3cTransferMode>();
+    const auto optionFlag = input.number<bool>();
+    const auto type = input.number<I3cCccType>();
+    const auto length = input.byte();
+    const auto code = input.number<CCC>();
+    const auto definingByte = input.byte();
+    const Sent data(input);
+    const auto capacity = input.byte();
+    Room reply(input, capacity);
+    Argument<uint8_t*> replyLength(input);
+    VeltraSDK_I3cCccTransfer(handle, address, direction, mode, optionFlag, type, length, code,
+                             definingByte, data.data(), data.length<uint32_t>(), reply.data(),
+                             capacity, replyLength.get());
+}
+
 constexpr std::array calls{
     Call{getDeviceInfo},
     calling<VeltraSDK_EnterBootMode>,
@@ -268,6 +293,8 @@ constexpr std::array calls{
     calling<VeltraSDK_I3cCccRSTACTBroadcast>,
     calling<VeltraSDK_I3cCccRSTDAA>,
     calling<VeltraSDK_I3cCccENTDAA>,
+    Call{i3cCccTransfer},
+    Call{getUsbString},
     Call{[](VeltraSDK_Handle* handle, Input& /*input*/) { VeltraSDK_Connect(handle, nullptr); }},
     Call{[](VeltraSDK_Handle* handle, Input& /*input*/) {
         VeltraSDK_ConnectWithSerialNumber(handle, "VA-0001");

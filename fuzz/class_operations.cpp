@@ -82,6 +82,7 @@ constexpr std::array calls{
     calling<&VeltraSDK::i3cCccRSTACTBroadcast>,
     calling<&VeltraSDK::i3cCccRSTDAA>,
     calling<&VeltraSDK::i3cCccENTDAA>,
+    calling<&VeltraSDK::i3cCccTransfer>,
     Call{[](VeltraSDK& sdk, Input& /*input*/) { sdk.connect(""); }},
     Call{[](VeltraSDK& sdk, Input& /*input*/) { sdk.connectWithSerialNumber("VA-0001"); }},
     Call{[](VeltraSDK& sdk, Input& /*input*/) { sdk.disconnect(); }},

@@ -659,8 +659,8 @@ public:
      * @param address the target's address, 7 bits, unshifted; 0x7E for a broadcast.
      * @param direction the direction, from bit 0 up.
      * @param mode the bus mode, from bit 1 up.
-     * @param optionFlag passed on unchanged; its meaning is the adapter's. The operations of
-     *                   VeltraSDK pass false.
+     * @param optionFlag passed on unchanged; its meaning is the adapter's. The operations named
+     *                   after a code pass false.
      * @param type whether there is a defining byte; the low four bits are sent.
      * @param length the length field, passed on unchanged: for a direct code the bytes of the data
      *               phase, for a broadcast the bytes behind the code, the defining byte counted. It

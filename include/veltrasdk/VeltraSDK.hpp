@@ -847,6 +847,34 @@ public:
      */
     uint16_t i3cCccENTDAA();
 
+    /**
+     * @brief Sends any Common Command Code; sends 0x1909.
+     *
+     * The adapter may know more codes than those that have an operation of their own, and more
+     * modes. A value outside its enumeration spills into other fields of the request.
+     *
+     * @param address the target's address, 7 bits, unshifted; 0x7E for a broadcast.
+     * @param direction the direction, from bit 0 up.
+     * @param mode the bus mode, from bit 1 up.
+     * @param optionFlag passed on unchanged; its meaning is the adapter's. The operations named
+     *                   after a code pass false.
+     * @param type whether there is a defining byte; the low four bits are sent.
+     * @param length the length field, passed on unchanged: for a direct code the bytes of the data
+     *               phase, for a broadcast the bytes behind the code, the defining byte counted. It
+     *               is not compared with @p data.
+     * @param code the Common Command Code; its low byte is sent.
+     * @param definingByte passed on unchanged; sent as 0 when @p type is
+     *                     #I3cCccType_WithoutDefiningByte.
+     * @param data the bytes to write; with #I3cTransferDirection_Read they are refused.
+     * @param[out] reply replaced by as many bytes as the response counts, at most 255, whenever a
+     *                   response arrived.
+     * @return the result code. Also #ResultCode_InvalidArgument when a read has data.
+     */
+    uint16_t i3cCccTransfer(uint8_t address, I3cTransferDirection direction, I3cTransferMode mode,
+                            bool optionFlag, I3cCccType type, uint8_t length, CCC code,
+                            uint8_t definingByte, const std::vector<uint8_t>& data,
+                            std::vector<uint8_t>& reply);
+
     /** @} */
 
     /**

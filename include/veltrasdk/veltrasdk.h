@@ -88,7 +88,8 @@ extern "C" {
  *
  * Each string is a copy with a terminating NUL behind its bytes, allocated by the library with
  * `new char[]`. All five belong to the caller after each successful VeltraSDK_GetDeviceInfo(); the
- * library exports no function that releases them.
+ * library exports no function that releases them. VeltraSDK_GetUsbString() hands out nothing that
+ * must be released.
  * - C++: `delete[] info.usbString1;`
  * - C: the array form of operator delete, which the C++ runtime that the library brings along
  *   exports as `_ZdaPv`: declare `void _ZdaPv(void*);`, call `_ZdaPv(info.usbString1);` and link
@@ -211,6 +212,20 @@ VELTRASDK_API void VeltraSDK_Disconnect(VeltraSDK_Handle* handle);
  *         a response answers another request.
  */
 VELTRASDK_API int16_t VeltraSDK_GetDeviceInfo(VeltraSDK_Handle* handle, VeltraSDK_DeviceInfo* info);
+
+/**
+ * @brief Reads one of the adapter's strings; sends 0x0407.
+ * @param handle the handle.
+ * @param index the string's index, 1 to 5, passed on unchanged.
+ * @param[out] text receives the string's bytes, at most 254, and a NUL behind them, when the result
+ *                  is 0; left as it was on any other result. Null is refused.
+ * @param capacity the bytes that @p text holds; 255 are always enough. A string that does not fit
+ *                 with its NUL is refused when it has been read: the request was sent.
+ * @return the result code, 0 for a response of any status. Also #ResultCode_UnexpectedResponse when
+ *         the response answers another request.
+ */
+VELTRASDK_API int16_t VeltraSDK_GetUsbString(VeltraSDK_Handle* handle, uint8_t index, char* text,
+                                             size_t capacity);
 
 /**
  * @brief Sends the adapter into its boot mode and closes the link; sends 0x0402.
@@ -1105,6 +1120,43 @@ VELTRASDK_API int16_t VeltraSDK_I3cCccRSTDAA(VeltraSDK_Handle* handle);
  * @return the result code.
  */
 VELTRASDK_API int16_t VeltraSDK_I3cCccENTDAA(VeltraSDK_Handle* handle);
+
+/**
+ * @brief Sends any Common Command Code; sends 0x1909.
+ *
+ * The adapter may know more codes than those that have an operation of their own, and more modes.
+ * A value outside its enumeration spills into other fields of the request.
+ *
+ * @param handle the handle.
+ * @param address the target's address, 7 bits, unshifted; 0x7E for a broadcast.
+ * @param direction the direction, from bit 0 up.
+ * @param mode the bus mode, from bit 1 up.
+ * @param optionFlag passed on unchanged; its meaning is the adapter's. The operations named after a
+ *                   code pass false.
+ * @param type whether there is a defining byte; the low four bits are sent.
+ * @param length the length field, passed on unchanged: for a direct code the bytes of the data
+ *               phase, for a broadcast the bytes behind the code, the defining byte counted. It is
+ *               not compared with @p data.
+ * @param code the Common Command Code; its low byte is sent.
+ * @param definingByte passed on unchanged; sent as 0 when @p type is
+ *                     #I3cCccType_WithoutDefiningByte.
+ * @param data the bytes to write; with #I3cTransferDirection_Read they are refused. Null is refused
+ *             unless @p dataLength is 0.
+ * @param dataLength the number of bytes to write.
+ * @param[out] reply receives as many bytes as the response counts, at most @p capacity; further
+ *                   ones are dropped without notice. Written only when the result is 0. Null is
+ *                   refused unless @p capacity is 0.
+ * @param capacity the bytes that @p reply holds; 255 are always enough.
+ * @param[out] replyLength receives the number of bytes stored; written only when the result is 0.
+ *                         Null is refused unless @p capacity is 0.
+ * @return the result code. Also #ResultCode_InvalidArgument when a read has data.
+ */
+VELTRASDK_API int16_t VeltraSDK_I3cCccTransfer(VeltraSDK_Handle* handle, uint8_t address,
+                                               I3cTransferDirection direction, I3cTransferMode mode,
+                                               bool optionFlag, I3cCccType type, uint8_t length,
+                                               CCC code, uint8_t definingByte, const uint8_t* data,
+                                               uint32_t dataLength, uint8_t* reply,
+                                               uint8_t capacity, uint8_t* replyLength);
 
 /** @} */
 

@@ -170,3 +170,28 @@ int16_t VeltraSDK_I3cCccRSTDAA(VeltraSDK_Handle* handle) {
 int16_t VeltraSDK_I3cCccENTDAA(VeltraSDK_Handle* handle) {
     return withSdk(handle, [](VeltraSDK& sdk) { return sdk.i3cCccENTDAA(); });
 }
+
+int16_t VeltraSDK_I3cCccTransfer(VeltraSDK_Handle* handle, uint8_t address,
+                                 I3cTransferDirection direction, I3cTransferMode mode,
+                                 bool optionFlag, I3cCccType type, uint8_t length, CCC code,
+                                 uint8_t definingByte, const uint8_t* data, uint32_t dataLength,
+                                 uint8_t* reply, uint8_t capacity, uint8_t* replyLength) {
+    return withBuffers(handle, [&](VeltraSDK& sdk, OperationBuffers& buffers) -> uint16_t {
+        if (isMissing(data, dataLength) || isMissing(reply, capacity) ||
+            isMissing(replyLength, capacity)) {
+            return ResultCode_InvalidArgument;
+        }
+        const Bytes& received = buffers.received;
+        const uint16_t result = sdk.i3cCccTransfer(
+            address, direction, mode, optionFlag, type, length, code, definingByte,
+            copyIn(buffers.sent, data, dataLength), buffers.received);
+        if (result == ResultCode_Success) {
+            const size_t stored = std::min(received.size(), size_t{capacity});
+            std::copy_n(received.begin(), stored, reply);
+            if (replyLength != nullptr) {
+                *replyLength = static_cast<uint8_t>(stored);
+            }
+        }
+        return result;
+    });
+}

@@ -1,4 +1,5 @@
 #include "capi/Handle.hpp"
+#include "capi/Marshalling.hpp"
 
 #include <algorithm>
 #include <memory>
@@ -34,6 +35,24 @@ int16_t VeltraSDK_GetDeviceInfo(VeltraSDK_Handle* handle, VeltraSDK_DeviceInfo* 
                      text4.release(),        read.usbString4.size(), text5.release(),
                      read.usbString5.size()};
         }
+        return result;
+    });
+}
+
+int16_t VeltraSDK_GetUsbString(VeltraSDK_Handle* handle, uint8_t index, char* text,
+                               size_t capacity) {
+    return withBuffers(handle, [&](VeltraSDK& sdk, OperationBuffers& buffers) -> uint16_t {
+        if (text == nullptr) {
+            return ResultCode_InvalidArgument;
+        }
+        const uint16_t result = sdk.getUsbString(buffers.received, index);
+        if (result != ResultCode_Success) {
+            return result;
+        }
+        if (buffers.received.size() >= capacity) {
+            return ResultCode_InvalidArgument;
+        }
+        *std::copy(buffers.received.begin(), buffers.received.end(), text) = '\0';
         return result;
     });
 }

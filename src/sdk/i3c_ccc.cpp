@@ -201,3 +201,13 @@ uint16_t VeltraSDK::i3cCccRSTDAA() {
 uint16_t VeltraSDK::i3cCccENTDAA() {
     return command(*engine, {broadcast, write, plain, 0, CCC_ENTDAA, 0});
 }
+
+uint16_t VeltraSDK::i3cCccTransfer(uint8_t address, I3cTransferDirection direction,
+                                   I3cTransferMode mode, bool optionFlag, I3cCccType type,
+                                   uint8_t length, CCC code, uint8_t definingByte,
+                                   const Bytes& data, Bytes& reply) {
+    return engine
+        ->ask(&VeltraAsyncSDK::i3cCccTransfer, address, direction, mode, optionFlag, type, length,
+              code, definingByte, data)
+        .decoded(into(reply));
+}

@@ -198,6 +198,67 @@ TEST_P(I3cCccFunctionTest, SETAASAWith257AddressesSendsThemAllWithALengthOfOne) 
     EXPECT_EQ(VeltraSDK_I3cCccSETAASA(handle(), addresses.data(), addresses.size()), 0);
 }
 
+/// GETMXDS of target 0x30, into at most @p capacity bytes.
+int16_t readAnyCode(VeltraSDK_Handle* handle, uint8_t* reply, uint8_t capacity, uint8_t* count) {
+    return VeltraSDK_I3cCccTransfer(handle, 0x30, read, I3cTransferMode_Sdr, false,
+                                    I3cCccType_WithDefiningByte, 3, CCC{0x94}, 0x91, nullptr, 0,
+                                    reply, capacity, count);
+}
+
+TEST_P(I3cCccFunctionTest, TheReplyOfAnyCodeIsCutToItsCapacity) {
+    for (const int room : {255, 3, 2, 1, 0}) {
+        const auto capacity = static_cast<uint8_t>(room);
+        const auto id = static_cast<uint8_t>(hid.writes().size() + 1);
+        onWire({0x27, 0x00, id, 0x00, 0x09, 0x19, 0x30, 0x11, 0x03, 0x94, 0x91},
+               {0x37, 0x00, id, 0x00, 0x09, 0x19, 0x00, 0x00, 0xEE, 0xEE, 0xEE, 0x03, 0xA1, 0xA2,
+                0xA3});
+        Outputs out;
+        EXPECT_EQ(readAnyCode(handle(), out.bytes.data(), capacity, &out.count), 0);
+        const auto stored = std::min<uint8_t>(capacity, 3);
+        EXPECT_EQ(out.count, stored);
+        Bytes expected{0xA1, 0xA2, 0xA3};
+        expected.resize(stored);
+        EXPECT_EQ(out.written(stored), expected);
+    }
+}
+
+TEST_P(I3cCccFunctionTest, AnyCodeIsWrittenWithoutRoomForAReply) {
+    onWire({0x2F, 0x00, 0x01, 0x00, 0x09, 0x19, 0x7E, 0x08, 0x02, 0x0B, 0x00, 0xD1, 0xD2},
+           {0x2F, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x00, 0x00, 0x00, 0x01, 0x5A});
+    const Bytes data{0xD1, 0xD2};
+    EXPECT_EQ(VeltraSDK_I3cCccTransfer(handle(), 0x7E, write, I3cTransferMode_Sdr, true,
+                                       I3cCccType_WithoutDefiningByte, 2, CCC{0x0B}, 0x91,
+                                       data.data(), 2, nullptr, 0, nullptr),
+              0);
+}
+
+TEST_P(I3cCccFunctionTest, AnyCodeThatFailsStoresNothing) {
+    onWire(
+        {0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x11, 0x03, 0x94, 0x91},
+        {0x37, 0x00, 0x01, 0x00, 0x09, 0x19, 0x06, 0x00, 0xEE, 0xEE, 0xEE, 0x03, 0xA1, 0xA2, 0xA3});
+    Outputs out;
+    EXPECT_EQ(readAnyCode(handle(), out.bytes.data(), 255, &out.count), 6);
+    out.expectUntouched(untouchedByte);
+}
+
+TEST_P(I3cCccFunctionTest, AnyCodeWithoutAPointerThatItNeedsIsRefused) {
+    Outputs out;
+    EXPECT_EQ(readAnyCode(handle(), nullptr, 1, &out.count), refused);
+    EXPECT_EQ(readAnyCode(handle(), out.bytes.data(), 1, nullptr), refused);
+    EXPECT_EQ(readAnyCode(nullptr, nullptr, 1, nullptr), notConnected);
+    EXPECT_EQ(VeltraSDK_I3cCccTransfer(handle(), 0x7E, write, I3cTransferMode_Sdr, false,
+                                       I3cCccType_WithoutDefiningByte, 2, CCC{0x0B}, 0, nullptr, 2,
+                                       nullptr, 0, nullptr),
+              refused);
+    const Bytes data{0xD1};
+    EXPECT_EQ(VeltraSDK_I3cCccTransfer(handle(), 0x30, read, I3cTransferMode_Sdr, false,
+                                       I3cCccType_WithoutDefiningByte, 2, CCC{0x94}, 0, data.data(),
+                                       1, out.bytes.data(), 255, &out.count),
+              refused);
+    out.expectUntouched(untouchedByte);
+    expectNothingSent();
+}
+
 /// Calls every query without one of the pointers it requires.
 void expectWithoutAPointer(VeltraSDK_Handle* handle, int16_t result) {
     Outputs out;

@@ -46,9 +46,11 @@ const std::map<std::string, Operation> operations = [] {
     static uint16_t word{};
     static VeltraSDK_DeviceInfo info{};
     static GpioLogicLevel level{};
+    static char text[255];
     uint8_t* const buffer = bytes.data();
     return std::map<std::string, Operation>{
         {"GetDeviceInfo", with(VeltraSDK_GetDeviceInfo, &info)},
+        {"GetUsbString", with(VeltraSDK_GetUsbString, 1, text, sizeof text)},
         {"EnterBootMode", with(VeltraSDK_EnterBootMode)},
         {"I2cSetBusVoltage", with(VeltraSDK_I2cSetBusVoltage, 3300, false)},
         {"I2cControllerInit", with(VeltraSDK_I2cControllerInit, 0, 400'000, 0)},
@@ -118,6 +120,9 @@ const std::map<std::string, Operation> operations = [] {
          with(VeltraSDK_I3cCccRSTACTBroadcast, I3cTargetResetDefByte_NoReset)},
         {"I3cCccRSTDAA", with(VeltraSDK_I3cCccRSTDAA)},
         {"I3cCccENTDAA", with(VeltraSDK_I3cCccENTDAA)},
+        {"I3cCccTransfer",
+         with(VeltraSDK_I3cCccTransfer, 0x08, I3cTransferDirection_Read, I3cTransferMode_Sdr, false,
+              I3cCccType_WithoutDefiningByte, 1, CCC_GETBCR, 0, buffer, 0, buffer, 1, buffer)},
     };
 }();
 
@@ -222,8 +227,8 @@ TEST_P(ImpatientLifecycleTest, EveryOperationThatGetsNoResponseSaysSo) {
 
 TEST_P(ImpatientLifecycleTest, EveryOperationReturnsTheAdaptersStatus) {
     for (const auto& [name, operation] : operations) {
-        if (name == "EnterBootMode" || name == "GetDeviceInfo") {
-            continue; // the one awaits no response, the other ignores the status
+        if (name == "EnterBootMode" || name == "GetDeviceInfo" || name == "GetUsbString") {
+            continue; // the first awaits no response, the others ignore the status
         }
         handle();
         // With the fields that the I2C scan insists on.
@@ -359,6 +364,57 @@ TEST_P(LifecycleTest, ADeviceInfoOfAnotherRequestIsUnexpected) {
     VeltraSDK_DeviceInfo info{};
     EXPECT_EQ(VeltraSDK_GetDeviceInfo(handle(), &info), 0x6000);
     EXPECT_EQ(info.usbString1, nullptr);
+}
+
+// One string.
+
+constexpr size_t wholeRoom = 255;
+
+TEST_P(LifecycleTest, AStringIsStoredWithANulBehindIt) {
+    onWire({0x17, 0x00, 0x01, 0x00, 0x07, 0x04, 0x03},
+           {0x2B, 0x00, 0x01, 0x00, 0x07, 0x04, 0x34, 0x12, 0x04, 'a', 0x00, 0xFF});
+    std::string text(5, '?');
+    EXPECT_EQ(VeltraSDK_GetUsbString(handle(), 3, text.data(), wholeRoom), 0) << "any status";
+    EXPECT_EQ(text, std::string("a\0\xFF\0?", 5));
+}
+
+TEST_P(LifecycleTest, TheLongestStringFits) {
+    Bytes response{0x01, 0x00, 0x07, 0x04, 0x00, 0x00, 0xFF};
+    response.insert(response.end(), 254, 'x');
+    onWireLong({0x01, 0x00, 0x07, 0x04, 0xFF}, response);
+    std::string text(wholeRoom, '?');
+    EXPECT_EQ(VeltraSDK_GetUsbString(handle(), 0xFF, text.data(), text.size()), 0);
+    EXPECT_EQ(text, std::string(254, 'x') + '\0');
+}
+
+TEST_P(LifecycleTest, AStringThatDoesNotFitWithItsNulIsRefused) {
+    std::string text(4, '?');
+    for (const size_t capacity : {3U, 2U, 0U}) {
+        const auto id = static_cast<uint8_t>(hid.writes().size() + 1);
+        onWire({0x17, 0x00, id, 0x00, 0x07, 0x04, 0x01},
+               {0x2B, 0x00, id, 0x00, 0x07, 0x04, 0x00, 0x00, 0x04, 'o', 'n', 'e'});
+        EXPECT_EQ(VeltraSDK_GetUsbString(handle(), 1, text.data(), capacity), refused);
+        EXPECT_EQ(text, "????");
+    }
+    onWire({0x17, 0x00, 0x04, 0x00, 0x07, 0x04, 0x01},
+           {0x2B, 0x00, 0x04, 0x00, 0x07, 0x04, 0x00, 0x00, 0x04, 'o', 'n', 'e'});
+    EXPECT_EQ(VeltraSDK_GetUsbString(handle(), 1, text.data(), 4), 0);
+    EXPECT_STREQ(text.c_str(), "one");
+}
+
+TEST_P(LifecycleTest, WithoutABufferNoStringIsAskedFor) {
+    EXPECT_EQ(VeltraSDK_GetUsbString(handle(), 1, nullptr, wholeRoom), refused);
+    VeltraSDK_Disconnect(handle());
+    EXPECT_EQ(VeltraSDK_GetUsbString(handle(), 1, nullptr, wholeRoom), refused);
+    EXPECT_EQ(VeltraSDK_GetUsbString(nullptr, 1, nullptr, wholeRoom), notConnected);
+    expectNothingSent();
+}
+
+TEST_P(LifecycleTest, AStringOfAnotherRequestIsNotStored) {
+    onWire(askForString1, {0x23, 0x00, 0x09, 0x00, 0x07, 0x04, 0x00, 0x00, 0x02, 'A'});
+    char text[] = "?";
+    EXPECT_EQ(VeltraSDK_GetUsbString(handle(), 1, text, sizeof text), 0x6000);
+    EXPECT_STREQ(text, "?");
 }
 
 // Boot mode.

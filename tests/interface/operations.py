@@ -36,13 +36,8 @@ NOT_OPERATIONS = {
     "HandleResponse": "part of the engine",
 }
 
-# What the class has and C has not, with the reason.
-CLASS_ONLY = {"GetUsbString": "C reads the five strings at once, with GetDeviceInfo"}
 # Encoders that are no operation, with the reason.
-ENCODERS_ONLY = {
-    "SetI2cSpiUartGpioVoltage": "the voltage under the command's own name",
-    "I3cCccTransfer": "any Common Command Code",
-}
+ENCODERS_ONLY = {"SetI2cSpiUartGpioVoltage": "the voltage under the command's own name"}
 
 # What an operation is called in a list in which it has no name of its own.
 AS_ENCODER = {
@@ -57,7 +52,7 @@ AS_COMMAND = AS_ENCODER | {
 # The response of a Common Command Code is printed once: all are decoded alike.
 AS_RESPONSE = {
     r"GetDeviceInfo": "GetUsbString",
-    r"I3cCcc(?!Transfer)\w+": "I3cCccGETPID",
+    r"I3cCcc\w+": "I3cCccGETPID",
 }
 
 
@@ -111,16 +106,15 @@ def lists(root):
     async_methods = methods_of("VeltraAsyncSDK", code("include/veltrasdk/VeltraAsyncSDK.hpp"))
     frames = code("tests/docs/protocol_frames.cpp")
 
-    class_operations = {name.lower(): name for name in [*class_methods, *c_functions]}
+    operations = {name.lower(): name for name in [*class_methods, *c_functions]}
     for name in NOT_OPERATIONS:
-        class_operations.pop(name.lower(), None)
-    c_operations = [name for key, name in class_operations.items() if key not in map(str.lower, CLASS_ONLY)]
-    class_operations = list(class_operations.values())
-    encoders = called(class_operations, AS_ENCODER) | ENCODERS_ONLY.keys()
-    commands = called(class_operations, AS_COMMAND)
+        operations.pop(name.lower(), None)
+    operations = list(operations.values())
+    encoders = called(operations, AS_ENCODER) | ENCODERS_ONLY.keys()
+    commands = called(operations, AS_COMMAND)
 
-    yield "include/veltrasdk/*.h", c_functions, c_operations
-    yield "include/veltrasdk/VeltraSDK.hpp", class_methods, class_operations
+    yield "include/veltrasdk/*.h", c_functions, operations
+    yield "include/veltrasdk/VeltraSDK.hpp", class_methods, operations
     yield "include/veltrasdk/VeltraAsyncSDK.hpp", async_methods, encoders
     yield (
         "src/protocol/CommandCode.hpp",
@@ -145,10 +139,10 @@ def lists(root):
     yield (
         "tests/capi/lifecycle_test.cpp",
         re.findall(r'\{"(\w+)",\s*with\w*\(VeltraSDK_\1\b', code("tests/capi/lifecycle_test.cpp")),
-        c_operations,
+        operations,
     )
-    yield "fuzz/c_operations.cpp", calls_of_table(code("fuzz/c_operations.cpp")), c_operations
-    yield "fuzz/class_operations.cpp", calls_of_table(code("fuzz/class_operations.cpp")), class_operations
+    yield "fuzz/c_operations.cpp", calls_of_table(code("fuzz/c_operations.cpp")), operations
+    yield "fuzz/class_operations.cpp", calls_of_table(code("fuzz/class_operations.cpp")), operations
 
 
 def main(root):

@@ -39,6 +39,52 @@ TEST_P(I3cCccRepliesTest, ACountOfZeroEmptiesTheVectorWhateverTheStatus) {
     EXPECT_TRUE(pid.empty());
 }
 
+TEST_P(I3cCccRepliesTest, AnyCodeIsSentAsGivenAndItsReplyReplacesTheVector) {
+    onWire(
+        {0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x1D, 0x05, 0x94, 0x91},
+        {0x37, 0x00, 0x01, 0x00, 0x09, 0x19, 0x34, 0x12, 0xEE, 0xEE, 0xEE, 0x03, 0x01, 0x02, 0x03});
+    Bytes reply(9, 0xFF);
+    EXPECT_EQ(sdk().i3cCccTransfer(0x30, read, I3cTransferMode_LegacyI2c, true,
+                                   I3cCccType_WithDefiningByte, 5, CCC{0x94}, 0x91, {}, reply),
+              0x1234);
+    EXPECT_EQ(reply, (Bytes{0x01, 0x02, 0x03}));
+}
+
+TEST_P(I3cCccRepliesTest, AnyCodeIsSentWithItsDataAndItsDefiningByteOnlyWhereThereIsOne) {
+    onWire({0x2F, 0x00, 0x01, 0x00, 0x09, 0x19, 0x7E, 0x00, 0x02, 0x0B, 0x00, 0xD1, 0xD2},
+           {0x1B, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00});
+    Bytes reply(9, 0xFF);
+    EXPECT_EQ(sdk().i3cCccTransfer(0x7E, write, I3cTransferMode_Sdr, false,
+                                   I3cCccType_WithoutDefiningByte, 2, CCC{0x0B}, 0x91, {0xD1, 0xD2},
+                                   reply),
+              0);
+    EXPECT_TRUE(reply.empty());
+}
+
+TEST_P(I3cCccRepliesTest, AReadOfAnyCodeWithDataIsRefused) {
+    Bytes reply{0xEE};
+    EXPECT_EQ(sdk().i3cCccTransfer(0x30, read, I3cTransferMode_Sdr, false,
+                                   I3cCccType_WithoutDefiningByte, 2, CCC{0x94}, 0, {0xD1}, reply),
+              0x8000);
+    EXPECT_EQ(reply, Bytes{0xEE});
+    expectNothingSent();
+}
+
+TEST_P(I3cCccRepliesTest, ATruncatedReplyOfAnyCodeReadsAsZeros) {
+    withEveryTruncation(
+        {0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x03, 0x94, 0x00},
+        {0x01, 0x00, 0x09, 0x19, 0x34, 0x12, 0x00, 0x00, 0x00, 0x03, 0xA1, 0xA2, 0xA3},
+        [&](const Bytes& received) {
+            Bytes reply;
+            EXPECT_EQ(sdk().i3cCccTransfer(0x30, read, I3cTransferMode_Sdr, false,
+                                           I3cCccType_WithoutDefiningByte, 3, CCC{0x94}, 0, {},
+                                           reply),
+                      0x1234);
+            const auto begin = received.begin() + 10;
+            EXPECT_EQ(reply, Bytes(begin, begin + received[9]));
+        });
+}
+
 TEST_P(I3cCccRepliesTest, GETBCRStoresByteTenWhateverTheCountAndTheStatus) {
     onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x01, 0x8E, 0x00},
            {0x2F, 0x00, 0x01, 0x00, 0x09, 0x19, 0x34, 0x12, 0xEE, 0xEE, 0xEE, 0x00, 0x27});
