@@ -6,6 +6,7 @@
 #define VELTRASDK_VELTRASDK_HPP
 
 #include <veltrasdk/Notification.hpp>
+#include <veltrasdk/adapters.h>
 #include <veltrasdk/declarations.h>
 #include <veltrasdk/gpio.h>
 #include <veltrasdk/i3c.h>
@@ -69,8 +70,9 @@ class CommunicationManager;
  * Operations on one object must not overlap. The notification handler runs on the object's polling
  * thread, one notification at a time, while an operation may be waiting in another thread; it must
  * not call any operation of the same object, nor replace the handler. Constructing, connecting,
- * disconnecting, entering boot mode and destroying must not overlap between any two objects of the
- * process, since hidapi's own calls are not safe against each other. After fork() with a connected
+ * disconnecting, entering boot mode, destroying and adapters() must not overlap between any two
+ * objects of the process, since hidapi's own calls are not safe against each other; they may with
+ * shareHidapi(). After fork() with a connected
  * object the child may only call exec() or _exit().
  *
  * @par Exceptions
@@ -80,6 +82,29 @@ class CommunicationManager;
  */
 class VELTRASDK_API VeltraSDK {
 public:
+    /**
+     * @brief Shares hidapi between the objects of this process, so that several may be connected.
+     *
+     * hidapi is then initialised by the first object and shut down with the last one, and one lock
+     * covers enumerating, opening, closing and shutting down, never reading or writing: objects may
+     * be created, connected, disconnected and destroyed from several threads. Calls on one object
+     * still must not overlap. Sharing holds until the process ends.
+     *
+     * @return whether hidapi is shared; false when an object exists that was created without.
+     */
+    static bool shareHidapi();
+
+    /**
+     * @brief Lists every adapter that is plugged in, connected ones included; sends nothing.
+     *
+     * hidapi opens every HID device of the machine to read its strings. Unless hidapi is shared, it
+     * is not shut down afterwards, and the call must not overlap with those that must not overlap
+     * with each other: see Threads above.
+     *
+     * @return the adapters in hidapi's order.
+     */
+    static std::vector<VeltraSDK_AdapterInfo> adapters();
+
     /** @brief The adapter's five identity strings: bytes as it returned them, at most 254 each. */
     struct DeviceInfo {
         std::string usbString1; /**< String index 1. */
@@ -95,19 +120,21 @@ public:
      *                  also when the request could not be written; 0 and every other negative value
      *                  do not wait.
      *
-     * @warning Connect one object at a time: destroying any object shuts hidapi down for the whole
-     * process, which hidapi's libusb back end does not survive while another object is connected.
+     * @warning Without shareHidapi() connect one object at a time: destroying any object shuts
+     * hidapi down for the whole process, which hidapi's libusb back end does not survive while
+     * another object is connected.
      */
     explicit VeltraSDK(int timeoutMs);
 
     /**
-     * @brief Closes the link and shuts hidapi down, whatever other objects exist.
+     * @brief Closes the link and shuts hidapi down, whatever other objects exist; where it is
+     * shared, with the last one only.
      *
      * A running handler is waited for, so it must not destroy the object; none runs after the
      * destructor has returned.
      *
-     * @warning Destroying one object while another one is connected makes hidapi's libusb back end
-     * abort the process: connect one object at a time.
+     * @warning Without shareHidapi() destroying one object while another one is connected makes
+     * hidapi's libusb back end abort the process: connect one object at a time.
      */
     ~VeltraSDK();
 

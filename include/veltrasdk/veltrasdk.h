@@ -51,8 +51,9 @@
  * one at a time, while a call may be waiting in another thread; a callback must not call any
  * function of the same handle except the notification accessors. VeltraSDK_Create(),
  * VeltraSDK_Connect(), VeltraSDK_ConnectWithSerialNumber(), VeltraSDK_Disconnect(),
- * VeltraSDK_EnterBootMode() and VeltraSDK_Destroy() must not overlap between any two handles of the
- * process, since hidapi's own calls are not safe against each other. After fork() with a connected
+ * VeltraSDK_EnterBootMode(), VeltraSDK_Destroy() and VeltraSDK_Enumerate() must not overlap between
+ * any two handles of the process, since hidapi's own calls are not safe against each other; they
+ * may with VeltraSDK_ShareHidapi(). After fork() with a connected
  * handle the child may only call exec() or _exit().
  *
  * @par Exceptions
@@ -67,6 +68,7 @@
 #include <stddef.h>
 #include <stdint.h>
 
+#include <veltrasdk/adapters.h>
 #include <veltrasdk/declarations.h>
 #include <veltrasdk/gpio.h>
 #include <veltrasdk/i3c.h>
@@ -127,23 +129,52 @@ typedef void (*VeltraSDK_NotificationCallback)(const Notification* notification)
  *                  the request could not be written; 0 and every other negative value do not wait.
  * @return the handle, never null; the caller releases it with VeltraSDK_Destroy().
  *
- * @warning Connect one handle at a time: destroying any handle shuts hidapi down for the whole
- * process, which hidapi's libusb back end does not survive while another handle is connected.
+ * @warning Without VeltraSDK_ShareHidapi() connect one handle at a time: destroying any handle
+ * shuts hidapi down for the whole process, which hidapi's libusb back end does not survive while
+ * another handle is connected.
  */
 VELTRASDK_API VeltraSDK_Handle* VeltraSDK_Create(int32_t timeoutMs);
 
 /**
- * @brief Closes the link, releases the handle and shuts hidapi down, whatever other handles exist.
+ * @brief Closes the link, releases the handle and shuts hidapi down, whatever other handles exist;
+ * where it is shared, with the last one only.
  *
  * Sends nothing. A running callback is waited for, so it must not destroy the handle; none runs
  * after the return.
  *
  * @param handle the handle; null does nothing.
  *
- * @warning hidapi is shut down for the whole process. Destroying one handle while another one is
- * connected makes hidapi's libusb back end abort the process: connect one handle at a time.
+ * @warning Without VeltraSDK_ShareHidapi() hidapi is shut down for the whole process. Destroying
+ * one handle while another one is connected makes hidapi's libusb back end abort the process:
+ * connect one handle at a time.
  */
 VELTRASDK_API void VeltraSDK_Destroy(VeltraSDK_Handle* handle);
+
+/**
+ * @brief Shares hidapi between the objects of this process, so that several may be connected.
+ *
+ * hidapi is then initialised by the first handle and shut down with the last one, and one lock
+ * covers enumerating, opening, closing and shutting down, never reading or writing: handles may be
+ * created, connected, disconnected and destroyed from several threads. Calls on one handle still
+ * must not overlap. Sharing holds until the process ends.
+ *
+ * @return whether hidapi is shared; false when an object exists that was created without.
+ */
+VELTRASDK_API bool VeltraSDK_ShareHidapi(void);
+
+/**
+ * @brief Lists every adapter that is plugged in, connected ones included; sends nothing.
+ *
+ * hidapi opens every HID device of the machine to read its strings. Unless hidapi is shared, it is
+ * not shut down afterwards, and the call must not overlap with those that must not overlap with
+ * each other: see Threads above.
+ *
+ * @param[out] adapters receives the adapters in hidapi's order; must not be null unless
+ *                      @p capacity is 0.
+ * @param capacity the adapters that @p adapters holds; further ones are not stored.
+ * @return how many adapters there are, which may be more than were stored.
+ */
+VELTRASDK_API size_t VeltraSDK_Enumerate(VeltraSDK_AdapterInfo* adapters, size_t capacity);
 
 /**
  * @brief Tells the library's version.

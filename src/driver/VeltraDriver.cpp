@@ -17,10 +17,6 @@ constexpr int readTimeoutMs = 100;
 constexpr std::chrono::milliseconds minErrorPause{1};
 constexpr std::chrono::milliseconds maxErrorPause{100};
 
-struct FreeEnumeration {
-    void operator()(hid_device_info* devices) const { hid_free_enumeration(devices); }
-};
-
 } // namespace
 
 const std::vector<VeltraDriver::MervoDeviceCharacteristics> VeltraDriver::mervoDeviceList{
@@ -37,15 +33,10 @@ bool compareSerial(const std::string& serialNumber, const wchar_t* deviceSerial)
     return converter.to_bytes(deviceSerial) == serialNumber;
 }
 
-VeltraDriver::VeltraDriver() {
-    hid_init();
-}
-
 VeltraDriver::~VeltraDriver() {
     if (isOpen) {
         close();
     }
-    hid_exit();
 }
 
 const VeltraDriver::MervoDeviceCharacteristics*
@@ -64,8 +55,9 @@ bool VeltraDriver::open(const std::string& path, const std::string& serialNumber
 
     const MervoDeviceCharacteristics* foundCharacteristics = nullptr;
     std::string foundPath;
+    Hidapi::Lock held = Hidapi::lock();
     {
-        const std::unique_ptr<hid_device_info, FreeEnumeration> devices(hid_enumerate(0, 0));
+        const Hidapi::Devices devices = Hidapi::enumerate(held);
         for (const hid_device_info* info = devices.get(); info != nullptr; info = info->next) {
             if (!serialNumber.empty() && !compareSerial(serialNumber, info->serial_number)) {
                 continue;
@@ -84,6 +76,7 @@ bool VeltraDriver::open(const std::string& path, const std::string& serialNumber
     }
 
     hid_device* const opened = hid_open_path(foundPath.c_str());
+    held.unlock();
     if (opened == nullptr) {
         return false;
     }
@@ -116,7 +109,10 @@ void VeltraDriver::close() {
     if (pollingThread.joinable()) {
         pollingThread.join();
     }
-    hid_close(device);
+    {
+        const Hidapi::Lock held = Hidapi::lock();
+        hid_close(device);
+    }
     device = nullptr;
     isOpen = false;
     deviceCharacteristics = nullptr;

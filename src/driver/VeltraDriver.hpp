@@ -1,5 +1,7 @@
 #pragma once
 
+#include "driver/Hidapi.hpp"
+
 #include <array>
 #include <atomic>
 #include <chrono>
@@ -11,8 +13,6 @@
 #include <string>
 #include <thread>
 #include <vector>
-
-#include <hidapi.h>
 
 /// An output report in the making: the report identifier, 0 for unnumbered reports, and room for a
 /// packet. Only what is written to it has a value.
@@ -33,9 +33,6 @@ private:
 
 /// Finds the adapter among the HID devices, opens it, writes one report per packet and reads
 /// reports on a thread of its own.
-///
-/// Every driver calls `hid_init` when it is made and `hid_exit` when it is destroyed, whatever
-/// other drivers exist.
 class VeltraDriver {
 public:
     /// One adapter variant.
@@ -46,7 +43,7 @@ public:
         size_t endpointSize;
     };
 
-    VeltraDriver();
+    VeltraDriver() = default;
     ~VeltraDriver();
     VeltraDriver(const VeltraDriver&) = delete;
     VeltraDriver& operator=(const VeltraDriver&) = delete;
@@ -85,6 +82,8 @@ private:
 
     static const std::vector<MervoDeviceCharacteristics> mervoDeviceList;
 
+    // Given up last, when the device is closed.
+    Hidapi hidapi;
     const MervoDeviceCharacteristics* deviceCharacteristics = nullptr;
     // Not read by the library; tells whoever looks at an object which adapter it holds.
     std::string devicePath;

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <iterator>
 #include <memory>
+#include <thread>
 #include <utility>
 
 namespace test_support {
@@ -193,20 +194,39 @@ bool ScriptedHid::isReadable(const OpenDevice& device) const {
     return !device.input.empty() || !input.empty() || endlessInput.has_value();
 }
 
+class ScriptedHid::Alone {
+public:
+    explicit Alone(ScriptedHid& hid) : stand(hid), lock(hid.mutex) {
+        if (!stand.bearsLittle) {
+            return;
+        }
+        require(++stand.callsInside == 1, "two calls that exclude each other were made at once");
+        lock.unlock();
+        std::this_thread::yield();
+        lock.lock();
+        --stand.callsInside;
+    }
+
+private:
+    ScriptedHid& stand;
+    std::unique_lock<std::mutex> lock;
+};
+
 int ScriptedHid::init() {
-    const std::lock_guard<std::mutex> lock(mutex);
+    const Alone alone(*this);
     ++initialised;
     return fails(HidCall::Init) ? -1 : 0;
 }
 
 int ScriptedHid::exit() {
-    const std::lock_guard<std::mutex> lock(mutex);
+    const Alone alone(*this);
+    require(!bearsLittle || opened.empty(), "hidapi was shut down while a device was open");
     ++exited;
     return fails(HidCall::Exit) ? -1 : 0;
 }
 
 void* ScriptedHid::enumerate(uint16_t vendorId, uint16_t productId) {
-    const std::lock_guard<std::mutex> lock(mutex);
+    const Alone alone(*this);
     require(vendorId == 0 && productId == 0, "not all devices are enumerated");
     ++enumerations;
     if (fails(HidCall::Enumerate)) {
@@ -240,7 +260,7 @@ void ScriptedHid::freeEnumeration(void* list) {
 }
 
 void* ScriptedHid::openPath(const char* path) {
-    const std::lock_guard<std::mutex> lock(mutex);
+    const Alone alone(*this);
     openingListsOut = listsOut;
     if (fails(HidCall::OpenPath)) {
         return nullptr;
@@ -250,7 +270,7 @@ void* ScriptedHid::openPath(const char* path) {
 }
 
 void ScriptedHid::close(void* device) {
-    const std::lock_guard<std::mutex> lock(mutex);
+    const Alone alone(*this);
     const OpenDevice* const closed = find(device);
     opened.remove_if([&](const OpenDevice& candidate) { return &candidate == closed; });
 }

@@ -83,6 +83,10 @@ public:
     /// every test a tenth of a second.
     void limitReads(std::chrono::microseconds maxTime) { set(maxReadTime, maxTime); }
 
+    /// Whether what libusb cannot bear is a misuse: two of the calls that initialise, enumerate,
+    /// open, close and shut down at the same time, and shutting down with a device open.
+    void bearAsLittleAsLibusb(bool little) { set(bearsLittle, little); }
+
     /// Makes one call of a function fail: the next, the second, and so on; 0 for none. A failed
     /// enumeration, opening or read has not taken place, and the adapter does not answer the
     /// message of which a write was lost.
@@ -147,6 +151,10 @@ private:
         bool messageIsLost = false;
     };
 
+    /// One of the calls of which libusb bears one at a time; the lock is let go meanwhile, so that
+    /// another can meet it.
+    class Alone;
+
     /// The open device behind a pointer that the library hands back, or null and a misuse.
     OpenDevice* find(const void* device);
     [[nodiscard]] bool isReadable(const OpenDevice& device) const;
@@ -186,6 +194,8 @@ private:
     HidCall failingCall = HidCall::Init;
     size_t callsUntilFailure = 0;
     bool nthFailed = false;
+    bool bearsLittle = false;
+    size_t callsInside = 0;
     std::vector<Bytes> written;
     std::optional<int> writingResult;
     bool readingFails = false;

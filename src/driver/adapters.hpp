@@ -1,0 +1,8 @@
+#pragma once
+
+#include <veltrasdk/adapters.h>
+
+#include <vector>
+
+/// Every adapter that is plugged in, in hidapi's order.
+std::vector<VeltraSDK_AdapterInfo> pluggedInAdapters();
