@@ -535,6 +535,18 @@ TEST_P(NotificationQueueLinkTest, TheEndIsNeverLost) {
     }
 }
 
+TEST_P(NotificationQueueLinkTest, EndsWithANotificationBetweenThemAreTwo) {
+    NotificationQueue queue(sdk(), ample);
+    sdk().disconnect();
+    ASSERT_TRUE(sdk().connect(""));
+    sdk().handleResponse(gpio);
+    sdk().disconnect();
+    expectEndOfLink(queue);
+    expectFrame(queue, gpio);
+    expectEndOfLink(queue);
+    expectEmpty(queue);
+}
+
 TEST_P(NotificationQueueLinkTest, EndsWithNothingBetweenThemAreOne) {
     NotificationQueue queue(sdk(), minSize);
     sdk().disconnect();

@@ -1,6 +1,8 @@
+#include "support/Readable.hpp"
 #include "support/ScriptedHid.hpp"
 #include "usb/UsbTestBed.hpp"
 
+#include <veltrasdk/NotificationQueue.hpp>
 #include <veltrasdk/VeltraSDK.hpp>
 
 #include <gtest/gtest.h>
@@ -234,6 +236,20 @@ TEST_F(UsbTest, AnUnplugWhileIdleIsNoticedByTheNextOperation) {
         sdk.disconnect();
         return !stillThere;
     }));
+}
+
+TEST_F(UsbTest, AnUnplugWhileIdleIsTheEndOfTheNotificationQueue) {
+    UsbNode& node = bed.plugIn();
+    VeltraSDK sdk(briefMs);
+    NotificationQueue queue(sdk, 1000);
+    ASSERT_TRUE(sdk.connect(""));
+    node.unplug();
+    NotificationQueue::Entry entry;
+    ASSERT_TRUE(isReadable(queue.descriptor(), generousLimitMs));
+    ASSERT_TRUE(queue.take(entry));
+    EXPECT_TRUE(entry.isEndOfLink());
+    sdk.disconnect();
+    EXPECT_FALSE(queue.take(entry));
 }
 
 TEST_F(UsbTest, AnUnplugDuringALongWriteEndsTheOperation) {
