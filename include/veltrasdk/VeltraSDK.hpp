@@ -183,6 +183,8 @@ public:
     /**
      * @brief Installs the receiver of notifications, which replaces the one before.
      *
+     * NotificationQueue is the other way: it keeps them until they are waited for.
+     *
      * Install it while not connected: it is replaced without a lock.
      *
      * Every call must return in less than 1 ms at full speed, 0.1 ms at high speed: one report time

@@ -53,8 +53,9 @@
  * VeltraSDK_Connect(), VeltraSDK_ConnectWithSerialNumber(), VeltraSDK_Disconnect(),
  * VeltraSDK_EnterBootMode(), VeltraSDK_Destroy() and VeltraSDK_Enumerate() must not overlap between
  * any two handles of the process, since hidapi's own calls are not safe against each other; they
- * may with VeltraSDK_ShareHidapi(). After fork() with a connected
- * handle the child may only call exec() or _exit().
+ * may with VeltraSDK_ShareHidapi(). After fork() with a connected handle the child may only call
+ * exec() or _exit(). VeltraSDK_TakeNotification() and VeltraSDK_CloseNotificationQueue() may
+ * overlap other calls on the handle, as they say.
  *
  * @par Exceptions
  * The functions catch nothing: what is thrown beneath them (std::bad_alloc, say) reaches the
@@ -277,6 +278,8 @@ VELTRASDK_API int16_t VeltraSDK_EnterBootMode(VeltraSDK_Handle* handle);
 
 /**
  * @brief Installs the receiver of notifications, which replaces the one before.
+ *
+ * VeltraSDK_OpenNotificationQueue() is the other way: it keeps them until they are waited for.
  *
  * Install it before connecting, or while no notification can arrive: it is replaced without a lock.
  * The callback sees the first 256 bytes of a frame. The frame's size is kept in 8 bits: a frame of
