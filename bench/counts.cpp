@@ -4,6 +4,7 @@
 #include "operations.hpp"
 
 #include <chrono>
+#include <exception>
 #include <iostream>
 #include <stdexcept>
 #include <thread>
@@ -41,16 +42,13 @@ void countAllocations(size_t reportSize) {
 void countAllocationsOfQueue(size_t reportSize) {
     Operations operations(reportSize);
     const auto allocated = [&](size_t notifications) {
-        const size_t before = allocationsSoFar();
-        if (!operations.queueNotifications(notifications)) {
-            throw std::runtime_error("a queued notification was lost");
-        }
-        return static_cast<double>(allocationsSoFar() - before);
+        return allocationsOf(1, {"queuedNotification", [&operations, notifications] {
+                                     return operations.queueNotifications(notifications);
+                                 }});
     };
-    allocated(calls);
-    const double shorter = allocated(calls);
+    const double difference = allocated(2 * calls) - allocated(calls);
     std::cout << "allocations_queuedNotification_" << reportSize << ' '
-              << (allocated(2 * calls) - shorter) / static_cast<double>(calls) << '\n';
+              << difference / static_cast<double>(calls) << '\n';
 }
 
 /// Read calls a second of a connected object whose device is gone.
@@ -71,10 +69,15 @@ void countReadsWhileUnplugged() {
 } // namespace
 
 int main() {
-    countAllocations(64);
-    countAllocations(1024);
-    countAllocationsOfQueue(64);
-    countAllocationsOfQueue(1024);
-    countReadsWhileUnplugged();
+    try {
+        countAllocations(64);
+        countAllocations(1024);
+        countAllocationsOfQueue(64);
+        countAllocationsOfQueue(1024);
+        countReadsWhileUnplugged();
+    } catch (const std::exception& error) {
+        std::cerr << "bench_counts: " << error.what() << '\n';
+        return 1;
+    }
     return 0;
 }

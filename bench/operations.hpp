@@ -27,8 +27,9 @@ public:
     [[nodiscard]] const Operation& longRequest() const { return longOperation; }
     /// Receives @p count notifications, by the class's handler or by the C callback.
     bool receiveNotifications(bool throughC, size_t count);
-    /// The same by the C callback and beside it by a queue, from which all are taken in the end.
-    bool queueNotifications(size_t count);
+    /// The same, of @p number, by the C callback and beside it by a queue, from which all are taken
+    /// in the end.
+    bool queueNotifications(size_t number);
 
     /// The operation of this name.
     [[nodiscard]] const Operation& find(const std::string& name) const;

@@ -50,14 +50,14 @@ public:
          * @brief Tells the end of the link from notifications.
          * @return whether the link has ended.
          */
-        bool isEndOfLink() const { return frame.empty(); }
+        [[nodiscard]] bool isEndOfLink() const { return frame.empty(); }
 
         /**
          * @brief Makes the record whose accessors decode the entry, such as Notification::gpio().
          * @return the record, which points to the entry's frame; no accessor takes that of the end
          *         of the link.
          */
-        Notification notification() const {
+        [[nodiscard]] Notification notification() const {
             Notification record;
             record.kind = kind;
             record.data = frame.data();
@@ -88,9 +88,9 @@ public:
      *         queue is closed: for poll, select and epoll. It is the library's, non-blocking and
      *         close-on-exec: do not read, write or close it. It is valid until the queue is
      *         destroyed. -1 when another queue of the object was open, when its size is out of
-     * range, and when there was no memory or descriptor left for it.
+     *         range, and when there was no memory or descriptor left for it.
      */
-    int descriptor() const { return eventDescriptor; }
+    [[nodiscard]] int descriptor() const { return eventDescriptor; }
 
     /**
      * @brief Takes the oldest entry; does not wait.
@@ -114,7 +114,7 @@ public:
      * @brief Tells whether the queue still keeps notifications.
      * @return false once it is closed, and when it could not be opened.
      */
-    bool isOpen() const;
+    [[nodiscard]] bool isOpen() const;
 
     /**
      * @brief Closes the queue: what waits in it is dropped, and another one may be opened.

@@ -244,7 +244,7 @@ TEST_F(NotificationQueueTest, TakingFromAnEmptyQueueWritesNothing) {
 // Loss.
 
 TEST_F(NotificationQueueTest, TheNewestAreLostWhenItIsFullAndTheNextEntryCountsThem) {
-    constexpr size_t three = 4 * recordSize + 3 * 7;
+    constexpr size_t three = 4 * recordSize + 3 * size_t{7};
     NotificationQueue queue(sdk, three);
     for (uint8_t i = 0; i < 5; ++i) {
         Bytes frame = gpio;
