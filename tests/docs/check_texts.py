@@ -29,9 +29,10 @@ EXCEPTIONS = {
         I3cSdrRead.subAddress I3cHdrDdrWrite.data I3cLegacyI2cWrite.subAddress
         I3cLegacyI2cWrite.data I3cLegacyI2cRead.subAddress I3cCccSETAASA.staticAddresses""",
     ("C", "fills the caller's buffer on success, where the class replaces what it is given"): """
-        GetDeviceInfo.info I2cScanBus.addresses I2cRead.data I3cGetDeviceTable.table
+        GetDeviceInfo.info GetUsbString.text I2cScanBus.addresses I2cRead.data
+        I3cGetDeviceTable.table
         I3cSdrRead.data I3cHdrDdrRead.data I3cLegacyI2cRead.data I3cCccGETPID.pid
-        I3cCccGETCAPS.capabilities I3cCccGETSTATUS.status""",
+        I3cCccGETCAPS.capabilities I3cCccGETSTATUS.status I3cCccTransfer.reply""",
     ("C", "has a flag beside the value, where the class has an optional"): """
         I3cCccGETMRL.ibiPayloadSize I3cCccSETMRLDirect.ibiPayloadSize
         I3cCccSETMRLBroadcast.ibiPayloadSize I3cCccGETCAPS.definingByte
