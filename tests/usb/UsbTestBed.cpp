@@ -15,7 +15,19 @@ test_support::UsbTestBed* current = nullptr;
 
 } // namespace
 
-/// Takes the place of hidapi's own, which it calls, to count what the program reads.
+// Each takes the place of hidapi's own, which it calls: to know which adapter is opened, and to
+// count what the program reads of it.
+extern "C" __attribute__((visibility("default"))) hid_device* hid_open_path(const char* path) {
+    static const auto original =
+        reinterpret_cast<decltype(&hid_open_path)>(dlsym(RTLD_NEXT, "hid_open_path"));
+    hid_device* const device = original(path);
+    const std::lock_guard<std::mutex> lock(currentMutex);
+    if (current != nullptr && device != nullptr) {
+        current->opened(device, path);
+    }
+    return device;
+}
+
 extern "C" __attribute__((visibility("default"))) int
 hid_read_timeout(hid_device* device, unsigned char* data, size_t length, int milliseconds) {
     static const auto original =
@@ -23,7 +35,7 @@ hid_read_timeout(hid_device* device, unsigned char* data, size_t length, int mil
     const int result = original(device, data, length, milliseconds);
     const std::lock_guard<std::mutex> lock(currentMutex);
     if (current != nullptr) {
-        current->readReturned(result);
+        current->readReturned(device, result);
     }
     return result;
 }
@@ -70,11 +82,18 @@ UsbNode& UsbTestBed::replug(UsbNode& unplugged, const virtual_adapter::AdapterSe
     return nodes.emplace_back(testbed, settings, port);
 }
 
-void UsbTestBed::readReturned(int result) {
+void UsbTestBed::opened(const void* device, const std::string& path) {
+    paths[device] = path;
+}
+
+void UsbTestBed::readReturned(const void* device, int result) {
     if (result < 0) {
         ++failures;
-    } else if (result > 0) {
-        for (UsbNode& node : nodes) {
+        return;
+    }
+    const std::string& path = paths[device];
+    for (UsbNode& node : nodes) {
+        if (result > 0 && node.path() == path) {
             node.reportRead();
         }
     }

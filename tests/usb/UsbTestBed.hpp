@@ -6,6 +6,8 @@
 
 #include <atomic>
 #include <list>
+#include <map>
+#include <string>
 
 namespace test_support {
 
@@ -27,12 +29,15 @@ public:
     /// How many of the program's calls of hid_read_timeout have failed.
     [[nodiscard]] size_t failedReads() const { return failures; }
 
-    /// Called for every call of hid_read_timeout.
-    void readReturned(int result);
+    /// Called when a device has been opened, and for every call of hid_read_timeout; one at a time.
+    void opened(const void* device, const std::string& path);
+    void readReturned(const void* device, int result);
 
 private:
     UMockdevTestbed* testbed;
     std::list<UsbNode> nodes;
+    /// What each device was last opened with.
+    std::map<const void*, std::string> paths;
     unsigned lastPort = 0;
     std::atomic<size_t> failures{0};
 };
