@@ -33,6 +33,13 @@ TEST_F(AdaptersTest, WithoutAnAdapterTheListIsEmpty) {
     EXPECT_EQ(hid.enumerateCalls(), 2U);
 }
 
+TEST_F(AdaptersTest, AnEnumerationThatFailsListsNothing) {
+    attach("1-1:1.0", L"VA-0001");
+    hid.failNth(HidCall::Enumerate, 1);
+    EXPECT_TRUE(VeltraSDK::adapters().empty());
+    EXPECT_STREQ(only().serialNumber, "VA-0001");
+}
+
 TEST_F(AdaptersTest, EveryAdapterIsListedInHidapisOrder) {
     attach("1-3:1.0", L"VA-0003", highSpeed);
     hid.attach({"1-9:1.0", 0x046D, 0xC077, L"MOUSE"});

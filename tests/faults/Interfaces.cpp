@@ -96,6 +96,13 @@ const std::vector<ClassInterface::Operation>& ClassInterface::operations() {
              return sdk->i3cCccGETSTATUS(0x09, status, 0x01);
          }},
         {"i3cCccSETAASA", [](const Object& sdk) { return sdk->i3cCccSETAASA(subAddress); }},
+        {"i3cCccTransfer",
+         [](const Object& sdk) {
+             Bytes reply;
+             return sdk->i3cCccTransfer(0x09, I3cTransferDirection_Write, I3cTransferMode_Sdr,
+                                        false, I3cCccType_WithoutDefiningByte, 2, CCC{0x0B}, 0,
+                                        subAddress, reply);
+         }},
         {"enterBootMode", [](const Object& sdk) { return sdk->enterBootMode(); }},
     };
     return all;
@@ -179,6 +186,20 @@ const std::vector<FlatInterface::Operation>& FlatInterface::operations() {
          [](const Object& handle) {
              std::array<uint8_t, 255> pid{};
              return VeltraSDK_I3cCccGETPID(handle.get(), 0x09, pid.data());
+         }},
+        {"VeltraSDK_GetUsbString",
+         [](const Object& handle) {
+             std::array<char, 255> text{};
+             return VeltraSDK_GetUsbString(handle.get(), 3, text.data(), text.size());
+         }},
+        {"VeltraSDK_I3cCccTransfer",
+         [](const Object& handle) {
+             std::array<uint8_t, 255> reply{};
+             uint8_t count = 0;
+             return VeltraSDK_I3cCccTransfer(
+                 handle.get(), 0x09, I3cTransferDirection_Write, I3cTransferMode_Sdr, false,
+                 I3cCccType_WithoutDefiningByte, 2, CCC{0x0B}, 0, subAddress.data(), 2,
+                 reply.data(), reply.size(), &count);
          }},
         {"VeltraSDK_I3cCccSETAASA",
          [](const Object& handle) {

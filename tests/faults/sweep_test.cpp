@@ -226,6 +226,11 @@ TYPED_TEST(FaultSweep, EveryOperationReportsEveryFailingAllocationAndTheNextOneS
     }
 }
 
+TYPED_TEST(FaultSweep, ListingTheAdaptersReportsEveryFailingAllocation) {
+    this->sweepAllocations("listing", this->connected,
+                           [](const auto&) { EXPECT_EQ(VeltraSDK_Enumerate(nullptr, 0), 1U); });
+}
+
 TYPED_TEST(FaultSweep, InstallingAHandlerReportsEveryFailingAllocation) {
     this->sweepAllocations("installing a handler", TypeParam::create, [](const auto& object) {
         TypeParam::onNotification(object, countNotification);
