@@ -181,6 +181,45 @@ public:
     void disconnect();
 
     /**
+     * @brief Tells whether the link is connected and no read has failed since, in both modes.
+     *
+     * After an unplug it becomes false within about 100 ms. It may be called from any thread, the
+     * notification handler included.
+     *
+     * @return whether the adapter can be reached, as far as the link knows.
+     */
+    bool isConnected() const;
+
+    /**
+     * @brief Switches strict mode on or off; off at first.
+     *
+     * Strict mode is described with the class. Switch while no operation runs, best before
+     * connecting. Each call sets the overlap back to 1.
+     *
+     * @param strict whether strict mode is to be on.
+     */
+    void setStrict(bool strict);
+
+    /**
+     * @brief Sets how many operations may be outstanding at once in strict mode; 1 at first.
+     *
+     * They are those of several threads. Only operations whose request has at most 512 bytes and
+     * whose response fits one report overlap; every other one has the adapter to itself. What is in
+     * flight behind a request that fails is carried out. How many requests an adapter queues is its
+     * maker's word.
+     *
+     * @param requests how many, 1 to 4.
+     * @return 0, or #ResultCode_InvalidArgument for another number or when strict mode is off.
+     */
+    uint16_t setOverlap(uint8_t requests);
+
+    /**
+     * @brief Counts the responses that strict mode has dropped, since no operation waited for them.
+     * @return how many there were since the object was created.
+     */
+    uint64_t getUnmatchedResponses() const;
+
+    /**
      * @brief Installs the receiver of notifications, which replaces the one before.
      *
      * NotificationQueue is the other way: it keeps them until they are waited for.

@@ -232,6 +232,50 @@ VELTRASDK_API bool VeltraSDK_ConnectWithSerialNumber(VeltraSDK_Handle* handle,
 VELTRASDK_API void VeltraSDK_Disconnect(VeltraSDK_Handle* handle);
 
 /**
+ * @brief Tells whether the link is connected and no read has failed since, in both modes.
+ *
+ * After an unplug it becomes false within about 100 ms. It may be called from any thread, a
+ * notification callback included.
+ *
+ * @param handle the handle; null is not connected.
+ * @return whether the adapter can be reached, as far as the link knows.
+ */
+VELTRASDK_API bool VeltraSDK_IsConnected(VeltraSDK_Handle* handle);
+
+/**
+ * @brief Switches strict mode on or off; off at first.
+ *
+ * Strict mode is described above. Switch while no call runs, best before connecting. Each call sets
+ * the overlap back to 1.
+ *
+ * @param handle the handle; null does nothing.
+ * @param strict whether strict mode is to be on.
+ */
+VELTRASDK_API void VeltraSDK_SetStrict(VeltraSDK_Handle* handle, bool strict);
+
+/**
+ * @brief Sets how many calls may be outstanding at once in strict mode; 1 at first.
+ *
+ * They are those of several threads. Only calls whose request has at most 512 bytes and whose
+ * response fits one report overlap; every other one has the adapter to itself. What is in flight
+ * behind a request that fails is carried out. How many requests an adapter queues is its maker's
+ * word.
+ *
+ * @param handle the handle.
+ * @param requests how many, 1 to 4.
+ * @return 0, or #ResultCode_InvalidArgument for another number or when strict mode is off. Sends
+ *         nothing.
+ */
+VELTRASDK_API int16_t VeltraSDK_SetOverlap(VeltraSDK_Handle* handle, uint8_t requests);
+
+/**
+ * @brief Counts the responses that strict mode has dropped, since no call waited for them.
+ * @param handle the handle; null has dropped none.
+ * @return how many there were since the handle was created.
+ */
+VELTRASDK_API uint64_t VeltraSDK_GetUnmatchedResponses(VeltraSDK_Handle* handle);
+
+/**
  * @brief Reads the adapter's five identity strings, one request each; sends 0x0407 five times.
  *
  * It ends with the first string that cannot be read. Each of the five requests has the whole

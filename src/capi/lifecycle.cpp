@@ -27,3 +27,22 @@ void VeltraSDK_Disconnect(VeltraSDK_Handle* handle) {
         handle->sdk->disconnect();
     }
 }
+
+bool VeltraSDK_IsConnected(VeltraSDK_Handle* handle) {
+    return handle != nullptr && handle->sdk->isConnected();
+}
+
+void VeltraSDK_SetStrict(VeltraSDK_Handle* handle, bool strict) {
+    if (handle != nullptr) {
+        handle->sdk->setStrict(strict);
+        handle->buffers.setShared(strict);
+    }
+}
+
+int16_t VeltraSDK_SetOverlap(VeltraSDK_Handle* handle, uint8_t requests) {
+    return withSdk(handle, [=](VeltraSDK& sdk) { return sdk.setOverlap(requests); });
+}
+
+uint64_t VeltraSDK_GetUnmatchedResponses(VeltraSDK_Handle* handle) {
+    return handle == nullptr ? 0 : handle->sdk->getUnmatchedResponses();
+}

@@ -33,12 +33,29 @@ void CommunicationManager::sendRequest(const std::vector<uint8_t>& request) {
 }
 
 void CommunicationManager::sendRequest(const uint8_t* request, size_t size) {
+    writeReports(request, size, [](bool) { return true; });
+}
+
+bool CommunicationManager::writeRequest(const uint8_t* request, size_t size) {
+    bool written = true;
+    writeReports(request, size, [&](bool succeeded) { return written = succeeded; });
+    return written;
+}
+
+template <typename GoesOn>
+void CommunicationManager::writeReports(const uint8_t* request, size_t size, const GoesOn& goesOn) {
     const UsbTransferProtocol& framing = *protocol;
     OutputReport report;
     for (size_t offset = 0; offset < size; offset += framing.getPacketPayloadLength()) {
         const size_t packetSize = framing.createPacket(report.packet(), request, size, offset);
-        driver->sendReport(report, packetSize);
+        if (!goesOn(driver->sendReport(report, packetSize))) {
+            return;
+        }
     }
+}
+
+bool CommunicationManager::hasReadError() const {
+    return driver->hasReadError();
 }
 
 void CommunicationManager::assignCallback(

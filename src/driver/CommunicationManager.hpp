@@ -31,6 +31,15 @@ public:
     void sendRequest(const std::vector<uint8_t>& request);
     void sendRequest(const uint8_t* request, size_t size);
 
+    /// The same, up to the first report that cannot be written. Returns whether all were.
+    bool writeRequest(const uint8_t* request, size_t size);
+
+    /// The longest message that one report holds; only after a successful connect.
+    [[nodiscard]] size_t maxSizeInOneReport() const { return protocol->getPacketPayloadLength(); }
+
+    /// Whether a read has failed since the last connect that opened the link.
+    [[nodiscard]] bool hasReadError() const;
+
     /// Installs the receiver of whole messages. It runs on the polling thread, and its argument is
     /// valid only during the call.
     void assignCallback(std::function<void(const std::vector<uint8_t>&)> callback);
@@ -42,6 +51,10 @@ public:
     void onDriverResponseCallback(const std::vector<uint8_t>& report);
 
 private:
+    /// Writes report by report while @p goesOn, told whether one could be written, says so.
+    template <typename GoesOn>
+    void writeReports(const uint8_t* request, size_t size, const GoesOn& goesOn);
+
     std::vector<uint8_t> receivedMessage;
     // Guards `protocol`: the polling thread runs before connect has made the framing object. The
     // driver below, destroyed first, still uses it.

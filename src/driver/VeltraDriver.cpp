@@ -84,6 +84,7 @@ bool VeltraDriver::open(const std::string& path, const std::string& serialNumber
     deviceCharacteristics = foundCharacteristics;
     devicePath = std::move(foundPath);
     isOpen = true;
+    readError = false;
     isPolling = true;
 
     // A thread that cannot be started must not leave an open device that nobody reads.
@@ -163,6 +164,7 @@ void VeltraDriver::pollingLoop() {
         hasWritten = false;
         const int received = hid_read_timeout(device, report.data(), report.size(), readTimeoutMs);
         if (received < 0) {
+            readError = true;
             if (readErrorCallback) {
                 readErrorCallback();
             }

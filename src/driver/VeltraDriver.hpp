@@ -75,6 +75,9 @@ public:
     /// Installs who is told of each read that fails, on the polling thread; only while closed.
     void onReadError(std::function<void()> callback);
 
+    /// Whether a read has failed since the device was opened.
+    [[nodiscard]] bool hasReadError() const { return readError; }
+
 private:
     void pollingLoop();
     void pausePolling(std::chrono::milliseconds pause);
@@ -90,6 +93,7 @@ private:
     hid_device* device = nullptr;
     std::function<void(const std::vector<uint8_t>&)> responseCallback;
     std::function<void()> readErrorCallback;
+    std::atomic<bool> readError{false};
     bool isOpen = false;
     std::atomic<bool> isPolling{false};
     std::thread pollingThread;

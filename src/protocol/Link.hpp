@@ -4,6 +4,9 @@
 
 #include "driver/CommunicationManager.hpp"
 #include "protocol/RequestFrame.hpp"
+#include "protocol/RequestGate.hpp"
+
+#include <atomic>
 
 /// The link as the encoders see it: it takes requests while it is connected.
 class __attribute__((visibility("hidden"))) VeltraAsyncSDK::Link {
@@ -11,6 +14,9 @@ public:
     uint16_t send(const RequestFrame& request) {
         if (!connected) {
             return ResultCode_NotConnected;
+        }
+        if (gate != nullptr) {
+            return gate->send(request);
         }
         communicationManager.sendRequest(request.data(), request.size());
         return ResultCode_Success;
@@ -23,5 +29,7 @@ public:
 
     CommunicationManager communicationManager;
     /// The outcome of the last attempt to connect; false again once disconnected.
-    bool connected = false;
+    std::atomic<bool> connected{false};
+    /// Where requests go instead of to the link, if anywhere.
+    RequestGate* gate = nullptr;
 };

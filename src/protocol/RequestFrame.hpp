@@ -52,6 +52,10 @@ public:
     [[nodiscard]] const uint8_t* data() const {
         return longer.empty() ? inPlace.data() : longer.data();
     }
+    [[nodiscard]] uint16_t transactionId() const { return headerField(0); }
+    [[nodiscard]] CommandCode commandCode() const {
+        return static_cast<CommandCode>(headerField(2));
+    }
     [[nodiscard]] size_t size() const { return longer.empty() ? sizeInPlace : longer.size(); }
 
 private:
@@ -65,6 +69,9 @@ private:
         std::copy_n(values, count, inPlace.data() + sizeInPlace);
         sizeInPlace += count;
         return *this;
+    }
+    [[nodiscard]] uint16_t headerField(size_t offset) const {
+        return static_cast<uint16_t>(data()[offset] | data()[offset + 1] << 8);
     }
     void reserve(size_t size);
     RequestFrame& appendToLonger(const uint8_t* values, size_t count);

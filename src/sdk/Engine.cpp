@@ -2,8 +2,6 @@
 
 #include "protocol/Link.hpp"
 
-#include <limits>
-
 namespace {
 
 NotificationKind kindOf(CommandCode code) {
@@ -23,30 +21,40 @@ NotificationKind kindOf(CommandCode code) {
 
 } // namespace
 
-VeltraSDK::Engine::Engine(int timeoutMs) : blockingApi(timeoutMs) {
+VeltraSDK::Engine::Engine(int timeoutMs)
+    : blockingApi(timeoutMs),
+      strictEngine(timeoutMs, transactionIds, asyncSdk.link->communicationManager) {
     asyncSdk.onResponse([this](const std::vector<uint8_t>& frame) { handleResponse(frame); });
     asyncSdk.link->communicationManager.assignReadErrorCallback([this] { handleReadError(); });
 }
 
 VeltraSDK::Engine::~Engine() {
-    // Closed before the members go, so that a queue which lives longer is told.
+    // Closed before the members go: no frame may meet them, and a queue which lives longer is told.
     disconnect();
 }
 
+bool VeltraSDK::Engine::connect(bool (VeltraAsyncSDK::*open)(const std::string&),
+                                const std::string& which) {
+    if (!isStrict) {
+        return (asyncSdk.*open)(which);
+    }
+    const std::lock_guard<std::mutex> lock(strictEngine.connectionMutex);
+    // Operations of other threads use an open link.
+    return hasLink() || (asyncSdk.*open)(which);
+}
+
 void VeltraSDK::Engine::disconnect() {
+    std::optional<StrictEngine::Closing> closing;
+    if (isStrict) {
+        closing.emplace(strictEngine);
+    }
     const bool wasOpen = asyncSdk.isConnected();
     asyncSdk.disconnect();
     tellEndOf(wasOpen);
 }
 
-uint16_t VeltraSDK::Engine::enterBootMode() {
-    const bool wasOpen = asyncSdk.isConnected();
-    const uint16_t result = asyncSdk.enterBootMode(generateTransactionId());
-    tellEndOf(wasOpen);
-    return result;
-}
-
 void VeltraSDK::Engine::handleReadError() {
+    strictEngine.handleReadError();
     if (!openLinkHasEnded.exchange(true)) {
         queue->putEndOfLink();
     }
@@ -67,10 +75,33 @@ int VeltraSDK::Engine::openQueue(size_t bytes) {
     return descriptor;
 }
 
-uint16_t VeltraSDK::Engine::generateTransactionId() {
-    const bool wraps = lastTransactionId == std::numeric_limits<uint16_t>::max();
-    lastTransactionId = wraps ? uint16_t{1} : static_cast<uint16_t>(lastTransactionId + 1);
-    return lastTransactionId;
+uint16_t VeltraSDK::Engine::enterBootMode() {
+    std::optional<StrictEngine::Closing> closing;
+    if (isStrict) {
+        closing.emplace(strictEngine);
+    }
+    const bool wasOpen = asyncSdk.isConnected();
+    const uint16_t result = asyncSdk.enterBootMode(generateTransactionId());
+    tellEndOf(wasOpen);
+    return result;
+}
+
+bool VeltraSDK::Engine::isConnected() const {
+    return hasLink() && !asyncSdk.link->communicationManager.hasReadError();
+}
+
+void VeltraSDK::Engine::setStrict(bool strict) {
+    strictEngine.setOverlap(1);
+    asyncSdk.link->gate = strict ? &strictEngine : nullptr;
+    isStrict = strict;
+}
+
+uint16_t VeltraSDK::Engine::setOverlap(uint8_t requests) {
+    if (!isStrict || requests == 0 || requests > Outstanding::maxOverlap) {
+        return ResultCode_InvalidArgument;
+    }
+    strictEngine.setOverlap(requests);
+    return ResultCode_Success;
 }
 
 void VeltraSDK::Engine::handleResponse(const std::vector<uint8_t>& frame) {
@@ -80,6 +111,10 @@ void VeltraSDK::Engine::handleResponse(const std::vector<uint8_t>& frame) {
     }
     if (response.transactionId() == 0) {
         handleNotification(frame);
+        return;
+    }
+    if (isStrict) {
+        strictEngine.handleResponse(frame);
         return;
     }
     const std::lock_guard<std::mutex> lock(blockingApi.mutex);
@@ -104,14 +139,23 @@ void VeltraSDK::Engine::onNotification(std::function<void(const Notification&)> 
     notificationHandler.swap(handler);
 }
 
-VeltraSDK::Engine::Answer::Answer(Engine& engine, uint16_t transactionId, uint16_t encoded)
-    : lock(encoded == ResultCode_Success ? BlockingApi::Lock(engine.blockingApi.mutex)
-                                         : BlockingApi::Lock()),
-      requestId(transactionId),
-      result(encoded) {
+VeltraSDK::Engine::Request VeltraSDK::Engine::beginStrict(size_t maxAnswerSize) {
+    StrictEngine::Turn turn = strictEngine.begin(maxAnswerSize);
+    const uint16_t id = turn ? turn->transactionId : uint16_t{0};
+    return {std::move(turn), id};
+}
+
+VeltraSDK::Engine::Answer::Answer(Engine& engine, Request&& request, uint16_t encoded)
+    : turn(std::move(request.turn)), requestId(request.transactionId), result(encoded) {
     if (encoded != ResultCode_Success) {
         return;
     }
+    if (turn) {
+        response.emplace(turn->response);
+        result = response->status();
+        return;
+    }
+    lock = BlockingApi::Lock(engine.blockingApi.mutex);
     if (engine.blockingApi.waitLocked(lock)) {
         response.emplace(engine.lastResponse);
         result = response->status();
@@ -120,6 +164,6 @@ VeltraSDK::Engine::Answer::Answer(Engine& engine, uint16_t transactionId, uint16
     }
 }
 
-uint16_t VeltraSDK::Engine::awaitStatus(uint16_t transactionId, uint16_t encoded) {
-    return Answer(*this, transactionId, encoded).status();
+uint16_t VeltraSDK::Engine::awaitStatus(Request&& request, uint16_t encoded) {
+    return Answer(*this, std::move(request), encoded).status();
 }

@@ -6,6 +6,7 @@
 #include "protocol/ResponseFrame.hpp"
 #include "sdk/BlockingApi.hpp"
 #include "sdk/NotificationQueue.hpp"
+#include "sdk/StrictEngine.hpp"
 
 #include <atomic>
 #include <functional>
@@ -23,12 +24,20 @@ public:
     Engine(const Engine&) = delete;
     Engine& operator=(const Engine&) = delete;
 
-    VeltraAsyncSDK& encoders() { return asyncSdk; }
-
-    uint16_t generateTransactionId();
-
+    bool connect(bool (VeltraAsyncSDK::*open)(const std::string&), const std::string& which);
     void disconnect();
     uint16_t enterBootMode();
+
+    /// Whether the link is connected, wherever the adapter is.
+    [[nodiscard]] bool hasLink() const { return asyncSdk.isConnected(); }
+    /// Whether it is connected and no read has failed since.
+    [[nodiscard]] bool isConnected() const;
+
+    void setStrict(bool strict);
+    uint16_t setOverlap(uint8_t requests);
+    [[nodiscard]] uint64_t unmatchedResponses() const { return strictEngine.unmatchedResponses(); }
+
+    uint16_t generateTransactionId() { return transactionIds.next(); }
 
     /// Routes a frame from the adapter; runs on the polling thread.
     void handleResponse(const std::vector<uint8_t>& frame);
@@ -43,12 +52,20 @@ public:
     /// descriptor.
     int openQueue(size_t bytes);
 
+    /// A request about to be made.
+    struct Request {
+        /// Its place in strict mode.
+        StrictEngine::Turn turn;
+        /// 0 when it must not be sent.
+        uint16_t transactionId;
+    };
+
     /// The answer to a request, which stays as it is while this object lives: it holds the lock
-    /// under which responses are stored.
+    /// under which responses are stored, or its turn in strict mode.
     class Answer {
     public:
-        /// Waits, unless @p encoded says that nothing was sent.
-        Answer(Engine& engine, uint16_t transactionId, uint16_t encoded);
+        /// Waits, unless @p encoded says that nothing was sent or the mode has waited already.
+        Answer(Engine& engine, Request&& request, uint16_t encoded);
 
         /// That of the request.
         [[nodiscard]] uint16_t transactionId() const { return requestId; }
@@ -73,42 +90,63 @@ public:
 
     private:
         BlockingApi::Lock lock;
+        StrictEngine::Turn turn;
         std::optional<ResponseFrame> response;
         uint16_t requestId;
         uint16_t result;
     };
 
     /// The pattern of every blocking operation: takes a transaction identifier, has @p encoder send
-    /// the request, and waits for the answer.
+    /// the request, and waits for the answer, whose frame has at most @p maxAnswerSize bytes.
     template <typename... Parameters, typename... Arguments>
-    [[nodiscard]] Answer ask(uint16_t (VeltraAsyncSDK::*encoder)(uint16_t, Parameters...),
+    [[nodiscard]] Answer ask(size_t maxAnswerSize,
+                             uint16_t (VeltraAsyncSDK::*encoder)(uint16_t, Parameters...),
                              Arguments&&... arguments) {
-        const uint16_t id = generateTransactionId();
-        return Answer(*this, id, (asyncSdk.*encoder)(id, std::forward<Arguments>(arguments)...));
+        Request request = begin(maxAnswerSize);
+        const uint16_t encoded =
+            request.transactionId == 0
+                ? uint16_t{ResultCode_NotConnected}
+                : (asyncSdk.*encoder)(request.transactionId, std::forward<Arguments>(arguments)...);
+        return Answer(*this, std::move(request), encoded);
     }
 
     /// An operation of whose answer nothing is wanted but the status.
     template <typename... Parameters, typename... Arguments>
     uint16_t command(uint16_t (VeltraAsyncSDK::*encoder)(uint16_t, Parameters...),
                      Arguments&&... arguments) {
-        const uint16_t id = generateTransactionId();
-        return awaitStatus(id, (asyncSdk.*encoder)(id, std::forward<Arguments>(arguments)...));
+        Request request = begin(ResponseFrame::minSize);
+        const uint16_t encoded =
+            request.transactionId == 0
+                ? uint16_t{ResultCode_NotConnected}
+                : (asyncSdk.*encoder)(request.transactionId, std::forward<Arguments>(arguments)...);
+        return awaitStatus(std::move(request), encoded);
+    }
+
+    /// What keeps an operation of several requests inside the object between them.
+    [[nodiscard]] StrictEngine::Presence stay() {
+        return StrictEngine::Presence(isStrict ? &strictEngine : nullptr);
     }
 
 private:
+    Request begin(size_t maxAnswerSize) {
+        return isStrict ? beginStrict(maxAnswerSize) : Request{nullptr, generateTransactionId()};
+    }
+    Request beginStrict(size_t maxAnswerSize);
     void handleNotification(const std::vector<uint8_t>& frame) const;
     void handleReadError();
     void tellEndOf(bool openLink);
-    uint16_t awaitStatus(uint16_t transactionId, uint16_t encoded);
+    uint16_t awaitStatus(Request&& request, uint16_t encoded);
 
     BlockingApi blockingApi;
-    uint16_t lastTransactionId = 0;
+    TransactionIds transactionIds;
     // Guarded by the lock of the wait.
     std::vector<uint8_t> lastResponse;
     std::function<void(const Notification&)> notificationHandler;
     std::shared_ptr<NotificationQueue::State> queue = std::make_shared<NotificationQueue::State>();
     // A read error is the end of a link that is still open; closing it then is no other.
     std::atomic<bool> openLinkHasEnded{false};
-    // Its polling thread uses all of the above.
+    // Its polling thread uses all of this object.
     VeltraAsyncSDK asyncSdk;
+    std::atomic<bool> isStrict{false};
+    StrictEngine strictEngine;
 };

@@ -8,15 +8,31 @@ VeltraSDK::VeltraSDK(int timeoutMs) : engine(std::make_unique<Engine>(timeoutMs)
 VeltraSDK::~VeltraSDK() = default;
 
 bool VeltraSDK::connect(const std::string& path) {
-    return engine->encoders().connect(path);
+    return engine->connect(&VeltraAsyncSDK::connect, path);
 }
 
 bool VeltraSDK::connectWithSerialNumber(const std::string& serialNumber) {
-    return engine->encoders().connectWithSerialNumber(serialNumber);
+    return engine->connect(&VeltraAsyncSDK::connectWithSerialNumber, serialNumber);
 }
 
 void VeltraSDK::disconnect() {
     engine->disconnect();
+}
+
+bool VeltraSDK::isConnected() const {
+    return engine->isConnected();
+}
+
+void VeltraSDK::setStrict(bool strict) {
+    engine->setStrict(strict);
+}
+
+uint16_t VeltraSDK::setOverlap(uint8_t requests) {
+    return engine->setOverlap(requests);
+}
+
+uint64_t VeltraSDK::getUnmatchedResponses() const {
+    return engine->unmatchedResponses();
 }
 
 void VeltraSDK::onNotification(std::function<void(const Notification&)> handler) {

@@ -16,7 +16,7 @@ uint16_t VeltraSDK::gpioDigitalWrite(GpioPinNumber pin, GpioLogicLevel level) {
 }
 
 uint16_t VeltraSDK::gpioDigitalRead(GpioPinNumber pin, GpioLogicLevel& level) {
-    return engine->ask(&VeltraAsyncSDK::gpioDigitalRead, pin)
+    return engine->ask(levelOffset + sizeof(level), &VeltraAsyncSDK::gpioDigitalRead, pin)
         .decoded([&](const ResponseFrame& response) {
             response.copyTo(&level, levelOffset, sizeof(level));
         });

@@ -6,6 +6,8 @@ constexpr uint8_t maxBusIndex = 1;
 constexpr size_t sevenBitCountOffset = 7;
 constexpr size_t tenBitCountOffset = 8;
 constexpr size_t dataOffset = 9;
+// As many addresses as the two counts can tell, of one and of two bytes.
+constexpr size_t maxScanAnswer = dataOffset + 3 * 255;
 
 } // namespace
 
@@ -26,7 +28,7 @@ uint16_t VeltraSDK::i2cScanBus(std::vector<uint8_t>& addresses, uint8_t* sevenBi
     if (busIndex > maxBusIndex || sevenBitCount == nullptr || tenBitCount == nullptr) {
         return ResultCode_InvalidArgument;
     }
-    return engine->ask(&VeltraAsyncSDK::i2cScanBus, busIndex, flag)
+    return engine->ask(maxScanAnswer, &VeltraAsyncSDK::i2cScanBus, busIndex, flag)
         .judged([&](const ResponseFrame& response) -> uint16_t {
             const uint8_t sevenBit = response.u8(sevenBitCountOffset);
             const uint8_t tenBit = response.u8(tenBitCountOffset);
@@ -53,6 +55,7 @@ uint16_t VeltraSDK::i2cRead(uint8_t busIndex, uint8_t targetAddress,
                             const std::vector<uint8_t>& registerAddress, uint16_t length,
                             std::vector<uint8_t>& data, bool flag) {
     return engine
-        ->ask(&VeltraAsyncSDK::i2cRead, busIndex, targetAddress, registerAddress, length, flag)
+        ->ask(dataOffset + length, &VeltraAsyncSDK::i2cRead, busIndex, targetAddress,
+              registerAddress, length, flag)
         .decoded([&](const ResponseFrame& response) { response.copyTo(data, dataOffset, length); });
 }

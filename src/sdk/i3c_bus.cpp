@@ -9,6 +9,7 @@ namespace {
 constexpr size_t recordCountOffset = 6;
 constexpr size_t recordsOffset = 7;
 constexpr size_t recordSize = 16;
+constexpr size_t maxTableAnswer = recordsOffset + 255 * recordSize;
 
 I3cTargetInfo targetAt(const ResponseFrame& response, size_t offset) {
     I3cTargetInfo target{};
@@ -57,7 +58,7 @@ uint16_t VeltraSDK::i3cInitBus(std::vector<I3cTargetInfo> targets) {
 }
 
 uint16_t VeltraSDK::i3cGetDeviceTable(std::vector<I3cTargetInfo>& table) {
-    return engine->ask(&VeltraAsyncSDK::i3cGetDeviceTable)
+    return engine->ask(maxTableAnswer, &VeltraAsyncSDK::i3cGetDeviceTable)
         .decoded([&](const ResponseFrame& response) {
             table.resize(response.u8(recordCountOffset));
             size_t offset = recordsOffset;

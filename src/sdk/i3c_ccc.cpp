@@ -73,9 +73,9 @@ I3cCccType typeOf(std::optional<uint8_t> definingByte) {
 
 template <typename Engine>
 auto query(Engine& engine, const CommonCommandCode& ccc) {
-    return engine.ask(&VeltraAsyncSDK::i3cCccTransfer, ccc.address, ccc.direction,
-                      I3cTransferMode_Sdr, false, ccc.type, lowByte(ccc.length), ccc.code,
-                      lowByte(ccc.definingByte), noData);
+    return engine.ask(dataOffset + ccc.length, &VeltraAsyncSDK::i3cCccTransfer, ccc.address,
+                      ccc.direction, I3cTransferMode_Sdr, false, ccc.type, lowByte(ccc.length),
+                      ccc.code, lowByte(ccc.definingByte), noData);
 }
 
 template <typename Engine>
@@ -207,7 +207,7 @@ uint16_t VeltraSDK::i3cCccTransfer(uint8_t address, I3cTransferDirection directi
                                    uint8_t length, CCC code, uint8_t definingByte,
                                    const Bytes& data, Bytes& reply) {
     return engine
-        ->ask(&VeltraAsyncSDK::i3cCccTransfer, address, direction, mode, optionFlag, type, length,
-              code, definingByte, data)
+        ->ask(dataOffset + length, &VeltraAsyncSDK::i3cCccTransfer, address, direction, mode,
+              optionFlag, type, length, code, definingByte, data)
         .decoded(into(reply));
 }

@@ -22,7 +22,9 @@ uint16_t VeltraSDK::i3cSdrWrite(uint8_t address, const std::vector<uint8_t>& sub
 uint16_t VeltraSDK::i3cSdrRead(uint8_t address, const std::vector<uint8_t>& subAddress,
                                uint16_t length, std::vector<uint8_t>& data,
                                I3cTransferFlags flags) {
-    return engine->ask(&VeltraAsyncSDK::i3cSdrRead, address, subAddress, length, flags)
+    return engine
+        ->ask(readDataOffset + length, &VeltraAsyncSDK::i3cSdrRead, address, subAddress, length,
+              flags)
         .decoded(into(data));
 }
 
@@ -33,7 +35,8 @@ uint16_t VeltraSDK::i3cHdrDdrWrite(uint8_t address, uint8_t hdrCommand,
 
 uint16_t VeltraSDK::i3cHdrDdrRead(uint8_t address, uint8_t hdrCommand, uint16_t length,
                                   std::vector<uint8_t>& data) {
-    return engine->ask(&VeltraAsyncSDK::i3cHdrDdrRead, address, hdrCommand, length)
+    return engine
+        ->ask(readDataOffset + length, &VeltraAsyncSDK::i3cHdrDdrRead, address, hdrCommand, length)
         .decoded(into(data));
 }
 
@@ -45,7 +48,9 @@ uint16_t VeltraSDK::i3cLegacyI2cWrite(uint8_t address, const std::vector<uint8_t
 uint16_t VeltraSDK::i3cLegacyI2cRead(uint8_t address, const std::vector<uint8_t>& subAddress,
                                      uint16_t length, std::vector<uint8_t>& data,
                                      I3cTransferFlags flags) {
-    return engine->ask(&VeltraAsyncSDK::i3cLegacyI2cRead, address, subAddress, length, flags)
+    return engine
+        ->ask(readDataOffset + length, &VeltraAsyncSDK::i3cLegacyI2cRead, address, subAddress,
+              length, flags)
         .decoded(into(data));
 }
 

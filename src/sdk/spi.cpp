@@ -23,7 +23,7 @@ uint16_t VeltraSDK::spiSetParameters(SpiBitOrder bitOrder, SpiMode mode, SpiData
 
 uint16_t VeltraSDK::spiTransfer(std::vector<uint8_t>& send, std::vector<uint8_t>& received,
                                 uint16_t length) {
-    return engine->ask(&VeltraAsyncSDK::spiTransfer, send, length)
+    return engine->ask(receivedOffset + length, &VeltraAsyncSDK::spiTransfer, send, length)
         .decoded([&](const ResponseFrame& response) {
             response.copyTo(received, receivedOffset, response.u16(receivedCountOffset));
         });

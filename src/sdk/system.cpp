@@ -4,11 +4,13 @@ namespace {
 
 constexpr size_t stringLengthOffset = 6;
 constexpr size_t stringOffset = 7;
+constexpr size_t maxStringAnswer = stringOffset + 254;
 
 } // namespace
 
 uint16_t VeltraSDK::getUsbString(std::vector<uint8_t>& text, uint8_t index) {
-    const Engine::Answer answer = engine->ask(&VeltraAsyncSDK::getUsbString, index);
+    const Engine::Answer answer =
+        engine->ask(maxStringAnswer, &VeltraAsyncSDK::getUsbString, index);
     return answer.judged([&](const ResponseFrame& response) -> uint16_t {
         if (response.transactionId() != answer.transactionId() ||
             response.commandCode() != CommandCode::GetUsbString) {
@@ -22,9 +24,10 @@ uint16_t VeltraSDK::getUsbString(std::vector<uint8_t>& text, uint8_t index) {
 }
 
 uint16_t VeltraSDK::getDeviceInfo(DeviceInfo& info) {
-    if (!engine->encoders().isConnected()) {
+    if (!engine->hasLink()) {
         return ResultCode_NotConnected;
     }
+    const StrictEngine::Presence presence = engine->stay();
     uint8_t index = 0;
     for (std::string* const field : {&info.usbString1, &info.usbString2, &info.usbString3,
                                      &info.usbString4, &info.usbString5}) {

@@ -8,9 +8,9 @@ using test_support::notConnected;
 using test_support::OwnedHandle;
 
 using GpioFunctionTest = test_support::SdkTest;
-INSTANTIATE_ON_BOTH_MODELS(GpioFunctionTest);
+INSTANTIATE_IN_BOTH_MODES(GpioFunctionTest);
 using GpioFunctionWithoutWaitingTest = test_support::ImpatientSdkTest;
-INSTANTIATE_ON_BOTH_MODELS(GpioFunctionWithoutWaitingTest);
+INSTANTIATE_IN_BOTH_MODES(GpioFunctionWithoutWaitingTest);
 
 TEST_P(GpioFunctionTest, SettingTheVoltageReturnsTheStatus) {
     onWire({0x1F, 0x00, 0x01, 0x00, 0x05, 0x04, 0xE4, 0x0C, 0x01},

@@ -10,9 +10,9 @@ using test_support::OwnedHandle;
 using test_support::refused;
 
 using I2cFunctionTest = test_support::SdkTest;
-INSTANTIATE_ON_BOTH_MODELS(I2cFunctionTest);
+INSTANTIATE_IN_BOTH_MODES(I2cFunctionTest);
 using I2cFunctionWithoutWaitingTest = test_support::ImpatientSdkTest;
-INSTANTIATE_ON_BOTH_MODELS(I2cFunctionWithoutWaitingTest);
+INSTANTIATE_IN_BOTH_MODES(I2cFunctionWithoutWaitingTest);
 
 constexpr int16_t shortResponse = -24576;
 

@@ -12,9 +12,9 @@ using test_support::sensor;
 using test_support::sensors;
 
 using I3cBusFunctionTest = test_support::SdkTest;
-INSTANTIATE_ON_BOTH_MODELS(I3cBusFunctionTest);
+INSTANTIATE_IN_BOTH_MODES(I3cBusFunctionTest);
 using I3cBusFunctionWithoutWaitingTest = test_support::ImpatientSdkTest;
-INSTANTIATE_ON_BOTH_MODELS(I3cBusFunctionWithoutWaitingTest);
+INSTANTIATE_IN_BOTH_MODES(I3cBusFunctionWithoutWaitingTest);
 
 /// A response that carries the sensors.
 Bytes tableOf(const std::vector<I3cTargetInfo>& records, uint16_t status) {

@@ -17,7 +17,7 @@ using test_support::refused;
 using test_support::untouchedByte;
 
 using I3cCccFunctionTest = test_support::SdkTest;
-INSTANTIATE_ON_BOTH_MODELS(I3cCccFunctionTest);
+INSTANTIATE_IN_BOTH_MODES(I3cCccFunctionTest);
 
 constexpr auto write = I3cTransferDirection_Write;
 constexpr auto read = I3cTransferDirection_Read;

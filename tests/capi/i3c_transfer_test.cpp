@@ -10,9 +10,9 @@ using test_support::notConnected;
 using test_support::refused;
 
 using I3cTransferFunctionTest = test_support::SdkTest;
-INSTANTIATE_ON_BOTH_MODELS(I3cTransferFunctionTest);
+INSTANTIATE_IN_BOTH_MODES(I3cTransferFunctionTest);
 using I3cTransferFunctionWithoutWaitingTest = test_support::ImpatientSdkTest;
-INSTANTIATE_ON_BOTH_MODELS(I3cTransferFunctionWithoutWaitingTest);
+INSTANTIATE_IN_BOTH_MODES(I3cTransferFunctionWithoutWaitingTest);
 
 constexpr auto none = I3cTransferFlags_None;
 constexpr auto one = static_cast<I3cTransferFlags>(1);
@@ -157,8 +157,8 @@ TEST_P(I3cTransferFunctionTest, AReadOfNoBytesStoresACountOfZero) {
 }
 
 TEST_P(I3cTransferFunctionTest, AReadWithANonzeroStatusLeavesTheBufferAndTheCount) {
-    const Bytes carried{0x33, 0x00, 0x01, 0x00, 0x08, 0x19, 0x34,
-                        0x12, 0x00, 0x00, 0x02, 0x00, 0xA1, 0xA2};
+    Bytes carried{0x33, 0x00, 0x01, 0x00, 0x08, 0x19, 0x34,
+                  0x12, 0x00, 0x00, 0x02, 0x00, 0xA1, 0xA2};
     Bytes data(4, 0xFF);
     uint16_t count = 0xEEEE;
     onWire({0x3B, 0x00, 0x01, 0x00, 0x08, 0x19, 0x50, 0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,
@@ -166,11 +166,13 @@ TEST_P(I3cTransferFunctionTest, AReadWithANonzeroStatusLeavesTheBufferAndTheCoun
            carried);
     EXPECT_EQ(VeltraSDK_I3cSdrRead(handle(), 0x50, nullptr, 0, 4, data.data(), &count, none),
               0x1234);
+    carried[2] = 0x02;
     onWire({0x3B, 0x00, 0x02, 0x00, 0x08, 0x19, 0x50, 0x05, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,
             0x04, 0x00},
            carried);
     EXPECT_EQ(VeltraSDK_I3cLegacyI2CRead(handle(), 0x50, nullptr, 0, 4, data.data(), &count, none),
               0x1234);
+    carried[2] = 0x03;
     onWire({0x3B, 0x00, 0x03, 0x00, 0x08, 0x19, 0x50, 0x03, 0x80, 0x00, 0x00, 0x00, 0x00, 0x00,
             0x04, 0x00},
            carried);

@@ -9,9 +9,9 @@ using test_support::notConnected;
 using test_support::OwnedHandle;
 
 using SpiFunctionTest = test_support::SdkTest;
-INSTANTIATE_ON_BOTH_MODELS(SpiFunctionTest);
+INSTANTIATE_IN_BOTH_MODES(SpiFunctionTest);
 using SpiFunctionWithoutWaitingTest = test_support::ImpatientSdkTest;
-INSTANTIATE_ON_BOTH_MODELS(SpiFunctionWithoutWaitingTest);
+INSTANTIATE_IN_BOTH_MODES(SpiFunctionWithoutWaitingTest);
 
 TEST_P(SpiFunctionTest, SettingTheBusVoltageReturnsTheStatus) {
     onWire({0x1F, 0x00, 0x01, 0x00, 0x05, 0x04, 0xE4, 0x0C, 0x01},

@@ -8,7 +8,7 @@ using test_support::notConnected;
 using test_support::OwnedHandle;
 
 using UartFunctionTest = test_support::SdkTest;
-INSTANTIATE_ON_BOTH_MODELS(UartFunctionTest);
+INSTANTIATE_IN_BOTH_MODES(UartFunctionTest);
 
 TEST_P(UartFunctionTest, SettingTheBusVoltageReturnsTheStatus) {
     onWire({0x1F, 0x00, 0x01, 0x00, 0x05, 0x04, 0xE4, 0x0C, 0x01},

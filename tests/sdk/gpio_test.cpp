@@ -5,7 +5,7 @@ namespace {
 using test_support::Bytes;
 
 using GpioTest = test_support::SdkTest;
-INSTANTIATE_ON_BOTH_MODELS(GpioTest);
+INSTANTIATE_IN_BOTH_MODES(GpioTest);
 
 TEST_P(GpioTest, SettingTheVoltageReturnsTheStatus) {
     onWire({0x1F, 0x00, 0x01, 0x00, 0x05, 0x04, 0xE4, 0x0C, 0x01},
@@ -88,7 +88,7 @@ TEST_P(GpioTest, DisablingAnInterruptReturnsTheStatus) {
 }
 
 using GpioWithoutWaitingTest = test_support::ImpatientSdkTest;
-INSTANTIATE_ON_BOTH_MODELS(GpioWithoutWaitingTest);
+INSTANTIATE_IN_BOTH_MODES(GpioWithoutWaitingTest);
 
 TEST_P(GpioWithoutWaitingTest, ReadingAPinWithoutResponseLeavesTheLevel) {
     onWire({0x17, 0x00, 0x01, 0x00, 0x03, 0x14, 0x05});

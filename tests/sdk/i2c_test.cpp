@@ -6,7 +6,7 @@ using test_support::Bytes;
 using test_support::counting;
 
 using I2cTest = test_support::SdkTest;
-INSTANTIATE_ON_BOTH_MODELS(I2cTest);
+INSTANTIATE_IN_BOTH_MODES(I2cTest);
 
 TEST_P(I2cTest, SettingTheBusVoltageReturnsTheStatus) {
     onWire({0x1F, 0x00, 0x01, 0x00, 0x05, 0x04, 0xE4, 0x0C, 0x01},
@@ -263,7 +263,7 @@ TEST_P(I2cTest, AScanWithoutCountPointersIsRefused) {
 }
 
 using I2cWithoutWaitingTest = test_support::ImpatientSdkTest;
-INSTANTIATE_ON_BOTH_MODELS(I2cWithoutWaitingTest);
+INSTANTIATE_IN_BOTH_MODES(I2cWithoutWaitingTest);
 
 TEST_P(I2cWithoutWaitingTest, AReadWithoutResponseLeavesTheVector) {
     Bytes data{0x01};

@@ -9,7 +9,7 @@ using test_support::sensor;
 using test_support::sensors;
 
 using I3cBusTest = test_support::SdkTest;
-INSTANTIATE_ON_BOTH_MODELS(I3cBusTest);
+INSTANTIATE_IN_BOTH_MODES(I3cBusTest);
 
 TEST_P(I3cBusTest, SettingTheVoltageReturnsTheStatus) {
     onWire({0x1B, 0x00, 0x01, 0x00, 0x04, 0x04, 0xE4, 0x0C},

@@ -12,7 +12,7 @@ using test_support::untouchedByte;
 using test_support::untouchedWord;
 
 using I3cCccTest = test_support::SdkTest;
-INSTANTIATE_ON_BOTH_MODELS(I3cCccTest);
+INSTANTIATE_IN_BOTH_MODES(I3cCccTest);
 
 constexpr auto write = I3cTransferDirection_Write;
 constexpr auto read = I3cTransferDirection_Read;

@@ -5,7 +5,7 @@ namespace {
 using test_support::Bytes;
 
 using I3cTransferTest = test_support::SdkTest;
-INSTANTIATE_ON_BOTH_MODELS(I3cTransferTest);
+INSTANTIATE_IN_BOTH_MODES(I3cTransferTest);
 
 constexpr auto none = I3cTransferFlags_None;
 constexpr auto one = static_cast<I3cTransferFlags>(1);

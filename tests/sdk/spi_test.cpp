@@ -6,7 +6,7 @@ using test_support::Bytes;
 using test_support::counting;
 
 using SpiTest = test_support::SdkTest;
-INSTANTIATE_ON_BOTH_MODELS(SpiTest);
+INSTANTIATE_IN_BOTH_MODES(SpiTest);
 
 TEST_P(SpiTest, SettingTheBusVoltageReturnsTheStatus) {
     onWire({0x1F, 0x00, 0x01, 0x00, 0x05, 0x04, 0xE4, 0x0C, 0x01},
@@ -126,7 +126,7 @@ TEST_P(SpiTest, AnOverlongCountIsFilledWithZeros) {
 }
 
 using SpiWithoutWaitingTest = test_support::ImpatientSdkTest;
-INSTANTIATE_ON_BOTH_MODELS(SpiWithoutWaitingTest);
+INSTANTIATE_IN_BOTH_MODES(SpiWithoutWaitingTest);
 
 TEST_P(SpiWithoutWaitingTest, ATransferWithoutResponseLeavesTheReceivedBytes) {
     Bytes send{0x9F};

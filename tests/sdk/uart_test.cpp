@@ -6,7 +6,7 @@ using test_support::Bytes;
 using test_support::counting;
 
 using UartTest = test_support::SdkTest;
-INSTANTIATE_ON_BOTH_MODELS(UartTest);
+INSTANTIATE_IN_BOTH_MODES(UartTest);
 
 TEST_P(UartTest, SettingTheBusVoltageReturnsTheStatus) {
     onWire({0x1F, 0x00, 0x01, 0x00, 0x05, 0x04, 0xE4, 0x0C, 0x01},
@@ -61,7 +61,7 @@ TEST_P(UartTest, TheLongestMessageGoesOutInSeveralReports) {
 }
 
 using UartWithoutWaitingTest = test_support::ImpatientSdkTest;
-INSTANTIATE_ON_BOTH_MODELS(UartWithoutWaitingTest);
+INSTANTIATE_IN_BOTH_MODES(UartWithoutWaitingTest);
 
 TEST_P(UartWithoutWaitingTest, AMessageWithoutResponseIsSent) {
     onWire({0x1F, 0x00, 0x01, 0x00, 0x05, 0x10, 0x01, 0x00, 0x41});

@@ -6,6 +6,8 @@ namespace test_support {
 
 const Model fullSpeed{"FullSpeed", 0x0001, 64};
 const Model highSpeed{"HighSpeed", 0x0002, 1024};
+const Model fullSpeedStrict{"FullSpeedStrict", 0x0001, 64, true};
+const Model highSpeedStrict{"HighSpeedStrict", 0x0002, 1024, true};
 
 Bytes counting(size_t size) {
     Bytes bytes(size);

@@ -14,6 +14,8 @@ struct Model {
     std::string name;
     uint16_t productId;
     size_t reportSize;
+    /// Whether the host speaks to it in strict mode.
+    bool strict = false;
 
     /// An output report: report identifier 0, the packet's bytes, zeros up to the report's size.
     [[nodiscard]] Bytes output(const Bytes& packet) const;
@@ -38,6 +40,8 @@ constexpr uint16_t vendorId = 0x1209;
 
 extern const Model fullSpeed;
 extern const Model highSpeed;
+extern const Model fullSpeedStrict;
+extern const Model highSpeedStrict;
 
 inline std::ostream& operator<<(std::ostream& out, const Model& model) {
     return out << model.name;
@@ -48,5 +52,20 @@ inline std::ostream& operator<<(std::ostream& out, const Model& model) {
     INSTANTIATE_TEST_SUITE_P(BothModels, Fixture,                                                  \
                              testing::Values(test_support::fullSpeed, test_support::highSpeed),    \
                              [](const auto& model) { return model.param.name; })
+
+/// The same without and with strict mode, for what holds in both.
+#define INSTANTIATE_IN_BOTH_MODES(Fixture)                                                         \
+    INSTANTIATE_TEST_SUITE_P(BothModes, Fixture,                                                   \
+                             testing::Values(test_support::fullSpeed, test_support::highSpeed,     \
+                                             test_support::fullSpeedStrict,                        \
+                                             test_support::highSpeedStrict),                       \
+                             [](const auto& model) { return model.param.name; })
+
+/// Both models in strict mode.
+#define INSTANTIATE_IN_STRICT_MODE(Fixture)                                                        \
+    INSTANTIATE_TEST_SUITE_P(                                                                      \
+        StrictMode, Fixture,                                                                       \
+        testing::Values(test_support::fullSpeedStrict, test_support::highSpeedStrict),             \
+        [](const auto& model) { return model.param.name; })
 
 } // namespace test_support

@@ -11,6 +11,7 @@ SdkTest::SdkTest(int timeout) : timeoutMs(timeout) {
 VeltraSDK& SdkTest::sdk() {
     if (blocking == nullptr) {
         blocking = std::make_unique<VeltraSDK>(timeoutMs);
+        blocking->setStrict(GetParam().strict);
         EXPECT_TRUE(blocking->connect(""));
     }
     return *blocking;
@@ -19,6 +20,7 @@ VeltraSDK& SdkTest::sdk() {
 VeltraSDK_Handle* SdkTest::handle() {
     if (flat == nullptr) {
         flat.reset(VeltraSDK_Create(timeoutMs));
+        VeltraSDK_SetStrict(flat.get(), GetParam().strict);
         EXPECT_TRUE(VeltraSDK_Connect(flat.get(), nullptr));
     }
     return flat.get();

@@ -32,7 +32,7 @@ using OwnedHandle = std::unique_ptr<VeltraSDK_Handle, DestroyHandle>;
 
 /// A blocking object and a C handle over one scripted adapter, both connected, each with its own
 /// transaction identifiers: the first request of either carries identifier 1. The fixture runs on
-/// both models.
+/// both models, and in the mode that its parameter says.
 ///
 ///     onWire({0x17, 0x00, 0x01, 0x00, 0x03, 0x14, 0x05},
 ///            {0x1F, 0x00, 0x01, 0x00, 0x03, 0x14, 0x00, 0x00, 0x01});
