@@ -85,7 +85,7 @@ static inline const char* veltraStatusName(int16_t result) {
     case VeltraStatus_LengthAboveLimit:
         return "LengthAboveLimit";
     default:
-        return NULL;
+        return NULL; // NOLINT(modernize-use-nullptr): C too
     }
 }
 

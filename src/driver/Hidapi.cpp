@@ -4,42 +4,49 @@
 
 namespace {
 
-std::mutex hidapiMutex;
-// Guarded by it.
-size_t users = 0;
-bool shared = false;
+/// The process's; the mutex guards the rest.
+struct State {
+    std::mutex mutex;
+    size_t users = 0;
+    bool shared = false;
+};
+
+State& state() {
+    static State only;
+    return only;
+}
 
 } // namespace
 
 Hidapi::Hidapi() {
     const Lock held = lock();
-    const bool isFirst = ++users == 1;
-    if (isFirst || !shared) {
+    const bool isFirst = ++state().users == 1;
+    if (isFirst || !state().shared) {
         hid_init();
     }
 }
 
 Hidapi::~Hidapi() {
     const Lock held = lock();
-    const bool isLast = --users == 0;
-    if (isLast || !shared) {
+    const bool isLast = --state().users == 0;
+    if (isLast || !state().shared) {
         hid_exit();
     }
 }
 
 bool Hidapi::share() {
     const Lock held = lock();
-    shared = shared || users == 0;
-    return shared;
+    state().shared = state().shared || state().users == 0;
+    return state().shared;
 }
 
 bool Hidapi::isShared() {
     const Lock held = lock();
-    return shared;
+    return state().shared;
 }
 
 Hidapi::Lock Hidapi::lock() {
-    return Lock(hidapiMutex);
+    return Lock(state().mutex);
 }
 
 Hidapi::Devices Hidapi::enumerate(const Lock& /*held*/) {
