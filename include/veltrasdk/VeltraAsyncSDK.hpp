@@ -41,8 +41,8 @@
  * thread, one frame at a time; it must not call any operation of the same object, nor replace the
  * callback, which would destroy the running one. Constructing, connecting, disconnecting, entering
  * boot mode and destroying must not overlap between any two objects of the process, since hidapi's
- * own calls are not safe against each other. After fork() with a connected object the child may
- * only call exec() or _exit().
+ * own calls are not safe against each other; they may with VeltraSDK::shareHidapi(). After fork()
+ * with a connected object the child may only call exec() or _exit().
  *
  * @par Exceptions
  * The library throws nothing of its own. What its standard facilities throw (std::bad_alloc, say)
@@ -53,18 +53,20 @@ public:
     /**
      * @brief Creates an object that is not connected, and initialises hidapi.
      *
-     * @warning Connect one object at a time: destroying any object shuts hidapi down for the whole
-     * process, which hidapi's libusb back end does not survive while another object is connected.
+     * @warning Without VeltraSDK::shareHidapi() connect one object at a time: destroying any object
+     * shuts hidapi down for the whole process, which hidapi's libusb back end does not survive
+     * while another object is connected.
      */
     VeltraAsyncSDK();
 
     /**
-     * @brief Closes the link and shuts hidapi down, whatever other objects exist.
+     * @brief Closes the link and shuts hidapi down, whatever other objects exist; where it is
+     * shared, with the last one only.
      *
      * No callback runs after the destructor has returned.
      *
-     * @warning Destroying one object while another one is connected makes hidapi's libusb back end
-     * abort the process: connect one object at a time.
+     * @warning Without VeltraSDK::shareHidapi() destroying one object while another one is
+     * connected makes hidapi's libusb back end abort the process: connect one object at a time.
      */
     ~VeltraAsyncSDK();
 

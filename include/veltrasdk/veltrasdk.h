@@ -91,14 +91,12 @@ extern "C" {
  *
  * Each string is a copy with a terminating NUL behind its bytes, allocated by the library with
  * `new char[]`. All five belong to the caller after each successful VeltraSDK_GetDeviceInfo(); the
- * library exports no function that releases them. VeltraSDK_GetUsbString() hands out nothing that
- * must be released.
+ * library exports no function that releases them.
  * - C++: `delete[] info.usbString1;`
- * - C: the array form of operator delete, which the C++ runtime that the library brings along
- *   exports as `_ZdaPv`: declare `void _ZdaPv(void*);`, call `_ZdaPv(info.usbString1);` and link
- *   with `-lstdc++`.
- * - Python: `library._ZdaPv(pointer)`, where `library` is the ctypes.CDLL of this library, whose
- *   dependencies are searched too, and `library._ZdaPv.argtypes` is `[ctypes.c_void_p]`.
+ * - C: use VeltraSDK_GetUsbString() instead, which hands out nothing that must be released.
+ * - Python: `library._ZdaPv(pointer)`, the array form of operator delete in the C++ runtime, where
+ *   `library` is the ctypes.CDLL of this library, whose dependencies are searched too, and
+ *   `library._ZdaPv.argtypes` is `[ctypes.c_void_p]`.
  *
  * Do not release them with free().
  */
