@@ -59,21 +59,35 @@ class CommunicationManager;
  * gives each report 1 s at most, whatever the time-out.
  *
  * @par Late responses
- * The next response is taken as the answer of the operation that waits, whatever request it
- * answers. A response that arrives after its operation has timed out completes the next operation
- * at once, whose own response then is the late one: the object stays one response behind, also
- * after disconnecting. getDeviceInfo() and getUsbString() tell: they alone check that a response is
- * their own, and return #ResultCode_UnexpectedResponse when it is not. To get back in step, give
- * the adapter the time to answer, destroy the object, and connect a new one.
+ * Without strict mode the next response is taken as the answer of the operation that waits,
+ * whatever request it answers. A response that arrives after its operation has timed out completes
+ * the next operation at once, whose own response then is the late one: the object stays one
+ * response behind, also after disconnecting. getDeviceInfo() and getUsbString() tell: they alone
+ * check that a response is their own, and return #ResultCode_UnexpectedResponse when it is not. To
+ * get back in step, give the adapter the time to answer, destroy the object, and connect a new one.
+ *
+ * @par Strict mode
+ * setStrict() switches it on; use it wherever two results must not be mixed up. Then
+ * - an operation's answer is the response with its own transaction identifier and command code.
+ *   Every other response is dropped and counted, so that a late one harms nobody;
+ * - a read error, as an unplug brings one about, ends every operation at once with
+ *   #ResultCode_NotConnected, whatever its time-out, and every later one until the link
+ *   has been closed and opened. A request that cannot be written is not written any further, and
+ *   waits up to 100 ms for a read error: without one the result is #ResultCode_NoResponse, since an
+ *   adapter that stalls has not gone;
+ * - operations may be called from several threads. They take turns in the order of the calls, and
+ *   the time-out runs from the writing of the own request. disconnect(), enterBootMode() and the
+ *   destructor end the operations of other threads with #ResultCode_NotConnected, and wait until
+ *   those have left.
  *
  * @par Threads
- * Operations on one object must not overlap. The notification handler runs on the object's polling
- * thread, one notification at a time, while an operation may be waiting in another thread; it must
- * not call any operation of the same object, nor replace the handler. Constructing, connecting,
- * disconnecting, entering boot mode, destroying and adapters() must not overlap between any two
- * objects of the process, since hidapi's own calls are not safe against each other; they may with
- * shareHidapi(). After fork() with a connected
- * object the child may only call exec() or _exit().
+ * Without strict mode operations on one object must not overlap. The notification handler runs on
+ * the object's polling thread, one notification at a time, while an operation may be waiting in
+ * another thread; it must not call any operation of the same object, nor replace the handler.
+ * Constructing, connecting, disconnecting, entering boot mode, destroying and adapters() must not
+ * overlap between any two objects of the process, since hidapi's own calls are not safe against
+ * each other; they may with shareHidapi(). After fork() with a connected object the child may only
+ * call exec() or _exit().
  *
  * @par Exceptions
  * The library throws nothing of its own. What its standard facilities throw (std::bad_alloc, say)
@@ -145,8 +159,8 @@ public:
      * @brief Opens the link to the adapter with a HID device path.
      *
      * On an open link nothing is searched and it stays as it is. An adapter that was unplugged
-     * leaves its link open, and operations return #ResultCode_NoResponse: disconnect() before
-     * connecting again.
+     * leaves its link open, and operations return #ResultCode_NoResponse, in strict mode
+     * #ResultCode_NotConnected: disconnect() before connecting again.
      *
      * @param path the HID device path, matched exactly; empty selects the first known adapter.
      * @return whether the link is open; false when no such adapter is there or it cannot be opened.
@@ -158,9 +172,9 @@ public:
      * @brief Opens the link to the adapter with a serial number.
      *
      * On an open link nothing is searched and it stays as it is. An adapter that was unplugged
-     * leaves its link open, and operations return #ResultCode_NoResponse: disconnect() before
-     * connecting again. Without write permission on the adapter's device node its serial number
-     * cannot be read, and the adapter is not found.
+     * leaves its link open, and operations return #ResultCode_NoResponse, in strict mode
+     * #ResultCode_NotConnected: disconnect() before connecting again. Without write permission on
+     * the adapter's device node its serial number cannot be read, and the adapter is not found.
      *
      * @param serialNumber the USB serial number in UTF-8, matched exactly; empty selects the first
      *                     known adapter.
@@ -201,7 +215,7 @@ public:
     void setStrict(bool strict);
 
     /**
-     * @brief Sets how many operations may be outstanding at once in strict mode; 1 at first.
+     * @brief Sets how many requests may be outstanding at once in strict mode; 1 at first.
      *
      * They are those of several threads. Only operations whose request has at most 512 bytes and
      * whose response fits one report overlap; every other one has the adapter to itself. What is in
@@ -214,8 +228,8 @@ public:
     uint16_t setOverlap(uint8_t requests);
 
     /**
-     * @brief Counts the responses that strict mode has dropped, since no operation waited for them.
-     * @return how many there were since the object was created.
+     * @brief Counts the responses that strict mode has dropped, since nobody waited for them.
+     * @return how many there were so far.
      */
     uint64_t getUnmatchedResponses() const;
 
@@ -268,7 +282,8 @@ public:
      * @brief Sends the adapter into its boot mode and closes the link; sends 0x0402.
      *
      * No response is awaited. The link is closed as by disconnect(), and the object can connect
-     * again.
+     * again. In strict mode a command that cannot be written leaves it open: the result then is
+     * #ResultCode_NoResponse, or #ResultCode_NotConnected when the adapter has gone.
      *
      * @return 0 when the command was handed to the link, whether or not it could be written;
      *         #ResultCode_NotConnected when the link is not connected.

@@ -39,23 +39,38 @@
  * report 1 s at most, whatever the time-out.
  *
  * @par Late responses
- * The next response is taken as the answer of the call that waits, whatever request it answers. A
- * response that arrives after its call has timed out completes the next call at once, whose own
- * response then is the late one: the handle stays one response behind, also after disconnecting.
- * VeltraSDK_GetDeviceInfo() tells: it alone checks that a response is its own, and returns
- * #ResultCode_UnexpectedResponse when it is not. To get back in step, give the adapter the time to
- * answer, destroy the handle, and connect a new one.
+ * Without strict mode the next response is taken as the answer of the call that waits, whatever
+ * request it answers. A response that arrives after its call has timed out completes the next call
+ * at once, whose own response then is the late one: the handle stays one response behind, also
+ * after disconnecting. VeltraSDK_GetDeviceInfo() tells: it alone checks that a response is its own,
+ * and returns #ResultCode_UnexpectedResponse when it is not. To get back in step, give the adapter
+ * the time to answer, destroy the handle, and connect a new one.
+ *
+ * @par Strict mode
+ * VeltraSDK_SetStrict() switches it on; use it wherever two results must not be mixed up. Then
+ * - a call's answer is the response with its own transaction identifier and command code. Every
+ *   other response is dropped and counted, so that a late one harms nobody;
+ * - a read error, as an unplug brings one about, ends every call at once with
+ *   #ResultCode_NotConnected, whatever its time-out, and every later one until the link
+ *   has been closed and opened. A request that cannot be written is not written any further, and
+ *   waits up to 100 ms for a read error: without one the result is #ResultCode_NoResponse, since an
+ *   adapter that stalls has not gone;
+ * - functions that send may be called from several threads. They take turns in the order of the
+ *   calls, and the time-out runs from the writing of the own request. VeltraSDK_Disconnect(),
+ *   VeltraSDK_EnterBootMode() and VeltraSDK_Destroy() end the calls of other threads with
+ *   #ResultCode_NotConnected, and wait until those have left.
  *
  * @par Threads
- * Calls on one handle must not overlap. Notification callbacks run on the handle's polling thread,
- * one at a time, while a call may be waiting in another thread; a callback must not call any
- * function of the same handle except the notification accessors. VeltraSDK_Create(),
- * VeltraSDK_Connect(), VeltraSDK_ConnectWithSerialNumber(), VeltraSDK_Disconnect(),
- * VeltraSDK_EnterBootMode(), VeltraSDK_Destroy() and VeltraSDK_Enumerate() must not overlap between
- * any two handles of the process, since hidapi's own calls are not safe against each other; they
- * may with VeltraSDK_ShareHidapi(). After fork() with a connected handle the child may only call
- * exec() or _exit(). VeltraSDK_TakeNotification() and VeltraSDK_CloseNotificationQueue() may
- * overlap other calls on the handle, as they say.
+ * Without strict mode calls on one handle must not overlap, except that
+ * VeltraSDK_TakeNotification() and VeltraSDK_CloseNotificationQueue() may overlap others, as they
+ * say. Notification callbacks run on the handle's polling thread, one at a time, while a call may be
+ * waiting in another thread; a callback must not call any function of the same handle except the
+ * notification accessors. VeltraSDK_Create(), VeltraSDK_Connect(),
+ * VeltraSDK_ConnectWithSerialNumber(), VeltraSDK_Disconnect(), VeltraSDK_EnterBootMode(),
+ * VeltraSDK_Destroy() and VeltraSDK_Enumerate() must not overlap between any two handles of the
+ * process, since hidapi's own calls are not safe against each other; they may with
+ * VeltraSDK_ShareHidapi(). After fork() with a connected handle the child may only call exec() or
+ * _exit().
  *
  * @par Exceptions
  * The functions catch nothing: what is thrown beneath them (std::bad_alloc, say) reaches the
@@ -185,8 +200,8 @@ VELTRASDK_API const char* VeltraSDK_GetVersion(void);
  * @brief Opens the link to the adapter with a HID device path.
  *
  * On an open link nothing is searched and it stays as it is. An adapter that was unplugged leaves
- * its link open, and calls return #ResultCode_NoResponse: call VeltraSDK_Disconnect() before
- * connecting again.
+ * its link open, and calls return #ResultCode_NoResponse, in strict mode #ResultCode_NotConnected:
+ * call VeltraSDK_Disconnect() before connecting again.
  *
  * @param handle the handle.
  * @param path the HID device path, matched exactly; null or empty selects the first known adapter.
@@ -200,9 +215,9 @@ VELTRASDK_API bool VeltraSDK_Connect(VeltraSDK_Handle* handle, const char* path)
  * @brief Opens the link to the adapter with a serial number.
  *
  * On an open link nothing is searched and it stays as it is. An adapter that was unplugged leaves
- * its link open, and calls return #ResultCode_NoResponse: call VeltraSDK_Disconnect() before
- * connecting again. Without write permission on the adapter's device node its serial number cannot
- * be read, and the adapter is not found.
+ * its link open, and calls return #ResultCode_NoResponse, in strict mode #ResultCode_NotConnected:
+ * call VeltraSDK_Disconnect() before connecting again. Without write permission on the adapter's
+ * device node its serial number cannot be read, and the adapter is not found.
  *
  * @param handle the handle.
  * @param serialNumber the USB serial number in UTF-8, matched exactly; empty selects the first
@@ -252,7 +267,7 @@ VELTRASDK_API bool VeltraSDK_IsConnected(VeltraSDK_Handle* handle);
 VELTRASDK_API void VeltraSDK_SetStrict(VeltraSDK_Handle* handle, bool strict);
 
 /**
- * @brief Sets how many calls may be outstanding at once in strict mode; 1 at first.
+ * @brief Sets how many requests may be outstanding at once in strict mode; 1 at first.
  *
  * They are those of several threads. Only calls whose request has at most 512 bytes and whose
  * response fits one report overlap; every other one has the adapter to itself. What is in flight
@@ -261,15 +276,14 @@ VELTRASDK_API void VeltraSDK_SetStrict(VeltraSDK_Handle* handle, bool strict);
  *
  * @param handle the handle.
  * @param requests how many, 1 to 4.
- * @return 0, or #ResultCode_InvalidArgument for another number or when strict mode is off. Sends
- *         nothing.
+ * @return 0, or #ResultCode_InvalidArgument for another number or when strict mode is off.
  */
 VELTRASDK_API int16_t VeltraSDK_SetOverlap(VeltraSDK_Handle* handle, uint8_t requests);
 
 /**
- * @brief Counts the responses that strict mode has dropped, since no call waited for them.
+ * @brief Counts the responses that strict mode has dropped, since nobody waited for them.
  * @param handle the handle; null has dropped none.
- * @return how many there were since the handle was created.
+ * @return how many there were so far.
  */
 VELTRASDK_API uint64_t VeltraSDK_GetUnmatchedResponses(VeltraSDK_Handle* handle);
 
@@ -305,7 +319,8 @@ VELTRASDK_API int16_t VeltraSDK_GetUsbString(VeltraSDK_Handle* handle, uint8_t i
  * @brief Sends the adapter into its boot mode and closes the link; sends 0x0402.
  *
  * No response is awaited. The link is closed as by VeltraSDK_Disconnect(), and the handle can
- * connect again.
+ * connect again. In strict mode a command that cannot be written leaves it open: the result then is
+ * #ResultCode_NoResponse, or #ResultCode_NotConnected when the adapter has gone.
  *
  * @param handle the handle.
  * @return 0 when the command was handed to the link, whether or not it could be written;
