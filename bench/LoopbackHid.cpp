@@ -34,12 +34,19 @@ struct hid_device_ {
     size_t reportSize;
 
     std::array<uint8_t, 4> header;
-    std::array<uint8_t, maxReportSize> response;
+
+    /// A response that has not been read.
+    struct Answer {
+        std::array<uint8_t, maxReportSize> report;
+        Clock::time_point due;
+    };
 
     std::mutex mutex;
     std::condition_variable answered;
-    bool pending;
-    Clock::time_point due;
+    // As many as there may be requests outstanding.
+    std::array<Answer, 4> answers;
+    size_t answersGiven;
+    size_t answersRead;
 };
 
 namespace {
@@ -71,11 +78,11 @@ void writeCount(const hid_device_& device, uint8_t* frame) {
 
 void answer(hid_device_& device) {
     const std::lock_guard<std::mutex> lock(device.mutex);
-    device.response = {(firstPacket | lastPacket) | (responseLength << 2U & 0xFFU)};
-    std::copy(device.header.begin(), device.header.end(), device.response.begin() + 2);
-    writeCount(device, device.response.data() + 2);
-    device.pending = true;
-    device.due = Clock::now() + responseDelay;
+    auto& [report, due] = device.answers[device.answersGiven++ % device.answers.size()];
+    report = {(firstPacket | lastPacket) | (responseLength << 2U & 0xFFU)};
+    std::copy(device.header.begin(), device.header.end(), report.begin() + 2);
+    writeCount(device, report.data() + 2);
+    due = Clock::now() + responseDelay;
     device.answered.notify_one();
 }
 
@@ -140,7 +147,8 @@ hid_device* hid_open_path(const char* /*path*/) {
     }
     device->isOpen = true;
     device->reportSize = reportSizeOfNextDevice;
-    device->pending = false;
+    device->answersGiven = 0;
+    device->answersRead = 0;
     return device;
 }
 
@@ -173,13 +181,14 @@ int hid_read_timeout(hid_device* device, unsigned char* data, size_t length, int
     }
     std::unique_lock<std::mutex> lock(device->mutex);
     if (!device->answered.wait_for(lock, std::chrono::milliseconds(milliseconds),
-                                   [&] { return device->pending; })) {
+                                   [&] { return device->answersGiven != device->answersRead; })) {
         return 0;
     }
-    device->pending = false;
-    const Clock::time_point due = device->due;
+    const auto& [report, firstDue] =
+        device->answers[device->answersRead++ % device->answers.size()];
+    const Clock::time_point due = firstDue;
     const size_t count = std::min(length, device->reportSize);
-    std::copy_n(device->response.begin(), count, data);
+    std::copy_n(report.begin(), count, data);
     lock.unlock();
     std::this_thread::sleep_until(due);
     return static_cast<int>(count);

@@ -26,11 +26,11 @@ double allocationsOf(size_t count, const Operations::Operation& operation) {
     return static_cast<double>(allocationsSoFar() - before) / static_cast<double>(count);
 }
 
-void countAllocations(size_t reportSize) {
-    const Operations operations(reportSize);
+void countAllocations(size_t reportSize, bool strict) {
+    const Operations operations(reportSize, strict);
     const auto print = [&](size_t count, const Operations::Operation& operation) {
-        std::cout << "allocations_" << operation.name << '_' << reportSize << ' '
-                  << allocationsOf(count, operation) << '\n';
+        std::cout << "allocations_" << (strict ? "strict_" : "") << operation.name << '_'
+                  << reportSize << ' ' << allocationsOf(count, operation) << '\n';
     };
     for (const Operations::Operation& operation : operations.small()) {
         print(calls, operation);
@@ -70,10 +70,11 @@ void countReadsWhileUnplugged() {
 
 int main() {
     try {
-        countAllocations(64);
-        countAllocations(1024);
-        countAllocationsOfQueue(64);
-        countAllocationsOfQueue(1024);
+        for (const size_t reportSize : {64U, 1024U}) {
+            countAllocations(reportSize, false);
+            countAllocations(reportSize, true);
+            countAllocationsOfQueue(reportSize);
+        }
         countReadsWhileUnplugged();
     } catch (const std::exception& error) {
         std::cerr << "bench_counts: " << error.what() << '\n';

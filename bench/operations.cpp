@@ -32,7 +32,7 @@ void countOneInC(const Notification* notification) {
 
 } // namespace
 
-Operations::Operations(size_t reportSize)
+Operations::Operations(size_t reportSize, bool strict)
     : sdk(timeoutMs),
       handle(VeltraSDK_Create(timeoutMs)),
       sent(size),
@@ -40,6 +40,8 @@ Operations::Operations(size_t reportSize)
       longMessage(65'535, 0x55),
       buffer(size) {
     loopback_hid::setReportSize(reportSize);
+    sdk.setStrict(strict);
+    VeltraSDK_SetStrict(handle, strict);
     sdk.connect("");
     VeltraSDK_Connect(handle, nullptr);
     sdk.onNotification([](const Notification& notification) {

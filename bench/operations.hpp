@@ -10,7 +10,7 @@
 /// The operations that are counted, on one adapter that the loopback plays, with a time-out.
 class Operations {
 public:
-    explicit Operations(size_t reportSize);
+    explicit Operations(size_t reportSize, bool strict = false);
     ~Operations();
     Operations(const Operations&) = delete;
     Operations& operator=(const Operations&) = delete;

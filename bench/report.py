@@ -29,7 +29,7 @@ def run(*command):
     ).stdout
 
 
-def instructions(build, operation, report_size, fewer, more, is_counted):
+def instructions(build, operation, report_size, fewer, more, is_counted, *mode):
     """Instructions for one operation, under callgrind, in the object files that are counted.
 
     Two runs of different length cancel what happens once.
@@ -38,7 +38,7 @@ def instructions(build, operation, report_size, fewer, more, is_counted):
     def collected(count):
         with tempfile.NamedTemporaryFile() as output:
             run("valgrind", "--tool=callgrind", f"--callgrind-out-file={output.name}", "-q",
-                build / "bench/bench_instructions", operation, report_size, count)  # fmt: skip
+                build / "bench/bench_instructions", operation, report_size, count, *mode)  # fmt: skip
             return self_cost(pathlib.Path(output.name).read_text(), is_counted)
 
     return (collected(more) - collected(fewer)) / (more - fewer)
@@ -82,8 +82,8 @@ def counts(build):
     def allocations(operation):
         return worst(lambda report_size: figures[f"allocations_{operation}_{report_size}"])
 
-    def own(operation):
-        return worst(lambda size: instructions(build, operation, size, 500, 2000, is_own))
+    def own(operation, *mode):
+        return worst(lambda size: instructions(build, operation, size, 500, 2000, is_own, *mode))
 
     def notification(operation):
         return instructions(build, operation, 64, 1000, 5000, is_own_or_runtime)
@@ -100,6 +100,10 @@ def counts(build):
         yield f"own instructions: {name}, 16 bytes", own(name), 750
     for name in in_c:
         yield f"own instructions: {name}, 16 bytes, in C", own(name), 850
+    for name in (*operations, *in_c):
+        yield f"allocations: {name}, strict mode", allocations(f"strict_{name}"), 0
+    for name in ("getUsbString", "i2cRead", "I2cRead"):
+        yield f"own instructions, strict mode / without: {name}", own(name, "strict") / own(name), 1.15
     long_request = instructions(build, "longRequest", 64, 5, 25, is_own_or_runtime)
     per_report = long_request / PACKETS_OF_LONG_REQUEST
     yield "own and runtime instructions per 64-byte report, 64 KiB", per_report, 200
@@ -127,6 +131,8 @@ def times(build, json_file):
     for report_size in REPORT_SIZES:
         ratio = by_name[f"smallOperation/{report_size}"]["ratio"]
         yield f"small operation / raw, medians, {report_size}-byte reports, 250 us", ratio, 1.03
+    speed_up = by_name["overlap/1"]["real_time"] / by_name["overlap/2"]["real_time"]
+    yield "time of an operation, overlap 2 / 1, 1 ms frames", 1 / speed_up, 1 / 1.9
     yield "disconnect, 99th percentile, ms", by_name["disconnect"]["p99_us"] / 1000, 105
 
 

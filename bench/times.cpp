@@ -4,9 +4,11 @@
 #include <veltrasdk/VeltraSDK.hpp>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <memory>
 #include <thread>
+#include <vector>
 
 #include <benchmark/benchmark.h>
 #include <hidapi.h>
@@ -89,6 +91,33 @@ void smallOperation(benchmark::State& state) {
     state.counters["ratio"] = percentile(library, 0.5) / percentile(alone, 0.5);
 }
 
+/// Small operations of as many threads as may overlap, 1 ms each.
+void overlap(benchmark::State& state) {
+    constexpr int operations = 100;
+    loopback_hid::setResponseDelay(1ms);
+    const auto threads = static_cast<uint8_t>(state.range(0));
+    loopback_hid::setReportSize(fullSpeed);
+    VeltraSDK sdk(timeoutMs);
+    sdk.setStrict(true);
+    sdk.setOverlap(threads);
+    sdk.connect("");
+    for (auto _ : state) {
+        std::atomic<int> left{operations};
+        std::vector<std::thread> users;
+        for (uint8_t user = 0; user < threads; ++user) {
+            users.emplace_back([&] {
+                GpioLogicLevel level{};
+                while (--left >= 0) {
+                    sdk.gpioDigitalRead(GpioPinNumber_1, level);
+                }
+            });
+        }
+        for (std::thread& user : users) {
+            user.join();
+        }
+    }
+}
+
 void disconnect(benchmark::State& state) {
     loopback_hid::setResponseDelay(0us);
     loopback_hid::setReportSize(fullSpeed);
@@ -129,6 +158,7 @@ const std::vector<std::vector<int64_t>> sweep{{64, 1024},
                                               {1, 4, 16, 64, 256, 1024, 4096, 16'384, 65'535}};
 
 BENCHMARK(smallOperation)->Arg(fullSpeed)->Arg(highSpeed)->Iterations(2000)->UseManualTime();
+BENCHMARK(overlap)->Arg(1)->Arg(2)->Iterations(10)->UseRealTime();
 BENCHMARK(disconnect)->Iterations(100)->UseManualTime();
 BENCHMARK(sweepLibrary)->ArgsProduct(sweep)->UseRealTime();
 BENCHMARK(sweepRaw)->ArgsProduct(sweep)->UseRealTime();
