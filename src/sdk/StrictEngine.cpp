@@ -41,7 +41,7 @@ StrictEngine::Turn StrictEngine::begin(size_t maxAnswerSize) {
     }
     do {
         slot->transactionId = transactionIds.next();
-    } while (outstanding.find(slot->transactionId) != nullptr);
+    } while (inside > 1 && outstanding.find(slot->transactionId) != nullptr);
     slot->stage = Outstanding::Stage::Preparing;
     slot->turn = turn;
     slot->maxAnswerSize = maxAnswerSize;
@@ -60,7 +60,7 @@ uint16_t StrictEngine::send(const RequestFrame& request) {
     }
     slot->goesAlone =
         request.size() > maxOverlappingRequest || slot->maxAnswerSize > link.maxSizeInOneReport();
-    turnPassed.wait(lock, [&] { return hasEnded() || outstanding.mayGo(*slot); });
+    turnPassed.wait(lock, [&] { return hasEnded() || inside == 1 || outstanding.mayGo(*slot); });
     if (hasEnded()) {
         return ResultCode_NotConnected;
     }

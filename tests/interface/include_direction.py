@@ -16,6 +16,8 @@ FLOORS = {
     "src/sdk": (
         "sdk/",
         "protocol/CommandCode.hpp",
+        "protocol/Link.hpp",
+        "protocol/RequestGate.hpp",
         "protocol/ResponseFrame.hpp",
         # Read errors are told through the link, past the encoders.
         "protocol/Link.hpp",
