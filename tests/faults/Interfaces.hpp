@@ -47,4 +47,38 @@ struct FlatInterface {
     static const std::vector<Operation>& operations();
 };
 
+/// The same in strict mode, where a link that has had a read error is closed before it is of use.
+template <typename Interface>
+struct Strict;
+
+template <>
+struct Strict<ClassInterface> : ClassInterface {
+    static Object create() {
+        Object sdk = ClassInterface::create();
+        sdk->setStrict(true);
+        return sdk;
+    }
+    static bool connect(const Object& sdk) {
+        if (!sdk->isConnected()) {
+            sdk->disconnect();
+        }
+        return ClassInterface::connect(sdk);
+    }
+};
+
+template <>
+struct Strict<FlatInterface> : FlatInterface {
+    static Object create() {
+        Object handle = FlatInterface::create();
+        VeltraSDK_SetStrict(handle.get(), true);
+        return handle;
+    }
+    static bool connect(const Object& handle) {
+        if (!VeltraSDK_IsConnected(handle.get())) {
+            VeltraSDK_Disconnect(handle.get());
+        }
+        return FlatInterface::connect(handle);
+    }
+};
+
 } // namespace test_support
