@@ -3,7 +3,8 @@
 
 usage: report.py BUILD_DIRECTORY [--counts] [--json FILE] [--update DOCUMENT]
 
-A count is the same on every machine with this compiler: one over its goal fails. Times are a trend.
+A count is the same on every machine with this compiler: one over its goal, or over its limit
+where it has one, fails. Times are a trend.
 With --counts only the counts are taken. The size sweep goes to FILE, for chart.py. What is printed
 replaces the figures of DOCUMENT, which stand between two comments.
 """
@@ -21,6 +22,15 @@ import tempfile
 REPORT_SIZES = (64, 1024)
 # A request of 64 KiB in 64-byte reports.
 PACKETS_OF_LONG_REQUEST = (65535 + 6 + 61) // 62
+
+# Goals that are not reached yet, with what each figure must stay below meanwhile.
+LIMITS = {
+    "own instructions: getUsbString": 540,
+    "own instructions, strict mode / without: getUsbString": 1.9,
+    "own instructions, strict mode / without: i2cRead": 1.8,
+    "own instructions, strict mode / without: I2cRead": 1.8,
+    "library, stripped, kB": 170,
+}
 
 
 def run(*command):
@@ -187,4 +197,4 @@ if not arguments.counts:
 print("\n".join(printed))
 if arguments.update:
     update(arguments.update, printed)
-sys.exit(any(figure > goal for _, figure, goal in counted))
+sys.exit(any(figure > LIMITS.get(name, goal) for name, figure, goal in counted))

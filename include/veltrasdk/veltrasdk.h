@@ -63,8 +63,8 @@
  * @par Threads
  * Without strict mode calls on one handle must not overlap, except that
  * VeltraSDK_TakeNotification() and VeltraSDK_CloseNotificationQueue() may overlap others, as they
- * say. Notification callbacks run on the handle's polling thread, one at a time, while a call may be
- * waiting in another thread; a callback must not call any function of the same handle except the
+ * say. Notification callbacks run on the handle's polling thread, one at a time, while a call may
+ * be waiting in another thread; a callback must not call any function of the same handle except the
  * notification accessors. VeltraSDK_Create(), VeltraSDK_Connect(),
  * VeltraSDK_ConnectWithSerialNumber(), VeltraSDK_Disconnect(), VeltraSDK_EnterBootMode(),
  * VeltraSDK_Destroy() and VeltraSDK_Enumerate() must not overlap between any two handles of the

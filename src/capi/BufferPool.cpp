@@ -1,27 +1,27 @@
 #include "capi/BufferPool.hpp"
 
-#include <utility>
-
 BufferPool::~BufferPool() {
     std::unique_lock<std::mutex> lock(mutex);
-    allReturned.wait(lock, [this] { return lent == 0; });
+    allReturned.wait(lock, [this] { return spare.size() == pooled.size(); });
 }
 
-std::unique_ptr<BufferPool::Pooled> BufferPool::take() {
+OperationBuffers* BufferPool::take() {
     const std::lock_guard<std::mutex> lock(mutex);
-    std::unique_ptr<Pooled> pooled = spare ? std::move(spare) : std::make_unique<Pooled>();
-    spare = std::move(pooled->next);
-    ++lent;
-    return pooled;
+    if (spare.empty()) {
+        spare.reserve(pooled.size() + 1);
+        pooled.push_back(std::make_unique<OperationBuffers>());
+        return pooled.back().get();
+    }
+    OperationBuffers* const buffers = spare.back();
+    spare.pop_back();
+    return buffers;
 }
 
-void BufferPool::giveBack(std::unique_ptr<Pooled> pooled) {
+void BufferPool::giveBack(OperationBuffers* buffers) {
     // Told under the lock, as the pool may be gone once the last one is back.
     const std::lock_guard<std::mutex> lock(mutex);
-    pooled->next = std::move(spare);
-    spare = std::move(pooled);
-    --lent;
-    if (lent == 0) {
+    spare.push_back(buffers);
+    if (spare.size() == pooled.size()) {
         allReturned.notify_one();
     }
 }

@@ -2,11 +2,9 @@
 
 #include <atomic>
 #include <condition_variable>
-#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <mutex>
-#include <utility>
 #include <vector>
 
 /// What a C function's bytes are copied into on their way to the class and back. It belongs to one
@@ -29,43 +27,35 @@ public:
     /// Whether calls come from several threads; changed while there is none.
     void setShared(bool shared) { isShared = shared; }
 
-private:
-    struct Pooled {
-        OperationBuffers buffers;
-        std::unique_ptr<Pooled> next;
-    };
-
-public:
     /// Buffers for one call.
     class Loan {
     public:
         explicit Loan(BufferPool& lender)
-            : pool(lender), pooled(lender.isShared ? lender.take() : nullptr) {}
+            : pool(lender), lent(lender.isShared ? lender.take() : &lender.only) {}
         ~Loan() {
-            if (pooled) {
-                pool.giveBack(std::move(pooled));
+            if (lent != &pool.only) {
+                pool.giveBack(lent);
             }
         }
         Loan(const Loan&) = delete;
         Loan& operator=(const Loan&) = delete;
 
-        [[nodiscard]] OperationBuffers& buffers() const {
-            return pooled ? pooled->buffers : pool.only;
-        }
+        [[nodiscard]] OperationBuffers& buffers() const { return *lent; }
 
     private:
         BufferPool& pool;
-        std::unique_ptr<Pooled> pooled;
+        OperationBuffers* lent;
     };
 
 private:
-    std::unique_ptr<Pooled> take();
-    void giveBack(std::unique_ptr<Pooled> pooled);
+    OperationBuffers* take();
+    void giveBack(OperationBuffers* buffers);
 
     OperationBuffers only;
     std::atomic<bool> isShared{false};
     std::mutex mutex;
-    std::unique_ptr<Pooled> spare;
-    size_t lent = 0;
+    std::vector<std::unique_ptr<OperationBuffers>> pooled;
+    // Has room for all that are pooled, so that giving back cannot fail.
+    std::vector<OperationBuffers*> spare;
     std::condition_variable allReturned;
 };

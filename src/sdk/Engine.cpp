@@ -139,14 +139,8 @@ void VeltraSDK::Engine::onNotification(std::function<void(const Notification&)> 
     notificationHandler.swap(handler);
 }
 
-VeltraSDK::Engine::Request VeltraSDK::Engine::beginStrict(size_t maxAnswerSize) {
-    StrictEngine::Turn turn = strictEngine.begin(maxAnswerSize);
-    const uint16_t id = turn ? turn->transactionId : uint16_t{0};
-    return {std::move(turn), id};
-}
-
-VeltraSDK::Engine::Answer::Answer(Engine& engine, Request&& request, uint16_t encoded)
-    : turn(std::move(request.turn)), requestId(request.transactionId), result(encoded) {
+void VeltraSDK::Engine::Answer::await(Engine& engine, uint16_t encoded) {
+    result = encoded;
     if (encoded != ResultCode_Success) {
         return;
     }
@@ -162,8 +156,4 @@ VeltraSDK::Engine::Answer::Answer(Engine& engine, Request&& request, uint16_t en
     } else {
         result = ResultCode_NoResponse;
     }
-}
-
-uint16_t VeltraSDK::Engine::awaitStatus(Request&& request, uint16_t encoded) {
-    return Answer(*this, std::move(request), encoded).status();
 }

@@ -52,23 +52,22 @@ public:
     /// descriptor.
     int openQueue(size_t bytes);
 
-    /// A request about to be made.
-    struct Request {
-        /// Its place in strict mode.
-        StrictEngine::Turn turn;
-        /// 0 when it must not be sent.
-        uint16_t transactionId;
-    };
-
     /// The answer to a request, which stays as it is while this object lives: it holds the lock
     /// under which responses are stored, or its turn in strict mode.
     class Answer {
     public:
-        /// Waits, unless @p encoded says that nothing was sent or the mode has waited already.
-        Answer(Engine& engine, Request&& request, uint16_t encoded);
+        /// Waits in strict mode for a turn, for an answer of at most @p maxAnswerSize bytes.
+        Answer(Engine& engine, size_t maxAnswerSize)
+            : turn(engine.isStrict ? engine.strictEngine.begin(maxAnswerSize) : nullptr),
+              requestId(!engine.isStrict ? engine.generateTransactionId()
+                        : turn           ? turn->transactionId
+                                         : uint16_t{0}) {}
 
-        /// That of the request.
+        /// That of the request; 0 when it must not be sent.
         [[nodiscard]] uint16_t transactionId() const { return requestId; }
+
+        /// Waits, unless @p encoded says that nothing was sent or the mode has waited already.
+        void await(Engine& engine, uint16_t encoded);
 
         /// The response's status, or why there is no response.
         [[nodiscard]] uint16_t status() const { return result; }
@@ -93,7 +92,7 @@ public:
         StrictEngine::Turn turn;
         std::optional<ResponseFrame> response;
         uint16_t requestId;
-        uint16_t result;
+        uint16_t result = ResultCode_NotConnected;
     };
 
     /// The pattern of every blocking operation: takes a transaction identifier, has @p encoder send
@@ -102,24 +101,19 @@ public:
     [[nodiscard]] Answer ask(size_t maxAnswerSize,
                              uint16_t (VeltraAsyncSDK::*encoder)(uint16_t, Parameters...),
                              Arguments&&... arguments) {
-        Request request = begin(maxAnswerSize);
-        const uint16_t encoded =
-            request.transactionId == 0
-                ? uint16_t{ResultCode_NotConnected}
-                : (asyncSdk.*encoder)(request.transactionId, std::forward<Arguments>(arguments)...);
-        return Answer(*this, std::move(request), encoded);
+        Answer answer(*this, maxAnswerSize);
+        const uint16_t id = answer.transactionId();
+        if (id != 0) {
+            answer.await(*this, (asyncSdk.*encoder)(id, std::forward<Arguments>(arguments)...));
+        }
+        return answer;
     }
 
     /// An operation of whose answer nothing is wanted but the status.
     template <typename... Parameters, typename... Arguments>
     uint16_t command(uint16_t (VeltraAsyncSDK::*encoder)(uint16_t, Parameters...),
                      Arguments&&... arguments) {
-        Request request = begin(ResponseFrame::minSize);
-        const uint16_t encoded =
-            request.transactionId == 0
-                ? uint16_t{ResultCode_NotConnected}
-                : (asyncSdk.*encoder)(request.transactionId, std::forward<Arguments>(arguments)...);
-        return awaitStatus(std::move(request), encoded);
+        return ask(ResponseFrame::minSize, encoder, std::forward<Arguments>(arguments)...).status();
     }
 
     /// What keeps an operation of several requests inside the object between them.
@@ -128,14 +122,9 @@ public:
     }
 
 private:
-    Request begin(size_t maxAnswerSize) {
-        return isStrict ? beginStrict(maxAnswerSize) : Request{nullptr, generateTransactionId()};
-    }
-    Request beginStrict(size_t maxAnswerSize);
     void handleNotification(const std::vector<uint8_t>& frame) const;
     void handleReadError();
     void tellEndOf(bool openLink);
-    uint16_t awaitStatus(Request&& request, uint16_t encoded);
 
     BlockingApi blockingApi;
     TransactionIds transactionIds;
