@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """Draws the size sweep as an SVG: chart.py SWEEP.json CHART.svg
 
 The sweep is Google Benchmark's JSON of the programs in this directory: the time of one request by the

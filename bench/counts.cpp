@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // Prints the counts that do not depend on the machine, one "name value" a line.
 #include "LoopbackHid.hpp"
 #include "allocations.hpp"

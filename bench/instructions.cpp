@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // Runs an operation a number of times, for callgrind to count:
 // `instructions OPERATION REPORT-SIZE COUNT [strict]`. The operations "notification" and
 // "Notification" receive as many notifications, by the class and by C; "queuedNotification" takes

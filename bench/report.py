@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """Runs the benchmarks of a build and prints each figure with its goal.
 
 usage: report.py BUILD_DIRECTORY [--counts] [--json FILE] [--update DOCUMENT]

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // The library beside raw hidapi, in the same run over the same stand-in.
 #include "LoopbackHid.hpp"
 

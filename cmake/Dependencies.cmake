@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 # What the library and the virtual adapter are built with. Whoever lacks something is told what to
 # type; the tests name what they need where they need it.
 set(HIDAPI_MIN_VERSION 0.13.1)

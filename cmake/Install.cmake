@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 # What `cmake --install` puts where. Everything is relative to the prefix, so that an installed
 # tree can be moved.
 include(CMakePackageConfigHelpers)

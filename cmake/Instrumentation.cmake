@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 # Sanitizers and coverage apply to everything in the build, so that no frame goes unwatched.
 if(VELTRASDK_SANITIZE)
     add_compile_options(-fsanitize=${VELTRASDK_SANITIZE} -fno-omit-frame-pointer

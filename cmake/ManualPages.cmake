@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 # The manual pages are made from the program's own --help and the sections in docs/manual, wherever
 # help2man is installed.
 find_program(HELP2MAN help2man)

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 # One switch for each component that is not the library, on where this project is the top level.
 include(CMakeDependentOption)
 

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 # The identifiers of the two adapter models. The defaults lie in the open test range; a product
 # build sets its own.
 set(VELTRASDK_USB_VENDOR_ID 0x1209 CACHE STRING "USB vendor identifier of both adapter models")

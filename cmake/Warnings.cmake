@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 # The warning set of the project; CMAKE_COMPILE_WARNING_AS_ERROR (set by the development presets)
 # makes errors of them. Another project's compiler may know warnings that nobody here has met: there
 # none is asked for, and none stops the build.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // Notification records and frames of any kind, size and content, decoded in C and in C++, at once
 // and when they are taken from a queue.
 #include "Input.hpp"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // Every operation of the class or of a C handle, with any arguments, over an adapter that answers
 // with any reports.
 #include "operations.hpp"

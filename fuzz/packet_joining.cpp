@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // Packets of any size and content, joined into messages; and back.
 #include "Input.hpp"
 

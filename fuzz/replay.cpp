@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // Runs a fuzz target once over every file of the directories given: a corpus as a test.
 #include <cstdint>
 #include <cstdio>

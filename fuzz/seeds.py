@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """Writes the seeds of every fuzz target, made from literal frames: seeds.py DIRECTORY
 
 The committed corpora are these seeds, under their names, and what the fuzzers found beyond them.

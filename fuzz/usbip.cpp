@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // What hosts may send to the USB/IP server: two connections to one adapter, with any bytes in any
 // pieces.
 #include "Input.hpp"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // The virtual adapter's request side: reports of any content to both models, under every fault.
 #include "Input.hpp"
 

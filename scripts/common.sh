@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 # shellcheck shell=bash
 # What every script here starts with: strict mode, the repository's root as working directory, the
 # surroundings that a login would make, a heading for every step, and one clear line when a step fails.

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 # shellcheck shell=bash
 # The compiler flags of the packages; what is measured is built with them too.
 

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 # A program of GoogleTest becomes tests of ctest: add_google_tests(TARGET [PREFIX TEXT] [ENVIRONMENT TEXT])
 # Each test runs in a process of its own. Under a sanitizer or an emulator, whose start takes longer than
 # most tests do, the program runs as a whole instead, in shards.

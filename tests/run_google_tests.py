@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """Runs many tests of GoogleTest in one process, and says as clearly as a process each would which one failed.
 
 usage: run_google_tests.py RESULTS.xml [NAME=VALUE...] [EMULATOR...] PROGRAM

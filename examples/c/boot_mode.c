@@ -1,3 +1,6 @@
+/* SPDX-FileCopyrightText: 2026 The libveltrasdk authors */
+/* SPDX-License-Identifier: MIT */
+
 /* Sends the adapter into its boot mode, where it waits for new firmware. */
 #include "example.h"
 

@@ -1,3 +1,6 @@
+/* SPDX-FileCopyrightText: 2026 The libveltrasdk authors */
+/* SPDX-License-Identifier: MIT */
+
 /* Drives pin 0 high and low again, and receives the interrupts of pin 1, which is wired to it. */
 #include "example.h"
 #include "inbox.h"

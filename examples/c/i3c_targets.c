@@ -1,3 +1,6 @@
+/* SPDX-FileCopyrightText: 2026 The libveltrasdk authors */
+/* SPDX-License-Identifier: MIT */
+
 /* Brings the I3C bus up, prints its targets, reads and writes one of them, and waits for what
    targets send of their own accord: an in-band interrupt and a hot-join.
 

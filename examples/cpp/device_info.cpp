@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // Prints the library's version and the adapter's five identity strings.
 #include "example.hpp"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // What the C++ examples share: connecting, and saying what to do when that fails.
 #pragma once
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // Scans I2C bus 0 and prints the contents of the EEPROM at address 0x50.
 #include "example.hpp"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // Where the C++ examples keep notifications until main() asks for them: they arrive on a thread of
 // the library's own, and are valid only while the handler runs.
 #pragma once

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // Reads the identification of the SPI flash on chip select 0.
 #include "example.hpp"
 

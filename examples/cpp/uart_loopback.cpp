@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // Sends a message over the UART, whose transmit line is wired to its receive line, and prints what
 // comes back.
 #include "example.hpp"

@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """Sends the adapter into its boot mode, where it waits for new firmware."""
 
 from veltrasdk import Adapter

@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """Prints the library's version and the adapter's five identity strings."""
 
 from veltrasdk import Adapter, library

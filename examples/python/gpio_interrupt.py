@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """Drives pin 0 high and low again, and receives the interrupts of pin 1, which is wired to it."""
 
 import ctypes

@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """Sends a message over the UART, whose transmit line is wired to its receive line, and prints what
 comes back.
 """

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """What the Python examples share: the library loaded with ctypes, and one class over it.
 
 Only the standard library is used. Every function of <veltrasdk/veltrasdk.h> can be called as

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 /**
  * @file
  * @brief The blocking interface: each operation sends one request and waits for its response.

@@ -1,3 +1,6 @@
+/* SPDX-FileCopyrightText: 2026 The libveltrasdk authors */
+/* SPDX-License-Identifier: MIT */
+
 /**
  * @file
  * @brief What is known of an adapter that is plugged in, without connecting to it.

@@ -1,3 +1,6 @@
+/* SPDX-FileCopyrightText: 2026 The libveltrasdk authors */
+/* SPDX-License-Identifier: MIT */
+
 /**
  * @file
  * @brief The declarations that the other public headers are written with.

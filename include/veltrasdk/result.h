@@ -1,3 +1,6 @@
+/* SPDX-FileCopyrightText: 2026 The libveltrasdk authors */
+/* SPDX-License-Identifier: MIT */
+
 /**
  * @file
  * @brief The result codes of the library's own; every other value is the adapter's status.

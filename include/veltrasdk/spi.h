@@ -1,3 +1,6 @@
+/* SPDX-FileCopyrightText: 2026 The libveltrasdk authors */
+/* SPDX-License-Identifier: MIT */
+
 /**
  * @file
  * @brief The enumerations of the SPI controller; each travels as one byte.

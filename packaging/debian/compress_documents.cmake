@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 # Debian wants changelogs and manual pages compressed, without a time stamp.
 file(GLOB_RECURSE documents
     ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/changelog

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 # Other packages depend on the oldest libveltrasdk1 that has every symbol they use.
 file(GLOB library ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/library${CPACK_PACKAGING_INSTALL_PREFIX}/lib/*/libveltrasdk.so.*.*)
 execute_process(

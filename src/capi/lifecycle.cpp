@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 #include "capi/Handle.hpp"
 
 VeltraSDK_Handle* VeltraSDK_Create(int32_t timeoutMs) {

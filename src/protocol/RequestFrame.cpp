@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 #include "protocol/RequestFrame.hpp"
 
 RequestFrame& RequestFrame::subAddress(const std::vector<uint8_t>& values) {

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 #include "protocol/Link.hpp"
 
 uint16_t VeltraAsyncSDK::enterBootMode(uint16_t transactionId) {

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 #include "sdk/Engine.hpp"
 
 uint16_t VeltraSDK::uartInit(UartBaudRate baudRate, UartHwHandshake handshake, UartParity parity,

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // What the queries among the Common Command Codes write, and how much of it.
 #include "capi/CccOutputs.hpp"
 #include "support/SdkTest.hpp"

@@ -1,3 +1,6 @@
+/* SPDX-FileCopyrightText: 2026 The libveltrasdk authors */
+/* SPDX-License-Identifier: MIT */
+
 /* The widths, sizes and offsets of every shared type as literal numbers. Included by a C and by a
    C++ file, so that both languages are held to the same ones; compiling is passing. */
 #include <veltrasdk/veltrasdk.h>

@@ -1,3 +1,6 @@
+/* SPDX-FileCopyrightText: 2026 The libveltrasdk authors */
+/* SPDX-License-Identifier: MIT */
+
 /* A user's program that takes any failure calmly: it says what came of each operation, and ends. */
 #include <stdio.h>
 #include <veltrasdk/veltrasdk.h>

@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """Is udev's socket in a container: takes every request and answers none: silent_udev.py LOG
 
 Writes a line to LOG for each request. Runs until it is killed.

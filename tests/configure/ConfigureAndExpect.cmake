@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 # Configures SOURCE_DIR afresh with OPTIONS. EXPECTATION is the word accepted, or a regular
 # expression that the refusal must match.
 file(REMOVE_RECURSE ${BINARY_DIR})

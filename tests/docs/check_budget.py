@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """Checks that the budget of a notification handler is told alike wherever it is told:
 check_budget.py CONTRACT FILE...
 

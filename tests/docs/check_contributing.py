@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """Checks that every path named in CONTRIBUTING.md exists, and that its layout names every room.
 
 usage: check_contributing.py ROOT

@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """Checks that the functions that the reference describes are those that the library exports:
 check_exports.py XML_DIRECTORY LIBRARY
 """

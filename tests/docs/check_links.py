@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """Checks that no link leads nowhere: check_links.py (markdown ROOT FILE.md... | html DIRECTORY)
 
 In Markdown every relative link leads to a file below ROOT, and its #anchor to a heading there. In the

@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """Checks that the protocol reference, the command codes, the encoders' comments and the bytes on the wire
 agree: check_protocol.py PROTOCOL.md CommandCode.hpp VeltraAsyncSDK.hpp PROTOCOL_FRAMES
 

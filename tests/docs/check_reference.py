@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """Checks that the built reference leaves nothing of the public interface undescribed:
 check_reference.py XML_DIRECTORY
 

@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """Checks that what C, the class and the asynchronous class share is described in the same words:
 check_texts.py XML_DIRECTORY
 

@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """Checks that the page of the virtual adapter's values leaves nothing out that the public headers leave
 to the adapter: check_values.py HEADERS PAGE
 

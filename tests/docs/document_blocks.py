@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """Runs what the fenced blocks of Markdown files say, so that no document drifts from the truth.
 
 usage: document_blocks.py run LABEL FILE.md...

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // Prints what the library sends and how it reads what it receives, field by field, under the names
 // of docs/protocol.md: check_protocol.py compares the two. Every argument has a value of its own,
 // and every byte received the value of its offset, so that no field can be taken for another.

@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """Compiles and runs every C, C++ and Python block of a Markdown file against the virtual adapter.
 
 usage: run_code_blocks.py FILE.md VIRTUAL_ADAPTER C_COMPILER CXX_COMPILER PYTHON_PATH [FLAG...]

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // hidapi shared between the objects of a process, which holds until the process ends.
 #include "support/Model.hpp"
 #include "support/SdkTest.hpp"

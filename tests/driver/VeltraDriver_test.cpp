@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 #include "driver/VeltraDriver.hpp"
 #include "support/Model.hpp"
 #include "support/ThreadStart.hpp"

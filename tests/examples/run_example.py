@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """Runs an example against the virtual adapter and compares what it prints.
 
 usage: run_example.py EXPECTED MODEL VIRTUAL_ADAPTER PROGRAM [ARGUMENT...]

@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """Runs an example where no adapter can be opened, and checks that it says what to do and fails.
 
 usage: run_without_adapter.py VIRTUAL_ADAPTER PROGRAM [ARGUMENT...]

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // A queue that cannot be opened says so, leaves nothing behind, and can be opened afterwards.
 #include "faults/FailingAllocation.hpp"
 #include "support/Readable.hpp"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // An exception that leaves the polling thread ends the process: there is nobody to catch it.
 #include "faults/FailingAllocation.hpp"
 #include "support/SdkTest.hpp"

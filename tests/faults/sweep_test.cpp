@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // What can fail beneath the library fails, one point after the other, until nothing is left to
 // fail; each time the object must be of use afterwards and nothing may be left behind.
 #include "faults/FailingAllocation.hpp"

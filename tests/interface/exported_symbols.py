@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """Compares what a shared library exports and imports with what its headers promise.
 
 The exported C functions are exactly those that the headers declare; everything else exported

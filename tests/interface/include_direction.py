@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """Checks that includes run one way: capi -> sdk -> protocol -> driver -> hidapi.
 
 A floor includes its own files, the public headers and the listed files of the floor beneath it.

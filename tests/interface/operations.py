@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """Compares every list of all operations by name: operations.py ROOT
 
 An operation stands on each floor of the library, among the command codes, on the protocol page and

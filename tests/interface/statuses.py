@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """Compares the statuses that the public header names, those that the model of the adapter answers with
 and those of the page about it, by name and value: statuses.py ROOT
 """

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // The library on a real kernel, run inside the virtual machine: stack_test COMMAND
 #include <veltrasdk/VeltraSDK.hpp>
 

@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """Runs a program that reads the adapter's strings under valgrind and checks what becomes of them.
 
 usage: check_strings.py FAULT VIRTUAL_ADAPTER VALGRIND PROGRAM [ARGUMENT...]

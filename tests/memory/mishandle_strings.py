@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """Reads the adapter's strings and does not release them as it must.
 
 usage: mishandle_strings.py keep|free

@@ -1,4 +1,6 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """Checks what lintian does not see in the Debian packages: check_packages.py BUILD_DIRECTORY
 
 The packages and the build that made them are in BUILD_DIRECTORY.

@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 """Holds run_google_tests.py to what it says of tests that go wrong.
 
 usage: check_run_google_tests.py RUNNER PROGRAM

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // What check_run_google_tests.py runs, one at a time.
 #include <gtest/gtest.h>
 

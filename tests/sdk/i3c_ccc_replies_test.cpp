@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // What the queries among the Common Command Codes make of their replies.
 #include "support/SdkTest.hpp"
 

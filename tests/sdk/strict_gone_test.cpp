@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // In strict mode whoever waits learns at once that the adapter has gone. The objects wait without
 // limit, or for longer than any test lasts: what does not end them lets them hang.
 #include "support/SdkTest.hpp"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // In strict mode an operation's answer is the response with its own identifier and command code.
 #include "support/SdkTest.hpp"
 

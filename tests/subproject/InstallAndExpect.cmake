@@ -1,3 +1,5 @@
+# SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+# SPDX-License-Identifier: MIT
 # Installs the parent project in BINARY_DIR as it is, and once more with the library's files asked for.
 function(install_and_list result)
     set(prefix ${BINARY_DIR}/prefix)

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // The stand-in itself: what it is told to do with a conversation, it does.
 #include "support/AsyncSdkTest.hpp"
 

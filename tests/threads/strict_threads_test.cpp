@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // Strict mode with several threads on one object. What these tests look for, the thread sanitizer
 // finds; the other builds run the same code.
 #include "support/SdkTest.hpp"

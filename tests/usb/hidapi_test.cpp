@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // What hidapi's libusb back end does to whoever uses it, each trap reproduced once.
 #include "support/ScriptedHid.hpp"
 #include "usb/UsbTestBed.hpp"

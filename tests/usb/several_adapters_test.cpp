@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 // Two adapters in one process, through the real hidapi and libusb.
 #include "support/ScriptedHid.hpp"
 #include "usb/UsbTestBed.hpp"

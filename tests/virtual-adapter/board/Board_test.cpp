@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 #include "board/Board.hpp"
 
 #include "board/parts/I2cTemperatureSensor.hpp"

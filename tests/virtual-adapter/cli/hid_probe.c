@@ -1,3 +1,6 @@
+/* SPDX-FileCopyrightText: 2026 The libveltrasdk authors */
+/* SPDX-License-Identifier: MIT */
+
 /* Plays hidapi calls, one per argument, and prints what each returned. */
 
 #include <hidapi.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 #include "board/parts/I3cTemperatureSensor.hpp"
 
 namespace virtual_adapter {

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 #include "model/i3c/I3cDeviceTable.hpp"
 
 #include "model/i3c/i3c_records.hpp"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 #include "board/parts/I2cEeprom.hpp"
 
 #include "virtual-adapter/model/i2c/I2cModel.hpp"

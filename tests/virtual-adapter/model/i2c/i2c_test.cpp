@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 #include "virtual-adapter/model/i2c/I2cModel.hpp"
 
 using virtual_adapter::AdapterFixture;

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 #include "virtual-adapter/model/i3c/I3cModel.hpp"
 
 using virtual_adapter::Bytes;

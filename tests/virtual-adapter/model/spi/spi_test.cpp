@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
 #include "virtual-adapter/AdapterFixture.hpp"
 
 using virtual_adapter::AdapterFixture;
