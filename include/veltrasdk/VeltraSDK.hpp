@@ -205,7 +205,7 @@ public:
      *
      * @return whether the adapter can be reached, as far as the link knows.
      */
-    bool isConnected() const;
+    [[nodiscard]] bool isConnected() const;
 
     /**
      * @brief Switches strict mode on or off; off at first.
@@ -234,7 +234,7 @@ public:
      * @brief Counts the responses that strict mode has dropped, since nobody waited for them.
      * @return how many there were so far.
      */
-    uint64_t getUnmatchedResponses() const;
+    [[nodiscard]] uint64_t getUnmatchedResponses() const;
 
     /**
      * @brief Installs the receiver of notifications, which replaces the one before.

@@ -11,12 +11,10 @@
 class RequestGate {
 public:
     RequestGate() = default;
+    virtual ~RequestGate() = default;
     RequestGate(const RequestGate&) = delete;
     RequestGate& operator=(const RequestGate&) = delete;
 
     /// Sees to @p request, and returns what the encoder is to return.
     virtual uint16_t send(const RequestFrame& request) = 0;
-
-protected:
-    ~RequestGate() = default;
 };

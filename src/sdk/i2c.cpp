@@ -10,7 +10,7 @@ constexpr size_t sevenBitCountOffset = 7;
 constexpr size_t tenBitCountOffset = 8;
 constexpr size_t dataOffset = 9;
 // As many addresses as the two counts can tell, of one and of two bytes.
-constexpr size_t maxScanAnswer = dataOffset + 3 * 255;
+constexpr size_t maxScanAnswer = dataOffset + size_t{3} * 255;
 
 } // namespace
 

@@ -25,6 +25,7 @@ protected:
     /// Expects the request that reads pin 5 under identifier 1, and answers it with @p packets.
     void onWireSeveral(const std::vector<Bytes>& packets) {
         std::vector<Bytes> answers;
+        answers.reserve(packets.size());
         for (const Bytes& packet : packets) {
             answers.push_back(GetParam().input(packet));
         }
@@ -158,7 +159,7 @@ public:
         if (requests++ == 0) {
             return {};
         }
-        const std::vector<Bytes> answers(late.begin(), late.end());
+        std::vector<Bytes> answers(late.begin(), late.end());
         late.clear();
         return answers;
     }
