@@ -83,6 +83,18 @@ void* operator new[](size_t size) {
     return test_support::allocate(size);
 }
 
+void* operator new(size_t size, const std::nothrow_t& /*tag*/) noexcept {
+    try {
+        return test_support::allocate(size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+void* operator new[](size_t size, const std::nothrow_t& /*tag*/) noexcept {
+    return operator new(size, std::nothrow);
+}
+
 void operator delete(void* memory) noexcept {
     test_support::release(memory);
 }
