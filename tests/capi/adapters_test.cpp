@@ -15,8 +15,8 @@ namespace {
 class AdaptersTest : public testing::Test {
 protected:
     void attach(std::optional<std::string> path, std::optional<std::wstring> serialNumber,
-                const Model& model = fullSpeed) {
-        hid.attach({std::move(path), vendorId, model.productId, std::move(serialNumber)});
+                const Variant& variant = fullSpeed) {
+        hid.attach({std::move(path), vendorId, variant.productId, std::move(serialNumber)});
     }
 
     /// The one that is attached.

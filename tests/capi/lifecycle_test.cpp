@@ -177,9 +177,9 @@ TEST(Lifecycle, CreatingAndDestroyingSendsNothingAndOpensNothing) {
 }
 
 using LifecycleTest = SdkTest;
-INSTANTIATE_ON_BOTH_MODELS(LifecycleTest);
+INSTANTIATE_ON_BOTH_VARIANTS(LifecycleTest);
 using ImpatientLifecycleTest = ImpatientSdkTest;
-INSTANTIATE_ON_BOTH_MODELS(ImpatientLifecycleTest);
+INSTANTIATE_ON_BOTH_VARIANTS(ImpatientLifecycleTest);
 
 TEST_P(LifecycleTest, DestroyingAConnectedHandleClosesTheLinkAndSendsNothing) {
     VeltraSDK_Handle* const handle = VeltraSDK_Create(0);

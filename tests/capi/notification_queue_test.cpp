@@ -24,7 +24,7 @@ void countCallback(const Notification* /*notification*/) {
 }
 
 class NotificationQueueInC : public SdkTest {};
-INSTANTIATE_ON_BOTH_MODELS(NotificationQueueInC);
+INSTANTIATE_ON_BOTH_VARIANTS(NotificationQueueInC);
 
 TEST_P(NotificationQueueInC, ANotificationIsWaitedForTakenAndDecoded) {
     const int descriptor = VeltraSDK_OpenNotificationQueue(handle(), ample);

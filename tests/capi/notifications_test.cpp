@@ -80,7 +80,7 @@ protected:
 private:
     OwnedHandle idle{VeltraSDK_Create(0)};
 };
-INSTANTIATE_ON_BOTH_MODELS(BridgeTest);
+INSTANTIATE_ON_BOTH_VARIANTS(BridgeTest);
 
 TEST_P(BridgeTest, ANotificationReachesTheCallbackAsARecordOverTheHandlesBuffer) {
     route({0x00, 0x00, 0x81, 0x14, 0x00, 0x00, 0x2A});

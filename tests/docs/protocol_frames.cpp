@@ -7,7 +7,7 @@
 
 #include "driver/UsbTransferProtocol.hpp"
 #include "protocol/ResponseFrame.hpp"
-#include "support/Model.hpp"
+#include "support/Variant.hpp"
 
 #include <veltrasdk/VeltraAsyncSDK.hpp>
 #include <veltrasdk/VeltraSDK.hpp>
@@ -69,8 +69,8 @@ Bytes beginOf(const uint8_t* data) {
     return {data[0], data[1]};
 }
 
-void attach(ScriptedHid& hid, const Model& model) {
-    hid.attach({"1-1:1.0", vendorId, model.productId, L"VA-0001"});
+void attach(ScriptedHid& hid, const Variant& variant) {
+    hid.attach({"1-1:1.0", vendorId, variant.productId, L"VA-0001"});
 }
 
 /// The encoders, each called with arguments that differ.
@@ -366,8 +366,8 @@ void printExchange() {
 }
 
 void printLimits() {
-    const auto payloadOf = [](const Model& model) {
-        return std::to_string(UsbTransferProtocol(model.reportSize).getPacketPayloadLength());
+    const auto payloadOf = [](const Variant& variant) {
+        return std::to_string(UsbTransferProtocol(variant.reportSize).getPacketPayloadLength());
     };
     print("shortest frame", std::to_string(ResponseFrame::minSize));
     print("longest message", std::to_string(UsbTransferProtocol::maxMessageSize));

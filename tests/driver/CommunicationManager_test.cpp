@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 
 #include "driver/CommunicationManager.hpp"
-#include "support/Model.hpp"
 #include "support/ThreadStart.hpp"
+#include "support/Variant.hpp"
 
 #include <chrono>
 #include <functional>
@@ -15,7 +15,7 @@ using namespace test_support;
 
 namespace {
 
-class CommunicationManagerTest : public testing::TestWithParam<Model> {
+class CommunicationManagerTest : public testing::TestWithParam<Variant> {
 protected:
     CommunicationManagerTest() {
         hid.attach({"1-1:1.0", vendorId, GetParam().productId, L"VA-0001"});
@@ -38,7 +38,7 @@ protected:
     std::vector<Bytes> received;
     CommunicationManager manager;
 };
-INSTANTIATE_ON_BOTH_MODELS(CommunicationManagerTest);
+INSTANTIATE_ON_BOTH_VARIANTS(CommunicationManagerTest);
 
 TEST_P(CommunicationManagerTest, AnEmptyRequestSendsNothing) {
     ASSERT_TRUE(manager.connect("", ""));
@@ -191,7 +191,7 @@ TEST_P(CommunicationManagerTest, AFailedConnectChangesNothing) {
 }
 
 TEST_P(CommunicationManagerTest, AfterConnectingTheOtherModelRequestsAreSplitByItsSize) {
-    const Model& other = GetParam().reportSize == fullSpeed.reportSize ? highSpeed : fullSpeed;
+    const Variant& other = GetParam().reportSize == fullSpeed.reportSize ? highSpeed : fullSpeed;
     hid.attach({"1-2:1.0", vendorId, other.productId, L"VA-0002"});
     const Bytes request = counting(1023);
     hid.expectWrites(GetParam().outputs(request), {});

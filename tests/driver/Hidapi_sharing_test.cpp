@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 
 // hidapi shared between the objects of a process, which holds until the process ends.
-#include "support/Model.hpp"
 #include "support/SdkTest.hpp"
+#include "support/Variant.hpp"
 
 #include <memory>
 #include <string>

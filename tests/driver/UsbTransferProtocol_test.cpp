@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "driver/UsbTransferProtocol.hpp"
-#include "support/Model.hpp"
+#include "support/Variant.hpp"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 
 #include "driver/VeltraDriver.hpp"
 #include "support/ConditionWait.hpp"
-#include "support/Model.hpp"
+#include "support/Variant.hpp"
 
 #include <atomic>
 #include <chrono>

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 
 #include "driver/VeltraDriver.hpp"
-#include "support/Model.hpp"
 #include "support/ThreadStart.hpp"
+#include "support/Variant.hpp"
 
 #include <cerrno>
 #include <chrono>
@@ -23,8 +23,8 @@ namespace {
 const ScriptedDevice mouse{"1-9:1.0", 0x046D, 0xC077, L"MOUSE"};
 
 ScriptedDevice adapter(std::optional<std::string> path, std::optional<std::wstring> serialNumber,
-                       const Model& model = fullSpeed) {
-    return {std::move(path), vendorId, model.productId, std::move(serialNumber)};
+                       const Variant& variant = fullSpeed) {
+    return {std::move(path), vendorId, variant.productId, std::move(serialNumber)};
 }
 
 class VeltraDriverTest : public testing::Test {
@@ -47,19 +47,19 @@ protected:
 // The list of models.
 
 TEST(VeltraDriver, TheFullSpeedModelHasReportsOf64Bytes) {
-    const auto* const model = VeltraDriver::findMervoDeviceCharacteristics(0x1209, 0x0001);
-    ASSERT_NE(model, nullptr);
-    EXPECT_EQ(model->vendorId, 0x1209);
-    EXPECT_EQ(model->productId, 0x0001);
-    EXPECT_EQ(model->endpointSize, 64U);
+    const auto* const variant = VeltraDriver::findMervoDeviceCharacteristics(0x1209, 0x0001);
+    ASSERT_NE(variant, nullptr);
+    EXPECT_EQ(variant->vendorId, 0x1209);
+    EXPECT_EQ(variant->productId, 0x0001);
+    EXPECT_EQ(variant->endpointSize, 64U);
 }
 
 TEST(VeltraDriver, TheHighSpeedModelHasReportsOf1024Bytes) {
-    const auto* const model = VeltraDriver::findMervoDeviceCharacteristics(0x1209, 0x0002);
-    ASSERT_NE(model, nullptr);
-    EXPECT_EQ(model->vendorId, 0x1209);
-    EXPECT_EQ(model->productId, 0x0002);
-    EXPECT_EQ(model->endpointSize, 1024U);
+    const auto* const variant = VeltraDriver::findMervoDeviceCharacteristics(0x1209, 0x0002);
+    ASSERT_NE(variant, nullptr);
+    EXPECT_EQ(variant->vendorId, 0x1209);
+    EXPECT_EQ(variant->productId, 0x0002);
+    EXPECT_EQ(variant->endpointSize, 1024U);
 }
 
 TEST(VeltraDriver, OtherIdentifiersAreNoModel) {

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "driver/VeltraDriver.hpp"
-#include "support/Model.hpp"
+#include "support/Variant.hpp"
 
 #include <memory>
 #include <optional>
@@ -14,7 +14,7 @@ using namespace test_support;
 namespace {
 
 /// What passes through a driver that has been opened, and what it does when nothing does.
-class VeltraDriverTraffic : public testing::TestWithParam<Model> {
+class VeltraDriverTraffic : public testing::TestWithParam<Variant> {
 protected:
     VeltraDriverTraffic() {
         hid.attach({"1-1:1.0", vendorId, GetParam().productId, L"VA-0001"});
@@ -26,7 +26,7 @@ protected:
     std::vector<Bytes> received;
     VeltraDriver driver;
 };
-INSTANTIATE_ON_BOTH_MODELS(VeltraDriverTraffic);
+INSTANTIATE_ON_BOTH_VARIANTS(VeltraDriverTraffic);
 
 // Writing.
 

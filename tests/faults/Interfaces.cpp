@@ -15,7 +15,7 @@ const char* const longSerialNumber = "VA-0001-with-more-characters-than-a-string
 
 const Bytes subAddress{0x12, 0x34};
 
-/// Takes several reports, also on the high-speed model.
+/// Takes several reports, also on the high-speed variant.
 const Bytes longData = counting(3000);
 
 } // namespace

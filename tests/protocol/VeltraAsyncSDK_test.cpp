@@ -123,7 +123,7 @@ TEST(VeltraAsyncSDK, NotBeingConnectedIsToldBeforeAnArgumentIsRefused) {
 }
 
 using VeltraAsyncSDKTest = AsyncSdkTest;
-INSTANTIATE_ON_BOTH_MODELS(VeltraAsyncSDKTest);
+INSTANTIATE_ON_BOTH_VARIANTS(VeltraAsyncSDKTest);
 
 TEST_P(VeltraAsyncSDKTest, EveryEncoderRefusesToSendAfterADisconnect) {
     sdk.disconnect();

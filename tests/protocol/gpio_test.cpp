@@ -6,7 +6,7 @@
 namespace {
 
 using GpioEncoderTest = test_support::AsyncSdkTest;
-INSTANTIATE_ON_BOTH_MODELS(GpioEncoderTest);
+INSTANTIATE_ON_BOTH_VARIANTS(GpioEncoderTest);
 
 TEST_P(GpioEncoderTest, TheVoltageIsTheSharedIoVoltage) {
     EXPECT_EQ(sdk.gpioSetVoltage(0x1234, 1800, true), 0);

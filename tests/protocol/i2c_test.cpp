@@ -9,7 +9,7 @@ using test_support::Bytes;
 using test_support::counting;
 
 using I2cEncoderTest = test_support::AsyncSdkTest;
-INSTANTIATE_ON_BOTH_MODELS(I2cEncoderTest);
+INSTANTIATE_ON_BOTH_VARIANTS(I2cEncoderTest);
 
 TEST_P(I2cEncoderTest, TheSharedIoVoltageTravelsWithItsFlag) {
     EXPECT_EQ(sdk.setI2cSpiUartGpioVoltage(0x1234, 3300, true), 0);

@@ -12,7 +12,7 @@ using test_support::sensor;
 using test_support::sensors;
 
 using I3cBusEncoderTest = test_support::AsyncSdkTest;
-INSTANTIATE_ON_BOTH_MODELS(I3cBusEncoderTest);
+INSTANTIATE_ON_BOTH_VARIANTS(I3cBusEncoderTest);
 
 TEST_P(I3cBusEncoderTest, TheVoltageIsSentInSixBytesWithoutAnEnableByte) {
     EXPECT_EQ(sdk.i3cSetBusVoltage(0x0201, 3300), 0);

@@ -8,7 +8,7 @@ namespace {
 using test_support::Bytes;
 
 using I3cCccEncoderTest = test_support::AsyncSdkTest;
-INSTANTIATE_ON_BOTH_MODELS(I3cCccEncoderTest);
+INSTANTIATE_ON_BOTH_VARIANTS(I3cCccEncoderTest);
 
 constexpr auto write = I3cTransferDirection_Write;
 constexpr auto read = I3cTransferDirection_Read;

@@ -8,7 +8,7 @@ namespace {
 using test_support::Bytes;
 
 using I3cTransferEncoderTest = test_support::AsyncSdkTest;
-INSTANTIATE_ON_BOTH_MODELS(I3cTransferEncoderTest);
+INSTANTIATE_ON_BOTH_VARIANTS(I3cTransferEncoderTest);
 
 constexpr auto none = I3cTransferFlags_None;
 constexpr auto one = static_cast<I3cTransferFlags>(1);

@@ -9,7 +9,7 @@ using test_support::Bytes;
 using test_support::counting;
 
 using SpiEncoderTest = test_support::AsyncSdkTest;
-INSTANTIATE_ON_BOTH_MODELS(SpiEncoderTest);
+INSTANTIATE_ON_BOTH_VARIANTS(SpiEncoderTest);
 
 TEST_P(SpiEncoderTest, TheBusVoltageIsTheSharedIoVoltage) {
     EXPECT_EQ(sdk.spiSetBusVoltage(0x1234, 1800, true), 0);

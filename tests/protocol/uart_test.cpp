@@ -9,7 +9,7 @@ using test_support::Bytes;
 using test_support::counting;
 
 using UartEncoderTest = test_support::AsyncSdkTest;
-INSTANTIATE_ON_BOTH_MODELS(UartEncoderTest);
+INSTANTIATE_ON_BOTH_VARIANTS(UartEncoderTest);
 
 TEST_P(UartEncoderTest, TheBusVoltageIsTheSharedIoVoltage) {
     EXPECT_EQ(sdk.uartSetBusVoltage(0x1234, 1800, true), 0);

@@ -424,7 +424,7 @@ protected:
         EXPECT_TRUE(hid.waitForReads(hid.readCalls() + 3));
     }
 };
-INSTANTIATE_ON_BOTH_MODELS(NotificationQueueLinkTest);
+INSTANTIATE_ON_BOTH_VARIANTS(NotificationQueueLinkTest);
 
 TEST_P(NotificationQueueLinkTest, ANotificationOfSeveralReportsIsOneEntry) {
     NotificationQueue queue(sdk(), ample);

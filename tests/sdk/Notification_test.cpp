@@ -233,7 +233,7 @@ TEST(Notification, AnEmptyRecordIsRefusedByEveryAccessor) {
 // Over the link.
 
 using NotificationOverTheLink = SdkTest;
-INSTANTIATE_ON_BOTH_MODELS(NotificationOverTheLink);
+INSTANTIATE_ON_BOTH_VARIANTS(NotificationOverTheLink);
 
 TEST_P(NotificationOverTheLink, ANotificationReachesTheHandlerWithoutAnyOperation) {
     std::vector<Bytes> frames;

@@ -41,11 +41,11 @@ PinRead readPin(VeltraSDK& sdk) {
 constexpr auto untouched = static_cast<GpioLogicLevel>(0xEE);
 
 using EngineTest = SdkTest;
-INSTANTIATE_ON_BOTH_MODELS(EngineTest);
+INSTANTIATE_ON_BOTH_VARIANTS(EngineTest);
 
 /// The engine with a time-out of 0: an operation ends at once, and responses come late.
 using LateResponseTest = ImpatientSdkTest;
-INSTANTIATE_ON_BOTH_MODELS(LateResponseTest);
+INSTANTIATE_ON_BOTH_VARIANTS(LateResponseTest);
 
 // Transaction identifiers.
 
@@ -348,7 +348,7 @@ TEST_P(EngineTest, ASerialNumberThatCannotBeConvertedLeavesConnectAsARangeError)
 }
 
 TEST_P(EngineTest, ConnectingTheOtherModelGoesOnWithItsReportSize) {
-    const Model& other = GetParam().reportSize == fullSpeed.reportSize ? highSpeed : fullSpeed;
+    const Variant& other = GetParam().reportSize == fullSpeed.reportSize ? highSpeed : fullSpeed;
     hid.attach({"1-2:1.0", vendorId, other.productId, L"VA-0002"});
     hid.expectWrite(GetParam().output(readPin1), {GetParam().input(pinIsHigh1)});
     hid.expectWrite(other.output(readPin2), {other.input(pinIsHigh2)});

@@ -150,12 +150,12 @@ TEST_P(StrictLateResponseTest, ALateResponseOfManyReportsIsOneUnmatchedResponse)
 /// response comes late: together with the second one, behind a first attempt that has given up.
 class TwoDevices {
 public:
-    explicit TwoDevices(const Model& adapter) : model(adapter) {}
+    explicit TwoDevices(const Variant& adapter) : variant(adapter) {}
 
     std::vector<Bytes> operator()(const Bytes& report) {
         Bytes response{report[3], report[4], report[5], report[6], 0x00, 0x00, 0x00, 0x00, 0x00};
         response.resize(9 + 16, report[10]);
-        late.push_back(model.inputs(response).front());
+        late.push_back(variant.inputs(response).front());
         if (requests++ == 0) {
             return {};
         }
@@ -165,7 +165,7 @@ public:
     }
 
 private:
-    const Model& model;
+    const Variant& variant;
     std::deque<Bytes> late;
     size_t requests = 0;
 };
@@ -209,7 +209,7 @@ TEST_P(StrictOutOfStepTest, AfterOneLateResponseEveryReadOfTwoDevicesHasItsOwnDa
 
 /// What an object does that has left strict mode, or was never in it.
 class NotStrictTest : public ImpatientSdkTest {};
-INSTANTIATE_ON_BOTH_MODELS(NotStrictTest);
+INSTANTIATE_ON_BOTH_VARIANTS(NotStrictTest);
 
 TEST_P(NotStrictTest, SwitchedOffAgainTheNextResponseIsTheAnswerWhateverItAnswers) {
     sdk().setStrict(true);

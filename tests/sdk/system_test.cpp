@@ -12,7 +12,7 @@ INSTANTIATE_IN_BOTH_MODES(SystemTest);
 
 /// What strict mode does otherwise.
 using SystemOutOfStepTest = SdkTest;
-INSTANTIATE_ON_BOTH_MODELS(SystemOutOfStepTest);
+INSTANTIATE_ON_BOTH_VARIANTS(SystemOutOfStepTest);
 
 const Bytes askForString1{0x17, 0x00, 0x01, 0x00, 0x07, 0x04, 0x01};
 const Bytes askForString2{0x17, 0x00, 0x02, 0x00, 0x07, 0x04, 0x02};

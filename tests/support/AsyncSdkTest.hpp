@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "support/Model.hpp"
+#include "support/Variant.hpp"
 
 #include <veltrasdk/VeltraAsyncSDK.hpp>
 
@@ -13,7 +13,7 @@ namespace test_support {
 ///
 ///     EXPECT_EQ(sdk.gpioDigitalRead(1, GpioPinNumber_5), 0);
 ///     expectSent({0x17, 0x00, 0x01, 0x00, 0x03, 0x14, 0x05});
-class AsyncSdkTest : public testing::TestWithParam<Model> {
+class AsyncSdkTest : public testing::TestWithParam<Variant> {
 protected:
     AsyncSdkTest();
 

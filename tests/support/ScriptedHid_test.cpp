@@ -40,7 +40,7 @@ protected:
     // may look.
     Bytes received;
 };
-INSTANTIATE_ON_BOTH_MODELS(ScriptedHidTest);
+INSTANTIATE_ON_BOTH_VARIANTS(ScriptedHidTest);
 
 TEST_P(ScriptedHidTest, AWriteThatDiffersShowsTheBytesExpectedAndSeen) {
     const std::string rest = "\n  and " + std::to_string(GetParam().reportSize + 1 - 8) + " zeros";

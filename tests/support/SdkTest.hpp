@@ -4,7 +4,7 @@
 #pragma once
 
 #include "capi/Handle.hpp"
-#include "support/Model.hpp"
+#include "support/Variant.hpp"
 
 #include <veltrasdk/VeltraSDK.hpp>
 #include <veltrasdk/veltrasdk.h>
@@ -40,7 +40,7 @@ using OwnedHandle = std::unique_ptr<VeltraSDK_Handle, DestroyHandle>;
 ///     onWire({0x17, 0x00, 0x01, 0x00, 0x03, 0x14, 0x05},
 ///            {0x1F, 0x00, 0x01, 0x00, 0x03, 0x14, 0x00, 0x00, 0x01});
 ///     EXPECT_EQ(sdk().gpioDigitalRead(GpioPinNumber_5, level), 0);
-class SdkTest : public testing::TestWithParam<Model> {
+class SdkTest : public testing::TestWithParam<Variant> {
 protected:
     explicit SdkTest(int timeoutMs = patientMs);
 

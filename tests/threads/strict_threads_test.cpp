@@ -38,7 +38,7 @@ size_t word(uint8_t low, uint8_t high) {
 /// Whatever it is asked to read, it answers with the target's address.
 class Adapter {
 public:
-    explicit Adapter(const Model& adapterModel) : model(adapterModel) {}
+    explicit Adapter(const Variant& adapterVariant) : variant(adapterVariant) {}
 
     std::vector<Bytes> operator()(const Bytes& report) {
         constexpr size_t packet = 1;
@@ -52,7 +52,7 @@ public:
             return {};
         }
         const Bytes whole = std::exchange(request, {});
-        return model.inputs(responseTo(whole));
+        return variant.inputs(responseTo(whole));
     }
 
     static Bytes responseTo(const Bytes& request) {
@@ -70,7 +70,7 @@ public:
     }
 
 private:
-    const Model& model;
+    const Variant& variant;
     Bytes request;
 };
 

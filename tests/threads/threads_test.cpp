@@ -58,7 +58,7 @@ protected:
         EXPECT_EQ(ScriptedHid::readingThreads(), 0U) << "a thread is left that could call back";
     }
 };
-INSTANTIATE_ON_BOTH_MODELS(ThreadsTest);
+INSTANTIATE_ON_BOTH_VARIANTS(ThreadsTest);
 
 /// The response to reading 40 bytes: everything behind the command code has one value.
 Bytes responseOf(uint8_t value) {
@@ -366,9 +366,9 @@ TEST(Threads, TwoObjectsWorkInTwoThreads) {
     hid.attach({"1-1:1.0", vendorId, fullSpeed.productId, L"VA-0001"});
     hid.attach({"1-2:1.0", vendorId, highSpeed.productId, L"VA-0002"});
     hid.respond([](const Bytes& report) {
-        const Model& model = report.size() == 65 ? fullSpeed : highSpeed;
+        const Variant& variant = report.size() == 65 ? fullSpeed : highSpeed;
         return std::vector<Bytes>{
-            model.input({0x1F, 0x00, report[3], report[4], 0x03, 0x14, 0x00, 0x00, report[7]})};
+            variant.input({0x1F, 0x00, report[3], report[4], 0x03, 0x14, 0x00, 0x00, report[7]})};
     });
     // hidapi wants these calls one at a time.
     std::mutex lifecycle;

@@ -82,10 +82,10 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(BothModels, UsbModelTest, testing::Values("full-speed", "high-speed"),
-                         [](const auto& model) {
-                             return model.param == std::string("full-speed") ? "FullSpeed"
-                                                                             : "HighSpeed";
+INSTANTIATE_TEST_SUITE_P(BothVariants, UsbModelTest, testing::Values("full-speed", "high-speed"),
+                         [](const auto& variant) {
+                             return variant.param == std::string("full-speed") ? "FullSpeed"
+                                                                               : "HighSpeed";
                          });
 
 TEST_P(UsbModelTest, TheFirstAdapterIsFoundAndIdentifiesItself) {

@@ -12,8 +12,8 @@
 
 namespace test_support {
 
-/// An adapter model as the wire sees it.
-struct Model {
+/// An adapter variant as the wire sees it.
+struct Variant {
     std::string name;
     uint16_t productId;
     size_t reportSize;
@@ -41,20 +41,20 @@ Bytes memoryOf(const Object& object) {
 
 constexpr uint16_t vendorId = 0x1209;
 
-extern const Model fullSpeed;
-extern const Model highSpeed;
-extern const Model fullSpeedStrict;
-extern const Model highSpeedStrict;
+extern const Variant fullSpeed;
+extern const Variant highSpeed;
+extern const Variant fullSpeedStrict;
+extern const Variant highSpeedStrict;
 
-inline std::ostream& operator<<(std::ostream& out, const Model& model) {
-    return out << model.name;
+inline std::ostream& operator<<(std::ostream& out, const Variant& variant) {
+    return out << variant.name;
 }
 
-/// Runs every test of a fixture on both models.
-#define INSTANTIATE_ON_BOTH_MODELS(Fixture)                                                        \
-    INSTANTIATE_TEST_SUITE_P(BothModels, Fixture,                                                  \
+/// Runs every test of a fixture on both variants.
+#define INSTANTIATE_ON_BOTH_VARIANTS(Fixture)                                                      \
+    INSTANTIATE_TEST_SUITE_P(BothVariants, Fixture,                                                \
                              testing::Values(test_support::fullSpeed, test_support::highSpeed),    \
-                             [](const auto& model) { return model.param.name; })
+                             [](const auto& variant) { return variant.param.name; })
 
 /// The same without and with strict mode, for what holds in both.
 #define INSTANTIATE_IN_BOTH_MODES(Fixture)                                                         \
@@ -62,13 +62,13 @@ inline std::ostream& operator<<(std::ostream& out, const Model& model) {
                              testing::Values(test_support::fullSpeed, test_support::highSpeed,     \
                                              test_support::fullSpeedStrict,                        \
                                              test_support::highSpeedStrict),                       \
-                             [](const auto& model) { return model.param.name; })
+                             [](const auto& variant) { return variant.param.name; })
 
-/// Both models in strict mode.
+/// Both variants in strict mode.
 #define INSTANTIATE_IN_STRICT_MODE(Fixture)                                                        \
     INSTANTIATE_TEST_SUITE_P(                                                                      \
         StrictMode, Fixture,                                                                       \
         testing::Values(test_support::fullSpeedStrict, test_support::highSpeedStrict),             \
-        [](const auto& model) { return model.param.name; })
+        [](const auto& variant) { return variant.param.name; })
 
 } // namespace test_support

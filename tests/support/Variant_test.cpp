@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The libveltrasdk authors
 // SPDX-License-Identifier: MIT
 
-#include "support/Model.hpp"
+#include "support/Variant.hpp"
 
 namespace {
 

@@ -1,16 +1,16 @@
 // SPDX-FileCopyrightText: 2026 The libveltrasdk authors
 // SPDX-License-Identifier: MIT
 
-#include "support/Model.hpp"
+#include "support/Variant.hpp"
 
 #include <algorithm>
 
 namespace test_support {
 
-const Model fullSpeed{"FullSpeed", 0x0001, 64};
-const Model highSpeed{"HighSpeed", 0x0002, 1024};
-const Model fullSpeedStrict{"FullSpeedStrict", 0x0001, 64, true};
-const Model highSpeedStrict{"HighSpeedStrict", 0x0002, 1024, true};
+const Variant fullSpeed{"FullSpeed", 0x0001, 64};
+const Variant highSpeed{"HighSpeed", 0x0002, 1024};
+const Variant fullSpeedStrict{"FullSpeedStrict", 0x0001, 64, true};
+const Variant highSpeedStrict{"HighSpeedStrict", 0x0002, 1024, true};
 
 Bytes counting(size_t size) {
     Bytes bytes(size);
@@ -20,19 +20,19 @@ Bytes counting(size_t size) {
     return bytes;
 }
 
-Bytes Model::input(const Bytes& packet) const {
+Bytes Variant::input(const Bytes& packet) const {
     Bytes report = packet;
     report.resize(reportSize);
     return report;
 }
 
-Bytes Model::output(const Bytes& packet) const {
+Bytes Variant::output(const Bytes& packet) const {
     Bytes report = input(packet);
     report.insert(report.begin(), 0);
     return report;
 }
 
-std::vector<Bytes> Model::inputs(const Bytes& message) const {
+std::vector<Bytes> Variant::inputs(const Bytes& message) const {
     const size_t capacity = reportSize - 2;
     std::vector<Bytes> reports;
     size_t offset = 0;
@@ -50,7 +50,7 @@ std::vector<Bytes> Model::inputs(const Bytes& message) const {
     return reports;
 }
 
-std::vector<Bytes> Model::outputs(const Bytes& message) const {
+std::vector<Bytes> Variant::outputs(const Bytes& message) const {
     std::vector<Bytes> reports = inputs(message);
     for (Bytes& report : reports) {
         report.insert(report.begin(), 0);
