@@ -7,7 +7,7 @@
 
 namespace virtual_adapter {
 
-/// The board that the adapter has unless told otherwise. docs/virtual-adapter.md describes it for
+/// The board that the adapter has unless told otherwise. docs/virtual-adapter/ describes it for
 /// users.
 Board factoryBoard();
 
