@@ -13,7 +13,7 @@ root = pathlib.Path(sys.argv[1])
 LISTS = {
     "include/veltrasdk/status.h": r"^ +VeltraStatus_(\w+) = (0x\w+),",
     "virtual-adapter/model/Status.hpp": r"^ +(\w+) = (0x\w+),",
-    "docs/virtual-adapter/README.md": r"^\| (?P<value>0x\w+) \| `(?P<name>\w+)` \| [^|]+ \|$",
+    "docs/virtual-adapter/index.md": r"^\| (?P<value>0x\w+) \| `(?P<name>\w+)` \| [^|]+ \|$",
 }
 
 found = {}

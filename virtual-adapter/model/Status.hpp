@@ -7,7 +7,7 @@
 
 namespace virtual_adapter {
 
-/// The status of a response. docs/virtual-adapter/README.md lists them for users.
+/// The status of a response. docs/virtual-adapter/index.md lists them for users.
 enum class Status : uint16_t {
     Success = 0x0000,
     /// No command has this code.
