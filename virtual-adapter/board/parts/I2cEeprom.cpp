@@ -56,4 +56,10 @@ void I2cEeprom::stop() {
     attemptsUntilReady = attemptsPerWriteCycle;
 }
 
+void I2cEeprom::cyclePower() {
+    pendingBytes.clear();
+    attemptsUntilReady = 0;
+    position = 0;
+}
+
 } // namespace virtual_adapter

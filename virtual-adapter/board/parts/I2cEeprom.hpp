@@ -39,6 +39,7 @@ public:
     bool write(uint8_t byte) override;
     uint8_t read() override;
     void stop() override;
+    void cyclePower() override;
 
 private:
     const Geometry geometry;

@@ -26,7 +26,8 @@ void I2cBus::stop() {
 }
 
 void I2cBus::cyclePower() {
-    stop();
+    // The wires fall without a STOP.
+    addressed = nullptr;
     for (const auto& [address, target] : targets) {
         target->cyclePower();
     }

@@ -28,7 +28,8 @@ public:
     uint8_t read() { return addressed->read(); }
     void stop();
 
-    /// Takes the power of every target away and gives it back.
+    /// Takes the power of every target away and gives it back. A transfer that is still open ends
+    /// without its STOP.
     void cyclePower();
 
     /// In ascending order.

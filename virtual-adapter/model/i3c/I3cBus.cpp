@@ -3,6 +3,8 @@
 
 #include "model/i3c/I3cBus.hpp"
 
+#include "model/i3c/i3c_records.hpp"
+
 #include <algorithm>
 #include <utility>
 
@@ -60,6 +62,16 @@ bool I3cBus::isLegacyAt(uint8_t address, I2cTransferRate rate) const {
     const auto fastest = fastestRates.find(address);
     // The enumerators count from the fastest rate down.
     return fastest != fastestRates.end() && rate >= fastest->second;
+}
+
+void I3cBus::start(bool repeated) {
+    legacyBus.start(i3cBroadcastAddress, I2cDirection::Write);
+    if (repeated) {
+        return;
+    }
+    for (I3cTarget* target : powered()) {
+        target->receiveStart();
+    }
 }
 
 void I3cBus::cyclePower() {

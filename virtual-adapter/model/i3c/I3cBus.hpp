@@ -32,8 +32,13 @@ public:
     /// The wires as the legacy devices see them.
     I2cBus& legacy() { return legacyBus; }
     [[nodiscard]] bool isLegacy(uint8_t address) const;
+    /// Whether legacy devices share the wires.
+    [[nodiscard]] bool hasLegacyDevices() const { return !fastestRates.empty(); }
     /// Whether a legacy device stands at @p address that follows the rate.
     [[nodiscard]] bool isLegacyAt(uint8_t address, I2cTransferRate rate) const;
+
+    /// Sends a START, a repeated one inside a transfer, and the broadcast address.
+    void start(bool repeated);
 
     /// Takes the power away and gives it back.
     void cyclePower();

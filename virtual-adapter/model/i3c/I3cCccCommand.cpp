@@ -29,7 +29,7 @@ struct Format {
     size_t maxOperands;
 };
 
-constexpr std::array<Format, 23> formats{{
+constexpr std::array<Format, 24> formats{{
     {CCC_ENECBroadcast, Kind::Broadcast, DefiningByte::Optional, 1, 1},
     {CCC_DISECBroadcast, Kind::Broadcast, DefiningByte::Optional, 1, 1},
     {CCC_RSTDAA, Kind::Broadcast, DefiningByte::Optional, 0, 0},
@@ -51,9 +51,21 @@ constexpr std::array<Format, 23> formats{{
     {CCC_GETBCR, Kind::Read, DefiningByte::None, 0, 0},
     {CCC_GETDCR, Kind::Read, DefiningByte::None, 0, 0},
     {CCC_GETSTATUS, Kind::Read, DefiningByte::Optional, 0, 0},
+    {ccc_GETMXDS, Kind::Read, DefiningByte::Optional, 0, 0},
     {CCC_GETCAPS, Kind::Read, DefiningByte::Optional, 0, 0},
     {CCC_RSTACTDirect, Kind::Read, DefiningByte::Required, 0, 0},
 }};
+
+constexpr unsigned firstDirectCode = 0x80;
+
+/// The code's format of that kind, or null.
+const Format* formatOf(CCC code, Kind kind) {
+    const auto* const found =
+        std::find_if(formats.begin(), formats.end(), [=](const Format& candidate) {
+            return candidate.code == code && candidate.kind == kind;
+        });
+    return found == formats.end() ? nullptr : found;
+}
 
 bool namesEvents(CCC code) {
     return code == CCC_ENECBroadcast || code == CCC_DISECBroadcast || code == CCC_ENECDirect ||
@@ -61,23 +73,29 @@ bool namesEvents(CCC code) {
 }
 
 /// An address that is data lies above a zero bit.
-Status checkAddressByte(uint8_t byte) {
+Status checkAddressByte(uint8_t byte, bool besideLegacy) {
     if (byte % 2 != 0) {
         return Status::InvalidParameter;
     }
-    return isReservedI3cAddress(byte / 2) ? Status::AddressReserved : Status::Success;
+    return isReservedI3cAddress(byte / 2, besideLegacy) ? Status::AddressReserved : Status::Success;
 }
 
 } // namespace
 
-I3cCccCommand::I3cCccCommand(ByteReader& request)
+I3cCccCommand::I3cCccCommand(ByteReader& request, bool besideLegacy)
     : targetAddress(request.u8()),
       control(request.u8()),
       lengthField(request.u8()),
       commandCode(request.u8()),
       definingByteField(request.u8()),
       data(request.rest()),
-      checked(request.consumedExactly() ? check() : Status::MalformedRequest) {}
+      checked(request.consumedExactly() && isWellFormed() ? check(besideLegacy)
+                                                          : Status::MalformedRequest) {}
+
+bool I3cCccCommand::isKnown() const {
+    return std::any_of(formats.begin(), formats.end(),
+                       [this](const Format& format) { return format.code == commandCode; });
+}
 
 Kind I3cCccCommand::kind() const {
     if (targetAddress == i3cBroadcastAddress) {
@@ -101,28 +119,36 @@ Bytes I3cCccCommand::operands() const {
     return bytes;
 }
 
-Status I3cCccCommand::check() const {
-    const auto* const format =
-        std::find_if(formats.begin(), formats.end(), [this](const Format& candidate) {
-            return candidate.code == commandCode && candidate.kind == kind();
-        });
-    const bool broadcastRead = kind() == Kind::Broadcast && (control & directionBit) != 0;
-    if (format == formats.end() || broadcastRead || targetAddress > i3cBroadcastAddress ||
-        (control & modeAndOptionBits) != 0 || control >> typeShift > I3cCccType_WithDefiningByte) {
+bool I3cCccCommand::isWellFormed() const {
+    const Bytes given = operands();
+    if (kind() == Kind::Read ? !given.empty() : lengthField != given.size()) {
+        return false;
+    }
+    const Format* const format = formatOf(code(), kind());
+    return format == nullptr ||
+           (given.size() >= format->minOperands && given.size() <= format->maxOperands);
+}
+
+Status I3cCccCommand::check(bool besideLegacy) const {
+    const bool broadcast = kind() == Kind::Broadcast;
+    const bool broadcastRead = broadcast && (control & directionBit) != 0;
+    if (broadcastRead || broadcast != (commandCode < firstDirectCode) ||
+        targetAddress > i3cBroadcastAddress || (control & modeAndOptionBits) != 0 ||
+        control >> typeShift > I3cCccType_WithDefiningByte) {
         return Status::InvalidParameter;
     }
+    if (!isKnown()) {
+        return Status::Success;
+    }
+    const Format* const format = formatOf(code(), kind());
     const DefiningByte refused =
         definingByte().has_value() ? DefiningByte::None : DefiningByte::Required;
-    if (format->definingByte == refused) {
+    if (format == nullptr || format->definingByte == refused) {
         return Status::InvalidParameter;
     }
     const Bytes given = operands();
-    const bool counted = kind() == Kind::Read || lengthField == given.size();
-    if (!counted || given.size() < format->minOperands || given.size() > format->maxOperands) {
-        return Status::MalformedRequest;
-    }
     if (code() == CCC_SETDASA || code() == CCC_SETNEWDA) {
-        return checkAddressByte(given[0]);
+        return checkAddressByte(given[0], besideLegacy);
     }
     const bool knownEvents = !namesEvents(code()) || (given[0] & ~i3c_event::all) == 0;
     return knownEvents ? Status::Success : Status::InvalidParameter;

@@ -18,11 +18,15 @@ class I3cCccCommand {
 public:
     enum class Kind { Broadcast, Write, Read };
 
-    explicit I3cCccCommand(ByteReader& request);
+    /// @p besideLegacy: whether legacy I2C devices share the bus.
+    I3cCccCommand(ByteReader& request, bool besideLegacy);
 
-    /// Whether the controller can send the command: the code is one that it knows, and the rest
-    /// is what the code calls for.
+    /// Whether the controller can send the command: of a code that it knows, the rest is what the
+    /// code calls for.
     [[nodiscard]] Status status() const { return checked; }
+
+    /// Whether the code is one that the targets know.
+    [[nodiscard]] bool isKnown() const;
 
     [[nodiscard]] Kind kind() const;
     [[nodiscard]] uint8_t address() const { return targetAddress; }
@@ -37,7 +41,9 @@ public:
     [[nodiscard]] Bytes echo() const { return {targetAddress, commandCode, definingByteField}; }
 
 private:
-    [[nodiscard]] Status check() const;
+    [[nodiscard]] Status check(bool besideLegacy) const;
+    /// Whether there are as many bytes as the length field and the code say.
+    [[nodiscard]] bool isWellFormed() const;
 
     uint8_t targetAddress;
     unsigned control;

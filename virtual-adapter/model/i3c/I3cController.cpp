@@ -3,8 +3,6 @@
 
 #include "model/i3c/I3cController.hpp"
 
-#include "model/i3c/i3c_records.hpp"
-
 #include <algorithm>
 
 namespace virtual_adapter {
@@ -57,6 +55,7 @@ Status I3cController::resetBus() {
         return Status::NotInitialised;
     }
     bus.legacy().stop();
+    bus.start(false);
     for (I3cTarget* target : bus.powered()) {
         target->disableEvents(i3c_event::all);
     }
@@ -77,7 +76,7 @@ bool I3cController::isHeardByLegacy(uint8_t address) const {
 }
 
 void I3cController::start() {
-    bus.legacy().start(i3cBroadcastAddress, I2cDirection::Write);
+    bus.start(held);
 }
 
 void I3cController::stop() {
@@ -101,6 +100,7 @@ void I3cController::serveHotJoin() {
         if (!target->requestsHotJoin()) {
             continue;
         }
+        bus.start(false);
         table.assignAll();
         if (target->dynamicAddress() == 0) {
             continue;
@@ -125,6 +125,7 @@ void I3cController::serveInterrupts() {
         if (!target->requestsInterrupt() || !table.acceptsInterruptsOf(*target)) {
             continue;
         }
+        bus.start(false);
         const Bytes payload = target->raiseInterrupt();
         outbox.notify(CommandCode::I3cIbiNotification,
                       ByteWriter()

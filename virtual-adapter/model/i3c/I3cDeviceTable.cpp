@@ -33,8 +33,14 @@ I3cTargetInfo I3cDeviceTable::Entry::record() const {
     return record;
 }
 
+bool I3cDeviceTable::isBesideLegacy() const {
+    return bus.hasLegacyDevices() || std::any_of(wishes.begin(), wishes.end(), isLegacy);
+}
+
 Status I3cDeviceTable::check(const std::vector<I3cTargetInfo>& hostRecords) {
-    const Status status = checkRecords(hostRecords);
+    const bool besideLegacy =
+        bus.hasLegacyDevices() || std::any_of(hostRecords.begin(), hostRecords.end(), isLegacy);
+    const Status status = checkRecords(hostRecords, besideLegacy);
     if (status != Status::Success) {
         return status;
     }
@@ -168,7 +174,7 @@ bool I3cDeviceTable::belongsToAnother(const I3cTargetInfo& record) {
 }
 
 Status I3cDeviceTable::assignable(uint8_t address, const I3cTarget& target) {
-    if (isReservedI3cAddress(address)) {
+    if (isReservedI3cAddress(address, isBesideLegacy())) {
         return Status::AddressReserved;
     }
     const std::vector<I3cTarget*> present = bus.powered();

@@ -15,6 +15,9 @@ class I3cDeviceTable {
 public:
     explicit I3cDeviceTable(I3cBus& itsBus) : bus(itsBus) {}
 
+    /// Whether legacy devices stand on the bus, or are expected there.
+    [[nodiscard]] bool isBesideLegacy() const;
+
     /// Whether the bus can be what the records of the host say.
     Status check(const std::vector<I3cTargetInfo>& hostRecords);
     /// Assigns the addresses of a bus without any, as the records say.

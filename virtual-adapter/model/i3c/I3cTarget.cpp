@@ -10,6 +10,7 @@ namespace virtual_adapter {
 
 namespace {
 
+constexpr uint8_t bcrLimitedDataSpeed = 0x01;
 constexpr uint8_t bcrIbiPayload = 0x04;
 constexpr uint8_t bcrAdvancedCapabilities = 0x20;
 constexpr uint8_t hdrModeDdr = 0x01;
@@ -17,12 +18,32 @@ constexpr uint8_t hdrModeDdr = 0x01;
 constexpr uint16_t minWriteLimit = 8;
 constexpr uint16_t minReadLimit = 16;
 
-// The formats of GETSTATUS and GETCAPS.
+// The formats of GETSTATUS, GETCAPS and GETMXDS.
 constexpr uint8_t formatStandard = 0x00;
 constexpr uint8_t formatTestPattern = 0x5A;
 
 constexpr uint8_t peripheralResetMilliseconds = 1;
 constexpr uint8_t wholeTargetResetMilliseconds = 10;
+
+/// The rate in the words of GETMXDS (MIPI I3C Basic v1.1.1, section 5.1.9.3.18), which has none for
+/// 10 MHz and none below 2 MHz.
+uint8_t maxSustainedRate(I3cPushPullRate fastest) {
+    switch (fastest) {
+    case I3cPushPullRate_12_5_MHz:
+        return 0;
+    case I3cPushPullRate_10_MHz:
+    case I3cPushPullRate_8_MHz:
+        return 1;
+    case I3cPushPullRate_6_MHz:
+        return 2;
+    case I3cPushPullRate_4_MHz:
+        return 3;
+    case I3cPushPullRate_2_MHz:
+    case I3cPushPullRate_1_MHz:
+        break;
+    }
+    return 4;
+}
 
 } // namespace
 
@@ -47,6 +68,10 @@ bool I3cTarget::hasIbiPayload() const {
 
 bool I3cTarget::supportsHdrDdr() const {
     return (kind.hdrModes & hdrModeDdr) != 0;
+}
+
+bool I3cTarget::hasLimitedDataSpeed() const {
+    return (kind.bcr & bcrLimitedDataSpeed) != 0;
 }
 
 bool I3cTarget::hasAdvancedCapabilities() const {
@@ -89,11 +114,14 @@ std::optional<Bytes> I3cTarget::status(DefiningByte definingByte) {
     if (definingByte.has_value() && !hasAdvancedCapabilities()) {
         return {};
     }
-    resetEscalates = false;
-    if (definingByte.value_or(formatStandard) == formatStandard) {
-        return Bytes{0x00, static_cast<uint8_t>(pendingInterrupt.has_value() ? 1 : 0)};
+    const std::optional<Bytes> reply =
+        definingByte.value_or(formatStandard) == formatStandard
+            ? Bytes{0x00, static_cast<uint8_t>(pendingInterrupt.has_value() ? 1 : 0)}
+            : specialStatus(*definingByte);
+    if (reply.has_value()) {
+        resetEscalates = false;
     }
-    return specialStatus(*definingByte);
+    return reply;
 }
 
 std::optional<Bytes> I3cTarget::capabilities(DefiningByte definingByte) const {
@@ -112,6 +140,14 @@ std::optional<Bytes> I3cTarget::capabilities(DefiningByte definingByte) const {
     }
 }
 
+std::optional<Bytes> I3cTarget::maxDataSpeed(DefiningByte definingByte) const {
+    if (!hasLimitedDataSpeed() || (definingByte.has_value() && !hasAdvancedCapabilities()) ||
+        definingByte.value_or(formatStandard) != formatStandard) {
+        return {};
+    }
+    return Bytes(2, maxSustainedRate(kind.fastestRate));
+}
+
 bool I3cTarget::armReset(uint8_t definingByte) {
     if (!hasAdvancedCapabilities() || definingByte > I3cTargetResetDefByte_ResetWholeTarget) {
         return false;
@@ -121,18 +157,29 @@ bool I3cTarget::armReset(uint8_t definingByte) {
     return true;
 }
 
-std::optional<Bytes> I3cTarget::resetTime(uint8_t definingByte) const {
+std::optional<Bytes> I3cTarget::resetAction(uint8_t definingByte) {
     if (!hasAdvancedCapabilities()) {
         return {};
     }
+    uint8_t reply = 0;
     switch (definingByte) {
+    case I3cTargetResetDefByte_NoReset:
+    case I3cTargetResetDefByte_ResetPeripheral:
+    case I3cTargetResetDefByte_ResetWholeTarget:
+        // Being asked already ends an escalation.
+        reply = armedReset.value_or(I3cTargetResetDefByte_ResetPeripheral);
+        break;
     case I3cTargetResetDefByte_TimeToResetPeripheral:
-        return Bytes{peripheralResetMilliseconds};
+        reply = peripheralResetMilliseconds;
+        break;
     case I3cTargetResetDefByte_TimeToResetWholeTarget:
-        return Bytes{wholeTargetResetMilliseconds};
+        reply = wholeTargetResetMilliseconds;
+        break;
     default:
         return {};
     }
+    resetEscalates = false;
+    return Bytes{reply};
 }
 
 void I3cTarget::receiveTargetResetPattern() {
@@ -140,14 +187,15 @@ void I3cTarget::receiveTargetResetPattern() {
         return;
     }
     const auto armed = std::exchange(armedReset, std::nullopt);
-    const uint8_t action = armed.value_or(resetEscalates ? I3cTargetResetDefByte_ResetWholeTarget
-                                                         : I3cTargetResetDefByte_ResetPeripheral);
+    const bool escalated = std::exchange(resetEscalates, false);
+    const uint8_t action = armed.value_or(escalated ? I3cTargetResetDefByte_ResetWholeTarget
+                                                    : I3cTargetResetDefByte_ResetPeripheral);
     if (action == I3cTargetResetDefByte_ResetPeripheral) {
         resetPeripheral();
+        resetEscalates = !armed.has_value();
     } else if (action == I3cTargetResetDefByte_ResetWholeTarget) {
         resetWholeTarget();
     }
-    resetEscalates = !armed.has_value();
 }
 
 void I3cTarget::resetWholeTarget() {
@@ -163,7 +211,7 @@ void I3cTarget::resetPeripheral() {
     writeLimit = kind.maxWriteLength;
     readLimit = kind.maxReadLength;
     ibiPayloadLimit = kind.maxIbiPayloadSize;
-    events = 0;
+    events = i3c_event::all;
     pendingInterrupt.reset();
 }
 
@@ -179,7 +227,7 @@ void I3cTarget::write(const Bytes& bytes) {
 }
 
 Bytes I3cTarget::read(size_t length) {
-    Bytes bytes(std::min<size_t>(length, readLimit));
+    Bytes bytes(length);
     for (uint8_t& byte : bytes) {
         byte = readRegister(pointer);
         pointer = (pointer + 1) % registers.size();
@@ -194,9 +242,7 @@ void I3cTarget::writeHdrDdr(uint8_t commandCode, const Bytes& bytes) {
 
 Bytes I3cTarget::readHdrDdr(uint8_t commandCode, size_t length) {
     selectByHdrCommand(commandCode);
-    // Words of two bytes are moved.
-    const size_t evenLimit = readLimit - readLimit % 2U;
-    return read(std::min(length, evenLimit));
+    return read(length);
 }
 
 void I3cTarget::selectByHdrCommand(uint8_t commandCode) {

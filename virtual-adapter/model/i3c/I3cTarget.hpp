@@ -40,6 +40,9 @@ constexpr uint8_t hotJoin = 0x08;
 constexpr uint8_t all = interrupt | controllerRole | hotJoin;
 } // namespace i3c_event
 
+/// The enumeration of the codes ends with those that the library's operations send.
+constexpr CCC ccc_GETMXDS = static_cast<CCC>(0x94);
+
 /// A target of the I3C bus with registers behind a register pointer. What a target does not
 /// acknowledge, it answers with nothing.
 class I3cTarget {
@@ -91,15 +94,21 @@ public:
     /// The reply to GETCAPS.
     [[nodiscard]] std::optional<Bytes> capabilities(DefiningByte definingByte) const;
 
+    /// The reply to GETMXDS.
+    [[nodiscard]] std::optional<Bytes> maxDataSpeed(DefiningByte definingByte) const;
+
     /// RSTACT as a write: prepares what the next target reset pattern does. Returns whether the
     /// target acknowledges @p definingByte.
     bool armReset(uint8_t definingByte);
-    /// RSTACT as a read: the time that a reset takes, in milliseconds.
-    [[nodiscard]] std::optional<Bytes> resetTime(uint8_t definingByte) const;
+    /// RSTACT as a read: the action in force, or the time that a reset takes, in milliseconds.
+    std::optional<Bytes> resetAction(uint8_t definingByte);
     void receiveTargetResetPattern();
+    /// A START that is not a repeated one.
+    void receiveStart() { armedReset.reset(); }
     /// The state in which a target is after power has come.
     virtual void resetWholeTarget();
 
+    /// The limits are the business of who calls.
     void write(const Bytes& bytes);
     Bytes read(size_t length);
     /// The seven low bits of the command code, of 128, select the registers: register 0 and every
@@ -126,6 +135,7 @@ private:
         return {};
     }
 
+    [[nodiscard]] bool hasLimitedDataSpeed() const;
     [[nodiscard]] bool hasAdvancedCapabilities() const;
     void resetPeripheral();
     void selectByHdrCommand(uint8_t commandCode);

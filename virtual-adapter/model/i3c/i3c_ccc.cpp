@@ -52,7 +52,7 @@ void set(I3cTarget& target, CCC directCode, const Bytes& operands) {
 /// The target's reply, or nothing when it does not acknowledge the query.
 std::optional<Bytes> query(I3cTarget& target, CCC code, std::optional<uint8_t> definingByte) {
     const I3cCharacteristics& kind = target.characteristics();
-    switch (code) {
+    switch (static_cast<uint32_t>(code)) {
     case CCC_GETMWL:
         return bytesOf(target.maxWriteLength());
     case CCC_GETMRL: {
@@ -72,15 +72,17 @@ std::optional<Bytes> query(I3cTarget& target, CCC code, std::optional<uint8_t> d
         return target.status(definingByte);
     case CCC_GETCAPS:
         return target.capabilities(definingByte);
+    case ccc_GETMXDS:
+        return target.maxDataSpeed(definingByte);
     default:
-        return target.resetTime(definingByte.value_or(0));
+        return target.resetAction(definingByte.value_or(0));
     }
 }
 
 } // namespace
 
 Answer I3cCcc::transfer(ByteReader& request) {
-    const I3cCccCommand command(request);
+    const I3cCccCommand command(request, controller.getTable().isBesideLegacy());
     Status status = controller.onInitialisedBus(command.status());
     if (status != Status::Success) {
         return status;
@@ -97,6 +99,13 @@ Answer I3cCcc::transfer(ByteReader& request) {
 }
 
 Status I3cCcc::carryOut(const I3cCccCommand& command, Bytes& received) {
+    // Every target acknowledges the broadcast address; what it does not know it ignores.
+    if (controller.getBus().powered().empty()) {
+        return Status::NotAcknowledged;
+    }
+    if (!command.isKnown()) {
+        return command.kind() == Kind::Broadcast ? Status::Success : Status::NotAcknowledged;
+    }
     switch (command.kind()) {
     case Kind::Broadcast:
         return broadcast(command);

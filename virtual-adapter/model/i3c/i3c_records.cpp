@@ -11,18 +11,21 @@ namespace virtual_adapter {
 
 namespace {
 
+/// The last address that the I2C-bus specification leaves to devices.
+constexpr uint8_t maxI2cAddress = 0x77;
+
 bool hasPid(const I3cTargetInfo& record, const std::array<uint8_t, 6>& pid) {
     return std::equal(pid.begin(), pid.end(), std::begin(record.pid));
 }
 
 /// Whether a record on its own asks for something that no bus can give.
-Status checkRecord(const I3cTargetInfo& record) {
+Status checkRecord(const I3cTargetInfo& record, bool besideLegacy) {
     if (record.configuration > I3cTargetConfiguration_LegacyI2c ||
         (record.staticAddress == 0 && (isLegacy(record) || hasPid(record, {})))) {
         return Status::InvalidParameter;
     }
-    const auto reserved = [](uint8_t address) {
-        return address != 0 && isReservedI3cAddress(address);
+    const auto reserved = [=](uint8_t address) {
+        return address != 0 && isReservedI3cAddress(address, besideLegacy);
     };
     return reserved(record.staticAddress) || reserved(wantedAddress(record))
                ? Status::AddressReserved
@@ -45,11 +48,12 @@ Status checkPair(const I3cTargetInfo& left, const I3cTargetInfo& right) {
 
 } // namespace
 
-bool isReservedI3cAddress(uint8_t address) {
-    // The four inside the range differ from the broadcast address in one bit only (MIPI I3C
-    // Basic v1.1.1, section 5.1.2.2.5).
-    return address < minI3cAddress || address > maxI3cAddress || address == 0x3E ||
-           address == 0x5E || address == 0x6E || address == 0x76;
+bool isReservedI3cAddress(uint8_t address, bool besideLegacy) {
+    // Those inside the range differ from the broadcast address in one bit only (MIPI I3C Basic
+    // v1.1.1, section 5.1.2.2.5).
+    return address < minI3cAddress || address > (besideLegacy ? maxI2cAddress : maxI3cAddress) ||
+           address == 0x3E || address == 0x5E || address == 0x6E || address == 0x76 ||
+           address == 0x7A || address == 0x7C;
 }
 
 I3cTargetInfo readI3cRecord(ByteReader& request) {
@@ -97,9 +101,9 @@ bool names(const I3cTargetInfo& record, const I3cTarget& target) {
                                      : hasPid(record, kind.pid);
 }
 
-Status checkRecords(const std::vector<I3cTargetInfo>& records) {
+Status checkRecords(const std::vector<I3cTargetInfo>& records, bool besideLegacy) {
     for (auto record = records.begin(); record != records.end(); ++record) {
-        Status status = checkRecord(*record);
+        Status status = checkRecord(*record, besideLegacy);
         for (auto earlier = records.begin(); earlier != record; ++earlier) {
             status = status == Status::Success ? checkPair(*earlier, *record) : status;
         }

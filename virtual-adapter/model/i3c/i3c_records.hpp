@@ -13,12 +13,13 @@
 namespace virtual_adapter {
 
 constexpr uint8_t minI3cAddress = 0x08;
-constexpr uint8_t maxI3cAddress = 0x77;
+constexpr uint8_t maxI3cAddress = 0x7D;
 /// Every target answers to it.
 constexpr uint8_t i3cBroadcastAddress = 0x7E;
 
-/// Whether no device may have the address on a bus that I3C and I2C share.
-bool isReservedI3cAddress(uint8_t address);
+/// Whether no device may have the address. Beside legacy I2C devices more of them are reserved: the
+/// I2C-bus specification keeps those for itself.
+bool isReservedI3cAddress(uint8_t address, bool besideLegacy);
 
 I3cTargetInfo readI3cRecord(ByteReader& request);
 void writeI3cRecord(ByteWriter& payload, const I3cTargetInfo& record);
@@ -32,7 +33,7 @@ uint8_t wantedAddress(const I3cTargetInfo& record);
 /// the PID.
 bool names(const I3cTargetInfo& record, const I3cTarget& target);
 
-/// Whether a bus, whatever is on it, can be what the records say.
-Status checkRecords(const std::vector<I3cTargetInfo>& records);
+/// Whether a bus can be what the records say.
+Status checkRecords(const std::vector<I3cTargetInfo>& records, bool besideLegacy);
 
 } // namespace virtual_adapter

@@ -138,16 +138,18 @@ Status I3cTransfer::carryOutSdr(const Transfer& wanted, Bytes& received) {
     if (target == nullptr || !controller.isHeardBy(*target)) {
         return Status::NotAcknowledged;
     }
-    return exchange(*target, wanted, received);
+    // The limits are those of private SDR transfers.
+    if (wanted.written().size() > target->maxWriteLength()) {
+        return Status::LengthAboveLimit;
+    }
+    exchange(*target, wanted, std::min(wanted.length, target->maxReadLength()), received);
+    return Status::Success;
 }
 
 Status I3cTransfer::carryOutHdrDdr(const Transfer& wanted, Bytes& received) {
     I3cTarget* target = controller.getBus().withDynamicAddress(wanted.address);
     if (target == nullptr || !target->supportsHdrDdr()) {
         return Status::NotAcknowledged;
-    }
-    if (wanted.data.size() > target->maxWriteLength()) {
-        return Status::LengthAboveLimit;
     }
     if (wanted.isRead()) {
         received = target->readHdrDdr(wanted.hdrCommandCode, wanted.length);
@@ -162,7 +164,8 @@ Status I3cTransfer::carryOutLegacy(const Transfer& wanted, Bytes& received) {
     // takes part in one that it does not open, as an I2C device.
     if (wanted.has(I3cTransferFlags_SkipBroadcastAddress)) {
         if (I3cTarget* target = controller.getBus().unassigned(wanted.address)) {
-            return exchange(*target, wanted, received);
+            exchange(*target, wanted, wanted.length, received);
+            return Status::Success;
         }
     }
     if (!controller.isHeardByLegacy(wanted.address)) {
@@ -175,16 +178,12 @@ Status I3cTransfer::carryOutLegacy(const Transfer& wanted, Bytes& received) {
                : legacy.write(wanted.address, wanted.written(), end);
 }
 
-Status I3cTransfer::exchange(I3cTarget& target, const Transfer& wanted, Bytes& received) {
-    const Bytes written = wanted.written();
-    if (written.size() > target.maxWriteLength()) {
-        return Status::LengthAboveLimit;
-    }
-    target.write(written);
+void I3cTransfer::exchange(I3cTarget& target, const Transfer& wanted, size_t readLength,
+                           Bytes& received) {
+    target.write(wanted.written());
     if (wanted.isRead()) {
-        received = target.read(wanted.length);
+        received = target.read(readLength);
     }
-    return Status::Success;
 }
 
 } // namespace virtual_adapter

@@ -24,8 +24,9 @@ private:
     Status carryOutSdr(const Transfer& wanted, Bytes& received);
     Status carryOutHdrDdr(const Transfer& wanted, Bytes& received);
     Status carryOutLegacy(const Transfer& wanted, Bytes& received);
-    /// Writes to the registers of @p target or reads from them.
-    static Status exchange(I3cTarget& target, const Transfer& wanted, Bytes& received);
+    /// Writes to the registers of @p target or reads @p readLength bytes from them.
+    static void exchange(I3cTarget& target, const Transfer& wanted, size_t readLength,
+                         Bytes& received);
 
     I3cController& controller;
 };

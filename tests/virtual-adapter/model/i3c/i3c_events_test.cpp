@@ -145,6 +145,13 @@ TEST_F(I3cEvents, TheEnabledEventsOfTheCompanionCanBeRead) {
     EXPECT_EQ(sdrRead(0x08, 0x02, 1).at(10), 0x02);
 }
 
+TEST_F(I3cEvents, AfterATargetResetEveryEventIsEnabled) {
+    EXPECT_EQ(status({0x01, 0x00, 0x0A, 0x19, 0x00}), 0x0000U);
+    EXPECT_EQ(ccc({0x7E, 0x00, 0x00, 0x07, 0x00}), 0x0000U); // ENTDAA
+    EXPECT_EQ(sdrRead(0x08, 0x02, 1).at(10), 0x0B);
+    EXPECT_EQ(alert(), (std::vector<Frame>{success(0x08), sensorInterrupt}));
+}
+
 // --- A held bus ---------------------------------------------------------------------------------
 
 class I3cHeldBus : public I3cEvents {
@@ -254,11 +261,9 @@ TEST_F(I3cEvents, AHotJoinGivesEveryOtherTargetAnAddressToo) {
     ccc(enableHotJoin);
     ccc({0x7E, 0x00, 0x00, 0x06, 0x00}); // RSTDAA
     ccc({0x7E, 0x00, 0x00, 0x07, 0x00}); // ENTDAA
-    ccc({0x0A, 0x10, 0x00, 0x9A, 0x01}); // RSTACT, the sensor's I3C peripheral
-    ccc({0x08, 0x10, 0x00, 0x9A, 0x00});
-    ccc({0x09, 0x10, 0x00, 0x9A, 0x00});
+    ccc({0x08, 0x10, 0x00, 0x9A, 0x00}); // RSTACT, all but the companion reset
     EXPECT_EQ(status({0x01, 0x00, 0x0A, 0x19, 0x00}), 0x0000U);
-    EXPECT_EQ(addresses(), (Bytes{0x00, 0x08, 0x54, 0x09}));
+    EXPECT_EQ(addresses(), (Bytes{0x00, 0x08}));
     EXPECT_EQ(supplyModule(0x01), (std::vector<Frame>{success(0x08), moduleJoined}));
     EXPECT_EQ(addresses(), (Bytes{0x00, 0x08, 0x54, 0x09, 0x48, 0x0A, 0x00, 0x0B}));
 }

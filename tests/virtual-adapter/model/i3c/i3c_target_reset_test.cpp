@@ -48,6 +48,108 @@ TEST_F(I3cTargetReset, GetStatusKeepsASecondPatternFromResettingTheWholeTarget) 
     EXPECT_EQ(scratch(), 0x77);
 }
 
+TEST_F(I3cTargetReset, AfterAResetOfTheWholeTargetTheNextUnpreparedPatternIsAFirstOneAgain) {
+    pattern();
+    pattern();
+    ccc(assignAddresses);
+    sdrWrite(0x0A, {0x08, 0x66});
+    pattern();
+    ccc(assignAddresses);
+    EXPECT_EQ(scratch(), 0x66);
+}
+
+TEST_F(I3cTargetReset,
+       AFormatOfGetStatusThatIsNotAcknowledgedLetsTheSecondPatternResetTheWholeTarget) {
+    pattern();
+    ccc(assignAddresses);
+    EXPECT_EQ(ccc({0x0A, 0x11, 0x02, 0x90, 0x91}), 0x0006U);
+    pattern();
+    ccc(assignAddresses);
+    EXPECT_EQ(scratch(), 0x00);
+}
+
+TEST_F(I3cTargetReset, GetStatusOfAnotherTargetLetsTheSecondPatternResetTheWholeTarget) {
+    pattern();
+    ccc(assignAddresses);
+    EXPECT_EQ(ccc({0x08, 0x01, 0x02, 0x90, 0x00}), 0x0000U);
+    pattern();
+    ccc(assignAddresses);
+    EXPECT_EQ(scratch(), 0x00);
+}
+
+TEST_F(I3cTargetReset, ReadingTheActionKeepsASecondPatternFromResettingTheWholeTarget) {
+    for (const uint8_t definingByte : Bytes{0x00, 0x01, 0x02, 0x81, 0x82}) {
+        pattern();
+        ccc(assignAddresses);
+        EXPECT_EQ(ccc({0x0A, 0x11, 0x01, 0x9A, definingByte}), 0x0000U);
+        pattern();
+        ccc(assignAddresses);
+        EXPECT_EQ(scratch(), 0x77);
+        ccc({0x0A, 0x11, 0x01, 0x9A, 0x00});
+    }
+}
+
+TEST_F(I3cTargetReset, AnActionReadThatIsNotAcknowledgedLetsTheSecondPatternResetTheWholeTarget) {
+    pattern();
+    ccc(assignAddresses);
+    EXPECT_EQ(ccc({0x0A, 0x11, 0x01, 0x9A, 0x83}), 0x0006U);
+    pattern();
+    ccc(assignAddresses);
+    EXPECT_EQ(scratch(), 0x00);
+}
+
+TEST_F(I3cTargetReset, PreparingAnActionByABroadcastEndsTheEscalation) {
+    pattern();
+    ccc(assignAddresses);
+    ccc({0x7E, 0x10, 0x01, 0x2A, 0x00});
+    EXPECT_EQ(sdrWrite(0x0A, {0x08}), 0x0000U); // its START takes the action away
+    pattern();
+    ccc(assignAddresses);
+    EXPECT_EQ(scratch(), 0x77);
+}
+
+TEST_F(I3cTargetReset, TheNextFrameTakesThePreparedActionAway) {
+    for (const Bytes& frame : {
+             Bytes{0x01, 0x00, 0x08, 0x19, 0x08, 0x01, 0, 0, 0, 0, 0, 0, 1, 0},
+             Bytes{0x01, 0x00, 0x08, 0x19, 0x30, 0x01, 0, 0, 0, 0, 0, 0, 1, 0},
+             Bytes{0x01, 0x00, 0x08, 0x19, 0x50, 0x05, 0, 0, 0, 0, 0, 0, 1, 0},
+             Bytes{0x01, 0x00, 0x09, 0x19, 0x08, 0x01, 0x01, 0x8F, 0x00},
+         }) {
+        EXPECT_EQ(ccc({0x0A, 0x10, 0x00, 0x9A, 0x02}), 0x0000U);
+        frames(frame);
+        pattern();
+        ccc(assignAddresses);
+        EXPECT_EQ(scratch(), 0x77);
+        EXPECT_EQ(ccc({0x0A, 0x01, 0x02, 0x90, 0x00}), 0x0000U); // ends the escalation
+    }
+}
+
+TEST_F(I3cTargetReset, AnInterruptTakesThePreparedActionAway) {
+    ccc({0x08, 0x00, 0x01, 0x80, 0x00, 0x01}); // ENEC
+    ccc({0x7E, 0x10, 0x01, 0x2A, 0x00});
+    EXPECT_EQ(status({0x01, 0x00, 0x07, 0x19, 0x08, 0x01}), 0x0000U); // rejected for now
+    sdrWrite(0x08, {0x01, 0x01});
+    ccc({0x7E, 0x10, 0x01, 0x2A, 0x00});
+    EXPECT_EQ(frames({0x01, 0x00, 0x07, 0x19, 0x08, 0x00}).size(), 2U);
+    pattern();
+    EXPECT_EQ(addresses(), (Bytes{}));
+}
+
+TEST_F(I3cTargetReset, TheHdrExitPatternLeavesThePreparedAction) {
+    ccc({0x7E, 0x10, 0x01, 0x2A, 0x00});
+    EXPECT_EQ(status({0x01, 0x00, 0x0A, 0x19, 0x01}), 0x0000U);
+    pattern();
+    EXPECT_EQ(addresses(), (Bytes{0x00, 0x08, 0x54, 0x09, 0x48, 0x0A}));
+}
+
+TEST_F(I3cTargetReset, TheActionInForceIsRead) {
+    for (const uint8_t definingByte : Bytes{0x00, 0x01, 0x02}) {
+        EXPECT_EQ(
+            response({0x01, 0x00, 0x09, 0x19, 0x0A, 0x11, 0x01, 0x9A, definingByte}),
+            (Frame{0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x0A, 0x9A, definingByte, 0x01, 0x01}));
+    }
+}
+
 TEST_F(I3cTargetReset, TheActionOfOneTargetLeavesTheOthersTheirs) {
     EXPECT_EQ(response({0x01, 0x00, 0x09, 0x19, 0x0A, 0x10, 0x00, 0x9A, 0x00}),
               (Frame{0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x0A, 0x9A, 0x00, 0x00}));
@@ -58,10 +160,9 @@ TEST_F(I3cTargetReset, TheActionOfOneTargetLeavesTheOthersTheirs) {
 }
 
 TEST_F(I3cTargetReset, ThePeripheralResetKeepsTheRegisters) {
-    ccc({0x7E, 0x10, 0x01, 0x2A, 0x00}); // nobody resets
     EXPECT_EQ(ccc({0x0A, 0x10, 0x00, 0x9A, 0x01}), 0x0000U);
     pattern();
-    EXPECT_EQ(addresses(), (Bytes{0x00, 0x08, 0x54, 0x09}));
+    EXPECT_EQ(addresses(), (Bytes{}));
     ccc(assignAddresses);
     EXPECT_EQ(scratch(), 0x77);
 }
@@ -92,8 +193,8 @@ TEST_F(I3cTargetReset, AnActionIsCarriedOutOnce) {
 }
 
 TEST_F(I3cTargetReset, TheLastActionCounts) {
-    ccc({0x0A, 0x10, 0x00, 0x9A, 0x02});
-    ccc({0x0A, 0x10, 0x00, 0x9A, 0x00});
+    ccc({0x7E, 0x10, 0x01, 0x2A, 0x02});
+    ccc({0x7E, 0x10, 0x01, 0x2A, 0x00});
     pattern();
     EXPECT_EQ(scratch(), 0x77);
 }
@@ -121,27 +222,32 @@ TEST_F(I3cTargetReset, TheTimeOfAResetIsReadInMilliseconds) {
               (Frame{0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x0A, 0x9A, 0x82, 0x01, 0x0A}));
 }
 
-TEST_F(I3cTargetReset, ReadingATimePreparesNoAction) {
-    ccc({0x0A, 0x10, 0x00, 0x9A, 0x00});
-    ccc({0x0A, 0x11, 0x01, 0x9A, 0x82});
-    pattern();
-    EXPECT_EQ(addresses(), (Bytes{0x48, 0x0A}));
+TEST_F(I3cTargetReset, ReadingPreparesNoAction) {
+    for (const uint8_t definingByte : Bytes{0x00, 0x02, 0x82}) {
+        ccc({0x0A, 0x11, 0x01, 0x9A, definingByte});
+        pattern();
+        EXPECT_EQ(addresses(), (Bytes{}));
+        ccc(assignAddresses);
+        EXPECT_EQ(scratch(), 0x77);
+    }
 }
 
 TEST_F(I3cTargetReset, AnActionThatATargetDoesNotKnowIsNotAcknowledged) {
     for (const uint8_t definingByte : Bytes{0x03, 0x04, 0x05, 0x81, 0xFF}) {
         EXPECT_EQ(ccc({0x0A, 0x10, 0x00, 0x9A, definingByte}), 0x0006U);
     }
-    for (const uint8_t definingByte : Bytes{0x00, 0x01, 0x02, 0x80, 0x83, 0x84}) {
+    for (const uint8_t definingByte : Bytes{0x03, 0x80, 0x83, 0x84}) {
         EXPECT_EQ(ccc({0x0A, 0x11, 0x01, 0x9A, definingByte}), 0x0006U);
     }
 }
 
-TEST_F(I3cTargetReset, ABroadcastActionThatNoTargetKnowsChangesNothing) {
-    ccc({0x7E, 0x10, 0x01, 0x2A, 0x00});
+TEST_F(I3cTargetReset, ABroadcastActionThatNoTargetKnowsPreparesNothing) {
     EXPECT_EQ(ccc({0x7E, 0x10, 0x01, 0x2A, 0x03}), 0x0000U);
     pattern();
-    EXPECT_EQ(addresses(), (Bytes{0x00, 0x08, 0x54, 0x09, 0x48, 0x0A}));
+    EXPECT_EQ(addresses(), (Bytes{}));
+    pattern();
+    ccc(assignAddresses);
+    EXPECT_EQ(scratch(), 0x00);
 }
 
 } // namespace
