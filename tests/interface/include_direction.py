@@ -37,7 +37,7 @@ FLOORS = {
 # The rooms of the virtual adapter and around it, and what each may include beside its own files:
 # whole rooms, or single files of one. A file belongs to the innermost room that it lies in.
 MODEL = ("model/Answer.hpp", "model/Frame.hpp", "model/Outbox.hpp", "model/Status.hpp")
-COMMANDS = (*MODEL, "bytes/", "model/checks.hpp")
+COMMANDS = (*MODEL, "bytes/", "model/checks.hpp", "model/Settable.hpp")
 ROOMS = {
     "bytes": (),
     "model/system": COMMANDS,

@@ -18,6 +18,19 @@ bool I2cBus::start(uint8_t address, I2cDirection direction) {
     return acknowledged;
 }
 
+size_t I2cBus::write(const Bytes& bytes) {
+    return bytes.empty() ? 0 : addressed->writeMessage(bytes);
+}
+
+Bytes I2cBus::read(size_t count) {
+    return count == 0 ? Bytes{} : addressed->readMessage(count);
+}
+
+I2cTarget* I2cBus::targetAt(uint8_t address) const {
+    const auto target = targets.find(address);
+    return target == targets.end() ? nullptr : target->second.get();
+}
+
 void I2cBus::stop() {
     if (addressed != nullptr) {
         addressed->stop();

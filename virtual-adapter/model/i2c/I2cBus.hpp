@@ -22,15 +22,19 @@ public:
     /// Sends a START, a repeated one inside a transfer, and @p address. Returns whether a target
     /// acknowledges it.
     bool start(uint8_t address, I2cDirection direction);
+    /// Sends bytes until one is not acknowledged. Returns how many were. The addressed target must
+    /// have acknowledged its address.
+    size_t write(const Bytes& bytes);
     /// The addressed target must have acknowledged its address.
-    bool write(uint8_t byte) { return addressed->write(byte); }
-    /// The addressed target must have acknowledged its address.
-    uint8_t read() { return addressed->read(); }
+    Bytes read(size_t count);
     void stop();
 
     /// Takes the power of every target away and gives it back. A transfer that is still open ends
     /// without its STOP.
     void cyclePower();
+
+    /// The target that stands at the address, or null.
+    [[nodiscard]] I2cTarget* targetAt(uint8_t address) const;
 
     /// In ascending order.
     [[nodiscard]] const std::set<uint16_t>& tenBitAddresses() const { return tenBitTargets; }

@@ -3,9 +3,6 @@
 
 #include "model/i2c/I2cController.hpp"
 
-#include <algorithm>
-#include <iterator>
-
 namespace virtual_adapter {
 
 namespace {
@@ -50,7 +47,8 @@ Status I2cController::read(uint8_t address, const Bytes& registerAddress, size_t
         status = start(address, I2cDirection::Read);
     }
     if (status == Status::Success) {
-        std::generate_n(std::back_inserter(received), length, [this] { return bus.read(); });
+        const Bytes bytes = bus.read(length);
+        received.insert(received.end(), bytes.begin(), bytes.end());
     }
     return finish(status, end);
 }
@@ -90,9 +88,7 @@ Status I2cController::send(uint8_t address, const Bytes& bytes) {
     if (status != Status::Success) {
         return status;
     }
-    const bool acknowledged =
-        std::all_of(bytes.begin(), bytes.end(), [this](uint8_t byte) { return bus.write(byte); });
-    return acknowledged ? Status::Success : Status::DataNotAcknowledged;
+    return bus.write(bytes) == bytes.size() ? Status::Success : Status::DataNotAcknowledged;
 }
 
 Status I2cController::finish(Status status, End end) {

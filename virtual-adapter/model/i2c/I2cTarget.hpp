@@ -3,20 +3,18 @@
 
 #pragma once
 
-#include <cstdint>
+#include "bytes/Bytes.hpp"
+#include "model/Settable.hpp"
+
+#include <cstddef>
 
 namespace virtual_adapter {
 
 enum class I2cDirection { Write, Read };
 
 /// A device on an I2C bus, as the controller's signals reach it.
-class I2cTarget {
+class I2cTarget : public Settable {
 public:
-    I2cTarget() = default;
-    I2cTarget(const I2cTarget&) = delete;
-    I2cTarget& operator=(const I2cTarget&) = delete;
-    virtual ~I2cTarget() = default;
-
     /// A START or repeated START came with the target's address. Returns whether the target
     /// acknowledges it.
     virtual bool start(I2cDirection direction) = 0;
@@ -25,6 +23,13 @@ public:
     virtual bool write(uint8_t byte) = 0;
 
     virtual uint8_t read() = 0;
+
+    /// All bytes that the controller sends between two other signals. Returns how many of them the
+    /// target acknowledges; the transfer ends at the first that it does not.
+    virtual size_t writeMessage(const Bytes& bytes);
+
+    /// All bytes that the controller reads between two other signals: exactly @p count.
+    virtual Bytes readMessage(size_t count);
 
     /// Comes only to a target that has acknowledged its address since the last STOP.
     virtual void stop() = 0;

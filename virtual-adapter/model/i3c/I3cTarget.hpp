@@ -4,6 +4,7 @@
 #pragma once
 
 #include "bytes/Bytes.hpp"
+#include "model/Settable.hpp"
 
 #include <veltrasdk/i3c.h>
 
@@ -45,7 +46,7 @@ constexpr CCC ccc_GETMXDS = static_cast<CCC>(0x94);
 
 /// A target of the I3C bus with registers behind a register pointer. What a target does not
 /// acknowledge, it answers with nothing.
-class I3cTarget {
+class I3cTarget : public Settable {
 public:
     /// The defining byte of a Common Command Code, when there is one.
     using DefiningByte = std::optional<uint8_t>;
@@ -53,9 +54,6 @@ public:
     /// The registers start with @p contents. A write starts with the register pointer, of
     /// @p pointerBytes bytes, most significant first.
     I3cTarget(const I3cCharacteristics& ofThisKind, Bytes contents, size_t pointerBytes = 1);
-    I3cTarget(const I3cTarget&) = delete;
-    I3cTarget& operator=(const I3cTarget&) = delete;
-    virtual ~I3cTarget() = default;
 
     [[nodiscard]] const I3cCharacteristics& characteristics() const { return kind; }
     [[nodiscard]] bool hasIbiPayload() const;

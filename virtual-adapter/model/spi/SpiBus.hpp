@@ -15,6 +15,11 @@ class SpiBus {
 public:
     void attach(SpiChipSelect chipSelect, std::unique_ptr<SpiTarget> target);
 
+    /// The target behind the chip select, or null.
+    [[nodiscard]] SpiTarget* targetAt(SpiChipSelect chipSelect) const {
+        return targets.at(chipSelect).get();
+    }
+
     /// What is received while @p sent goes out to the target behind @p chipSelect.
     Bytes transfer(SpiChipSelect chipSelect, SpiMode mode, SpiChipSelectPolarity polarity,
                    const Bytes& sent);

@@ -4,19 +4,15 @@
 #pragma once
 
 #include "bytes/Bytes.hpp"
+#include "model/Settable.hpp"
 
 #include <veltrasdk/spi.h>
 
 namespace virtual_adapter {
 
 /// A device behind one of the SPI chip selects.
-class SpiTarget {
+class SpiTarget : public Settable {
 public:
-    SpiTarget() = default;
-    SpiTarget(const SpiTarget&) = delete;
-    SpiTarget& operator=(const SpiTarget&) = delete;
-    virtual ~SpiTarget() = default;
-
     /// Whether the target understands such signals; if not, it takes no notice of a transfer.
     [[nodiscard]] virtual bool understands(SpiMode mode, SpiChipSelectPolarity polarity) const = 0;
 

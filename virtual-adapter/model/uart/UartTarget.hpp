@@ -4,17 +4,13 @@
 #pragma once
 
 #include "bytes/Bytes.hpp"
+#include "model/Settable.hpp"
 
 namespace virtual_adapter {
 
 /// What the UART's two lines lead to.
-class UartTarget {
+class UartTarget : public Settable {
 public:
-    UartTarget() = default;
-    UartTarget(const UartTarget&) = delete;
-    UartTarget& operator=(const UartTarget&) = delete;
-    virtual ~UartTarget() = default;
-
     /// Takes the characters of one message. Returns those that it sends back.
     virtual Bytes receive(const Bytes& message) = 0;
 };
