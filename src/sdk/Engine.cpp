@@ -142,7 +142,7 @@ void VeltraSDK::Engine::onNotification(std::function<void(const Notification&)> 
     notificationHandler.swap(handler);
 }
 
-void VeltraSDK::Engine::Answer::await(Engine& engine, uint16_t encoded) {
+void VeltraSDK::Engine::Answer::await(Engine& asked, uint16_t encoded) {
     result = encoded;
     if (encoded != ResultCode_Success) {
         return;
@@ -152,9 +152,9 @@ void VeltraSDK::Engine::Answer::await(Engine& engine, uint16_t encoded) {
         result = response->status();
         return;
     }
-    lock = BlockingApi::Lock(engine.blockingApi.mutex);
-    if (engine.blockingApi.waitLocked(lock)) {
-        response.emplace(engine.lastResponse);
+    lock = BlockingApi::Lock(asked.blockingApi.mutex);
+    if (asked.blockingApi.waitLocked(lock)) {
+        response.emplace(asked.lastResponse);
         result = response->status();
     } else {
         result = ResultCode_NoResponse;

@@ -70,7 +70,7 @@ public:
         [[nodiscard]] uint16_t transactionId() const { return requestId; }
 
         /// Waits, unless @p encoded says that nothing was sent or the mode has waited already.
-        void await(Engine& engine, uint16_t encoded);
+        void await(Engine& asked, uint16_t encoded);
 
         /// The response's status, or why there is no response.
         [[nodiscard]] uint16_t status() const { return result; }
