@@ -123,6 +123,34 @@ def operations():
                 called(number, answer) for number in range(3, 60))
 
 
+# Behaviours of fuzz/UnreliableAdapter.hpp, in their order; each byte's high half says how.
+BEHAVIOURS = ("plain late lost doubled foreign wrong-command malformed cut too-short refused read-error "
+              "write-and-read-error stall notified interrupted").split()
+
+
+def strict_mode():
+    def settings(model=0, in_c=0, timeout=1, overlap=1, threads=1):
+        return bytes([model | in_c << 1 | timeout << 2 | overlap - 1 << 4 | threads - 1 << 6])
+
+    # Threads 0 to 3 in turn: a small read, a pin, a message, strings; then long ones.
+    each = bytes(thread | kind << 2 | size << 4
+                 for size in (0, 15) for kind in range(4) for thread in range(4))
+    for number, name in enumerate(BEHAVIOURS):
+        for how in (0, 1, 2, 9):
+            behaviours = bytes([0, how << 4 | number, 0, 0] * 6)
+            for index, in_c in enumerate((0, 1)):
+                yield f"{name}-{how}-{index}", settings(
+                    model=how & 1, in_c=in_c, timeout=2, overlap=1 + (how + in_c) % 4, threads=4
+                ) + run(behaviours) + each
+        yield f"{name}-without-limit", settings(timeout=3, overlap=2, threads=3) + run(
+            bytes([0, number, number | 0x90, 0] * 6)) + each
+        yield f"{name}-without-waiting", settings(model=1, timeout=0, overlap=4, threads=2) + run(
+            bytes([number, number | 0x30] * 8)) + each
+    yield "alone", settings() + run(b"") + each
+    yield "everything", settings(timeout=2, overlap=4, threads=4) + run(
+        bytes(range(15)) + bytes(number | 0x50 for number in range(15))) + each + each
+
+
 def notifications():
     for kind, (name, content) in enumerate(NOTIFICATIONS.items()):
         yield name, struct.pack("<I", kind) + two_parts(content)
@@ -201,7 +229,7 @@ def usbip():
     yield "too-long", b"\x00\x00\x01" + sent(submit(1, 1, 0, 0x10001))
 
 
-TARGETS = (packet_joining, operations, notifications, virtual_adapter, usbip)
+TARGETS = (packet_joining, operations, strict_mode, notifications, virtual_adapter, usbip)
 
 for target in TARGETS:
     directory = pathlib.Path(sys.argv[1], target.__name__)
