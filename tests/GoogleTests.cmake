@@ -24,7 +24,7 @@ function(add_google_tests target)
     get_target_property(sources ${target} SOURCES)
     list(FILTER sources INCLUDE REGEX "\\.c$")
     set_source_files_properties(${sources} PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
-    if(NOT VELTRASDK_SANITIZE AND NOT CMAKE_CROSSCOMPILING)
+    if(NOT VELTRASDK_SANITIZE AND NOT VELTRASDK_COVERAGE AND NOT CMAKE_CROSSCOMPILING)
         gtest_discover_tests(${target} TEST_PREFIX "${TESTS_PREFIX}" DISCOVERY_TIMEOUT 60
             PROPERTIES ENVIRONMENT "${TESTS_ENVIRONMENT}")
         return()
