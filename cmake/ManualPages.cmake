@@ -27,8 +27,9 @@ endfunction()
 
 add_manual_page("" "stand-in for a USB adapter for I3C, I2C, SPI, UART and GPIO")
 add_manual_page(run "start a program that finds a virtual USB adapter")
-add_manual_page(serve "export a virtual USB adapter over USB/IP")
+add_manual_page(serve "keep a virtual USB adapter at a socket, or export it over USB/IP")
 add_manual_page(attach "plug a virtual USB adapter into this machine's kernel")
+add_manual_page(tell "let something happen to a virtual USB adapter")
 
 add_custom_target(manual_pages ALL DEPENDS ${manual_pages})
 install(FILES ${manual_pages}

@@ -66,9 +66,10 @@ ROOMS = {
     "faults": ("bytes/", "model/Frame.hpp", "model/Outbox.hpp"),
     "device": ("bytes/", "model/Adapter.hpp", "model/AdapterVariant.hpp", "board/", "faults/"),
     "usbip": ("bytes/",),
-    "ways": ("device/", "usbip/"),
-    "cli": ("device/", "faults/", "usbip/", "ways/"),
-    "preload": ("device/", "faults/"),
+    "socket": ("bytes/",),
+    "ways": ("bytes/", "device/", "socket/", "usbip/"),
+    "cli": ("device/", "faults/", "socket/", "usbip/", "ways/"),
+    "preload": ("bytes/", "socket/"),
 }
 # What makes the notification record of C that of the classes, and who may include it.
 RECORD_OF_CLASSES = "veltrasdk/Notification.hpp"

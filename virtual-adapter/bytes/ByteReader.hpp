@@ -25,14 +25,36 @@ public:
     explicit ByteReader(const Container&& container,
                         ByteOrder byteOrder = ByteOrder::LittleEndian) = delete;
 
-    uint8_t u8();
-    uint16_t u16();
-    uint32_t u32();
+    // In the header, since what is loaded into foreign programs has no C++ runtime to link.
+    uint8_t u8() {
+        if (available(1) == 0) {
+            return 0;
+        }
+        --left;
+        return *next++;
+    }
+    uint16_t u16() {
+        const unsigned first = u8();
+        const unsigned second = u8();
+        return static_cast<uint16_t>(order == ByteOrder::LittleEndian ? first | second << 8U
+                                                                      : first << 8U | second);
+    }
+    uint32_t u32() {
+        const uint32_t first = u16();
+        const uint32_t second = u16();
+        return order == ByteOrder::LittleEndian ? first | second << 16U : first << 16U | second;
+    }
+    /// Where the next bytes lie; `skip` passes over them.
+    [[nodiscard]] const uint8_t* position() const { return next; }
+    void skip(size_t count) {
+        const size_t present = available(count);
+        next += present;
+        left -= present;
+    }
     /// As many bytes as asked for, zeros in place of those that are missing.
     Bytes bytes(size_t count);
     /// Everything not read yet.
     Bytes rest() { return bytes(left); }
-    void skip(size_t count);
 
     [[nodiscard]] size_t remaining() const { return left; }
     /// Whether a read went past the end.
@@ -42,7 +64,10 @@ public:
 
 private:
     /// How many of @p count bytes there are.
-    size_t available(size_t count);
+    size_t available(size_t count) {
+        overrun = overrun || count > left;
+        return count < left ? count : left;
+    }
 
     const uint8_t* next;
     size_t left;

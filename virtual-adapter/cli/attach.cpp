@@ -56,7 +56,10 @@ void addAttachCommand(CLI::App& app) {
         "attach", "Plug the adapter into this machine's kernel (needs root and vhci-hcd)");
     const auto settings = std::make_shared<AdapterSettings>();
     addAdapterOptionsOnRealHost(command, *settings);
-    command.callback([settings] { attach(*settings); });
+    command.callback([settings] {
+        refuseHostFaults(*settings);
+        attach(*settings);
+    });
 }
 
 } // namespace virtual_adapter

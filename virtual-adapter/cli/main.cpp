@@ -2,8 +2,10 @@
 // SPDX-License-Identifier: MIT
 
 #include "cli/attach.hpp"
+#include "cli/failure.hpp"
 #include "cli/run.hpp"
 #include "cli/serve.hpp"
+#include "cli/tell.hpp"
 
 #include <CLI/CLI.hpp>
 
@@ -19,7 +21,7 @@
 namespace {
 
 /// As env(1) refuses its own: the programs that `run` starts seldom end with it.
-constexpr int refusedCommandLine = 125;
+constexpr int refusedCommandLine = virtual_adapter::cannotSetUp;
 
 /// Started with a standard stream closed, the process would take the next file that it opens for
 /// that stream. Programs that `run` starts find it closed all the same.
@@ -83,6 +85,7 @@ int runCommandLine(int argc, char** argv) {
     virtual_adapter::addRunCommand(app, program);
     virtual_adapter::addServeCommand(app);
     virtual_adapter::addAttachCommand(app);
+    virtual_adapter::addTellCommand(app);
 
     try {
         app.parse(static_cast<int>(separator - argv), argv);

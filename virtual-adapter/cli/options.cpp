@@ -5,19 +5,47 @@
 
 #include <CLI/Error.hpp>
 
-#include <set>
 #include <stdexcept>
 
 namespace virtual_adapter {
 
+namespace {
+
+const SettingText& serialNumberText() {
+    for (const SettingText& setting : settingTexts()) {
+        if (setting.option == std::string("--serial")) {
+            return setting;
+        }
+    }
+    throw std::logic_error("no setting is the serial number");
+}
+
+void readSetting(const SettingText& setting, const std::string& option, AdapterSettings& settings,
+                 const std::string& text) {
+    try {
+        setting.read(settings, text);
+    } catch (const std::invalid_argument& error) {
+        throw CLI::ValidationError(option, error.what());
+    }
+}
+
+} // namespace
+
+std::vector<AdapterSettings> AdapterChoice::all() const {
+    if (serialNumbers.empty()) {
+        return {settings};
+    }
+    std::vector<AdapterSettings> each(serialNumbers.size(), settings);
+    for (size_t i = 0; i < each.size(); ++i) {
+        readSetting(serialNumberText(), "--adapter", each[i], serialNumbers[i]);
+    }
+    return each;
+}
+
 void addAdapterOptions(CLI::App& command, AdapterSettings& settings) {
     for (const SettingText& setting : settingTexts()) {
         const auto read = [&setting, &settings](const std::string& text) {
-            try {
-                setting.read(settings, text);
-            } catch (const std::invalid_argument& error) {
-                throw CLI::ValidationError(setting.option, error.what());
-            }
+            readSetting(setting, setting.option, settings, text);
         };
         command.add_option_function<std::string>(setting.option, read, setting.help)
             ->type_name(setting.placeholder)
@@ -25,22 +53,33 @@ void addAdapterOptions(CLI::App& command, AdapterSettings& settings) {
     }
 }
 
+void addAdapterOptions(CLI::App& command, AdapterChoice& choice) {
+    addAdapterOptions(command, choice.settings);
+    command
+        .add_option("--adapter", choice.serialNumbers,
+                    "Several adapters side by side: one of this serial number each time")
+        ->type_name("TEXT")
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+        ->excludes("--serial");
+}
+
+void refuseHostFaults(const AdapterSettings& settings) {
+    if (isHostFault(settings.fault.kind)) {
+        throw CLI::ValidationError(
+            "--fault", "this one is the host's; only 'run' and 'serve --socket' have it");
+    }
+}
+
 void addAdapterOptionsOnRealHost(CLI::App& command, AdapterSettings& settings) {
     addAdapterOptions(command, settings);
     std::string names;
-    std::set<std::string> hostFaults;
     for (const FaultName& fault : faultNames()) {
-        if (isHostFault(fault.kind)) {
-            hostFaults.insert(fault.name);
-        } else {
+        if (!isHostFault(fault.kind)) {
             names += (names.empty() ? "" : ", ") + std::string(fault.name);
         }
     }
-    command.get_option("--fault")
-        ->description("What goes wrong: " + names)
-        ->check([hostFaults](const std::string& name) {
-            return hostFaults.count(name) > 0 ? "this one is the host's; only 'run' has it" : "";
-        });
+    command.get_option("--fault")->description("What goes wrong: " + names);
 }
 
 } // namespace virtual_adapter

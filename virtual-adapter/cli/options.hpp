@@ -7,10 +7,29 @@
 
 #include <CLI/App.hpp>
 
+#include <string>
+#include <vector>
+
 namespace virtual_adapter {
+
+/// The adapters that a command line asks for.
+struct AdapterChoice {
+    /// Of the only adapter, and of each of several but for its serial number.
+    AdapterSettings settings;
+    std::vector<std::string> serialNumbers;
+
+    [[nodiscard]] std::vector<AdapterSettings> all() const;
+};
 
 /// Gives @p command the options that choose an adapter; parsing fills @p settings.
 void addAdapterOptions(CLI::App& command, AdapterSettings& settings);
+
+/// The same where several may stand side by side.
+void addAdapterOptions(CLI::App& command, AdapterChoice& choice);
+
+/// Throws CLI::ValidationError for a fault that only a host has, where a real one carries the
+/// adapter's reports.
+void refuseHostFaults(const AdapterSettings& settings);
 
 /// The same where a real host carries the adapter's reports, which has faults of its own.
 void addAdapterOptionsOnRealHost(CLI::App& command, AdapterSettings& settings);

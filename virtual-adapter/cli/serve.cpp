@@ -6,6 +6,8 @@
 #include "cli/TerminationSignals.hpp"
 #include "cli/announce.hpp"
 #include "cli/options.hpp"
+#include "ways/SocketPlace.hpp"
+#include "ways/SocketServer.hpp"
 #include "ways/usbip.hpp"
 
 #include "usbip/ListeningSocket.hpp"
@@ -26,12 +28,36 @@ namespace virtual_adapter {
 namespace {
 
 struct ServeOptions {
-    AdapterSettings settings;
+    AdapterChoice adapters;
+    std::string socket;
     std::string address = "127.0.0.1";
     uint16_t port = usbip::standardPort;
 };
 
-void serve(const ServeOptions& options) {
+std::string nameOf(const AdapterSettings& settings) {
+    return "the " + std::string(settings.identity.variant.name) + " adapter " +
+           settings.serialNumber;
+}
+
+void serveAtSocket(const ServeOptions& options) {
+    const usbip::FileDescriptor stop = terminationSignals();
+    SocketPlace place = SocketPlace::at(options.socket);
+    std::string names;
+    for (const AdapterSettings& settings : options.adapters.all()) {
+        names += (names.empty() ? "" : ", ") + nameOf(settings);
+    }
+    AdapterRack rack(options.adapters.all());
+    SocketServer server(rack, place.takeListener());
+    announce("Serving " + names + " at " + place.path());
+    server.run(stop);
+}
+
+void serveOverUsbIp(const ServeOptions& options) {
+    const AdapterSettings& settings = options.adapters.settings;
+    refuseHostFaults(settings);
+    if (!options.adapters.serialNumbers.empty()) {
+        throw CLI::ValidationError("--adapter", "several stand at a socket only: --socket PATH");
+    }
     const usbip::FileDescriptor stop = terminationSignals();
     usbip::FileDescriptor listener = usbip::listeningSocket(options.address, options.port);
     if (!usbip::isOnLoopback(listener)) {
@@ -40,10 +66,9 @@ void serve(const ServeOptions& options) {
                   << std::flush;
     }
     const std::string port = std::to_string(usbip::portOf(listener));
-    usbip::Server server(exportedAdapter(options.settings));
+    usbip::Server server(exportedAdapter(settings));
     server.listenOn(std::move(listener));
-    announce("Serving the " + std::string(options.settings.identity.variant.name) + " adapter " +
-             options.settings.serialNumber + " as device 1-1 on " + options.address + " port " +
+    announce("Serving " + nameOf(settings) + " as device 1-1 on " + options.address + " port " +
              port);
     server.run(stop);
 }
@@ -70,20 +95,33 @@ std::string complaintAboutAddress(const std::string& text) {
 } // namespace
 
 void addServeCommand(CLI::App& app) {
-    CLI::App& command =
-        *app.add_subcommand("serve", "Export the adapter over USB/IP, for 'usbip attach'");
+    CLI::App& command = *app.add_subcommand(
+        "serve",
+        "Keep an adapter: at a socket for 'run --join', or over USB/IP for 'usbip attach'");
     const auto options = std::make_shared<ServeOptions>();
-    addAdapterOptionsOnRealHost(command, options->settings);
-    command.add_option("--address", options->address, "Listen on this numeric address")
+    addAdapterOptions(command, options->adapters);
+    CLI::Option* const socket =
+        command
+            .add_option("--socket", options->socket, "Listen at this path for programs that join")
+            ->type_name("PATH");
+    command.add_option("--address", options->address, "Listen on this numeric address for USB/IP")
         ->check(complaintAboutAddress)
-        ->capture_default_str();
+        ->capture_default_str()
+        ->excludes(socket);
     command
         .add_option_function<std::string>(
             "--port", [options](const std::string& text) { options->port = readPort(text); },
-            "Listen on this TCP port; 0 finds a free one")
+            "Listen on this TCP port for USB/IP; 0 finds a free one")
         ->type_name("UINT")
-        ->default_str(std::to_string(options->port));
-    command.callback([options] { serve(*options); });
+        ->default_str(std::to_string(options->port))
+        ->excludes(socket);
+    command.callback([options, socket] {
+        if (socket->empty()) {
+            serveOverUsbIp(*options);
+        } else {
+            serveAtSocket(*options);
+        }
+    });
 }
 
 } // namespace virtual_adapter

@@ -106,14 +106,11 @@ std::string writeFaultDelay(const AdapterSettings& settings) {
 
 const std::array<SettingText, 4>& settingTexts() {
     static const std::array<SettingText, 4> texts{{
-        {"--model", "VELTRA_VIRTUAL_ADAPTER_MODEL", "NAME",
-         "The adapter's model: " + allowedModels(), readModel, writeModel},
-        {"--serial", "VELTRA_VIRTUAL_ADAPTER_SERIAL", "TEXT", "The adapter's serial number",
-         readSerialNumber, writeSerialNumber},
-        {"--fault", "VELTRA_VIRTUAL_ADAPTER_FAULT", "NAME", "What goes wrong: " + allowedFaults(),
-         readFault, writeFault},
-        {"--fault-delay", "VELTRA_VIRTUAL_ADAPTER_FAULT_DELAY", "MS",
-         "How late the late response comes, in milliseconds", readFaultDelay, writeFaultDelay},
+        {"--model", "NAME", "The adapter's model: " + allowedModels(), readModel, writeModel},
+        {"--serial", "TEXT", "The adapter's serial number", readSerialNumber, writeSerialNumber},
+        {"--fault", "NAME", "What goes wrong: " + allowedFaults(), readFault, writeFault},
+        {"--fault-delay", "MS", "How late the late response comes, in milliseconds", readFaultDelay,
+         writeFaultDelay},
     }};
     return texts;
 }

@@ -19,10 +19,9 @@ struct AdapterSettings {
     Fault fault;
 };
 
-/// A setting as text: on the command line, and in the environment of a program under `run`.
+/// A setting as text on the command line.
 struct SettingText {
     const char* option;
-    const char* variable;
     const char* placeholder;
     std::string help;
     /// Throws std::invalid_argument, whose text says what the setting accepts.

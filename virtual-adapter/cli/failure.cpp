@@ -1,0 +1,17 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
+#include "cli/failure.hpp"
+
+#include <CLI/Error.hpp>
+
+#include <iostream>
+
+namespace virtual_adapter {
+
+void fail(int exitStatus, const std::string& message) {
+    std::cerr << "veltra-virtual-adapter: " + message + "\n" << std::flush;
+    throw CLI::RuntimeError(exitStatus);
+}
+
+} // namespace virtual_adapter

@@ -1,0 +1,165 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
+#include "socket/Channel.hpp"
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/uio.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+namespace virtual_adapter {
+
+namespace {
+
+constexpr rlim_t highestUsual = 1024;
+constexpr rlim_t keptBelowLimit = 128;
+
+/// Moves a descriptor out of a program's way. Programs that close or reuse "all" their descriptors
+/// usually mean the low ones.
+int movedUp(int descriptor) {
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur <= 2 * keptBelowLimit) {
+        return descriptor;
+    }
+    const rlim_t usable = limit.rlim_cur < highestUsual ? limit.rlim_cur : highestUsual;
+    const int moved = fcntl(descriptor, F_DUPFD_CLOEXEC, static_cast<int>(usable - keptBelowLimit));
+    if (moved < 0) {
+        return descriptor;
+    }
+    close(descriptor);
+    return moved;
+}
+
+bool sendAll(int socket, iovec* parts, size_t count) {
+    msghdr message{};
+    message.msg_iov = parts;
+    message.msg_iovlen = count;
+    while (message.msg_iovlen > 0) {
+        const ssize_t result = sendmsg(socket, &message, MSG_NOSIGNAL);
+        if (result < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            return false;
+        }
+        auto sent = static_cast<size_t>(result);
+        while (message.msg_iovlen > 0 && sent >= message.msg_iov->iov_len) {
+            sent -= message.msg_iov->iov_len;
+            ++message.msg_iov;
+            --message.msg_iovlen;
+        }
+        if (message.msg_iovlen > 0) {
+            message.msg_iov->iov_base = static_cast<uint8_t*>(message.msg_iov->iov_base) + sent;
+            message.msg_iov->iov_len -= sent;
+        }
+    }
+    return true;
+}
+
+/// Receives at least @p wanted bytes behind the @p have that are there, at most @p capacity in all.
+/// Returns how many there are then; less than wanted when the connection has ended.
+size_t receive(int socket, uint8_t* buffer, size_t have, size_t wanted, size_t capacity) {
+    while (have < wanted) {
+        const ssize_t result = recv(socket, buffer + have, capacity - have, 0);
+        if (result < 0 && errno == EINTR) {
+            continue;
+        }
+        if (result <= 0) {
+            break;
+        }
+        have += static_cast<size_t>(result);
+    }
+    return have;
+}
+
+void print(const uint8_t* text, size_t size) {
+    while (size > 0) {
+        const ssize_t written = write(STDERR_FILENO, text, size);
+        if (written <= 0) {
+            return;
+        }
+        text += written;
+        size -= static_cast<size_t>(written);
+    }
+}
+
+} // namespace
+
+int connectToAdapter(const char* path) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    const size_t size = std::strlen(path);
+    if (size == 0 || size >= sizeof address.sun_path) {
+        return -1;
+    }
+    std::memcpy(address.sun_path, path, size);
+    const int descriptor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (descriptor < 0) {
+        return -1;
+    }
+    while (connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+        if (errno != EINTR) {
+            close(descriptor);
+            return -1;
+        }
+    }
+    return movedUp(descriptor);
+}
+
+int greetAdapter(const char* path) {
+    const int socket = connectToAdapter(path);
+    ClientMessage hello(ClientMessageKind::Hello);
+    hello.u32(helloMagic).u16(socketVersion);
+    if (socket >= 0 && !sendMessage(socket, hello)) {
+        close(socket);
+        return -1;
+    }
+    return socket;
+}
+
+bool sendMessage(int socket, ClientMessage& message) {
+    message.finish();
+    // sendmsg does not write to what it sends.
+    iovec parts[] = {{const_cast<uint8_t*>(message.fields()), message.fieldsSize()},
+                     {const_cast<void*>(message.rest()), message.restSize()}};
+    return sendAll(socket, parts, message.restSize() > 0 ? 2 : 1);
+}
+
+bool receiveReply(int socket, ReplyKind kind, uint8_t* buffer, size_t capacity, Reply& reply) {
+    size_t have = 0;
+    for (;;) {
+        have = receive(socket, buffer, have, messageHead, capacity);
+        if (have < messageHead) {
+            return false;
+        }
+        ByteReader head(buffer, have);
+        const size_t size = head.u32();
+        const auto received = static_cast<ReplyKind>(head.u8());
+        if (size < 1 || size > capacity - messageSizeField) {
+            return false;
+        }
+        const size_t end = messageSizeField + size;
+        have = receive(socket, buffer, have, end, capacity);
+        if (have < end) {
+            return false;
+        }
+        if (received == kind) {
+            reply = {buffer + messageHead, size - 1};
+            return have == end;
+        }
+        if (received != ReplyKind::Notice && received != ReplyKind::Refused) {
+            return false;
+        }
+        print(buffer + messageHead, size - 1);
+        have -= end;
+        std::memmove(buffer, buffer + end, have);
+    }
+}
+
+} // namespace virtual_adapter

@@ -1,0 +1,61 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
+#include "ways/AdapterRack.hpp"
+
+#include "socket/messages.hpp"
+
+#include <algorithm>
+#include <iterator>
+#include <stdexcept>
+
+namespace virtual_adapter {
+
+AdapterRack::AdapterRack(const std::vector<AdapterSettings>& chosen) {
+    if (chosen.size() > maxAdapters) {
+        throw std::invalid_argument("at most " + std::to_string(maxAdapters) +
+                                    " adapters stand side by side");
+    }
+    for (const AdapterSettings& settings : chosen) {
+        for (const HostedAdapter& other : hosted) {
+            if (other.adapterSettings().serialNumber == settings.serialNumber) {
+                throw std::invalid_argument("two adapters have the serial number " +
+                                            settings.serialNumber);
+            }
+        }
+        hosted.emplace_back(settings);
+    }
+}
+
+HostedAdapter* AdapterRack::find(unsigned number) {
+    if (number == 0 || number > hosted.size()) {
+        return nullptr;
+    }
+    return &*std::next(hosted.begin(), static_cast<std::ptrdiff_t>(number) - 1);
+}
+
+std::string AdapterRack::tell(const std::string& serialNumber, const std::string& stimulus,
+                              HostedAdapter::Time now) {
+    const auto found =
+        std::find_if(hosted.begin(), hosted.end(), [&](const HostedAdapter& adapter) {
+            return serialNumber.empty() || adapter.adapterSettings().serialNumber == serialNumber;
+        });
+    if (found == hosted.end()) {
+        return "no adapter has the serial number " + serialNumber;
+    }
+    if (serialNumber.empty() && hosted.size() > 1) {
+        return "there are several adapters; say which: --serial TEXT";
+    }
+    if (stimulus == "reset") {
+        found->reset();
+    } else if (stimulus == "unplug") {
+        found->unplug(now);
+    } else if (stimulus == "plug") {
+        found->plug();
+    } else {
+        return "'" + stimulus + "' is no stimulus: expected reset, unplug or plug";
+    }
+    return {};
+}
+
+} // namespace virtual_adapter

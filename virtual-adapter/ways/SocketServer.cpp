@@ -1,0 +1,234 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
+#include "ways/SocketServer.hpp"
+
+#include "socket/replies.hpp"
+
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <ctime>
+#include <system_error>
+
+namespace virtual_adapter {
+
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+/// For the next program of a script to start.
+constexpr auto patience = 1s;
+
+/// Until descriptors may have become free elsewhere.
+constexpr auto acceptPause = 100ms;
+
+bool wouldBlock() {
+    return errno == EAGAIN || errno == EINTR;
+}
+
+bool isMine(const ucred& peer) {
+    return peer.uid == geteuid();
+}
+
+std::optional<ucred> peerOf(const usbip::FileDescriptor& socket) {
+    ucred peer{};
+    socklen_t size = sizeof peer;
+    if (getsockopt(socket.get(), SOL_SOCKET, SO_PEERCRED, &peer, &size) != 0) {
+        return std::nullopt;
+    }
+    return peer;
+}
+
+timespec timeUntil(SocketServer::Time event, SocketServer::Time now) {
+    const auto wait = std::max<std::chrono::nanoseconds>(event - now, 0ns);
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(wait);
+    return {static_cast<time_t>(seconds.count()), static_cast<long>((wait - seconds).count())};
+}
+
+void keepEarlier(std::optional<SocketServer::Time>& earliest,
+                 const std::optional<SocketServer::Time>& other) {
+    if (other && (!earliest || *other < *earliest)) {
+        earliest = other;
+    }
+}
+
+} // namespace
+
+void SocketServer::endWithPrograms(pid_t program) {
+    endsWithPrograms = true;
+    programs.add(program);
+}
+
+void SocketServer::run(const usbip::FileDescriptor& stop) {
+    for (;;) {
+        const Time now = Clock::now();
+        std::vector<pollfd> polled = whatToWaitFor(now);
+        polled.push_back({stop.get(), POLLIN, 0});
+        const std::optional<Time> due = nextDue();
+        const timespec wait = timeUntil(due.value_or(now), now);
+        if (ppoll(polled.data(), polled.size(), due ? &wait : nullptr, nullptr) < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            throw std::system_error(errno, std::generic_category(), "cannot wait for programs");
+        }
+        const Time then = Clock::now();
+        react(polled, then);
+        if (polled.back().revents != 0 || (deserted && *deserted + patience <= then)) {
+            return;
+        }
+    }
+}
+
+std::vector<pollfd> SocketServer::whatToWaitFor(Time now) {
+    if (acceptAgain && *acceptAgain <= now) {
+        acceptAgain.reset();
+    }
+    std::vector<pollfd> polled{{listener.get(), static_cast<short>(acceptAgain ? 0 : POLLIN), 0}};
+    programs.watch(polled);
+    for (Client& client : clients) {
+        const int input = client.connection.wantsInput() ? POLLIN : 0;
+        const int output = client.connection.output().empty() ? 0 : POLLOUT;
+        polled.push_back({client.socket.get(), static_cast<short>(input | output), 0});
+    }
+    return polled;
+}
+
+std::optional<SocketServer::Time> SocketServer::nextDue() const {
+    std::optional<Time> next = acceptAgain;
+    for (const Client& client : clients) {
+        keepEarlier(next, client.connection.nextDue());
+    }
+    if (deserted) {
+        keepEarlier(next, *deserted + patience);
+    }
+    return next;
+}
+
+void SocketServer::react(const std::vector<pollfd>& polled, Time now) {
+    const auto events = programs.removeEnded(polled.begin() + 1);
+    // Those who have gone first: what they had open is free for the others.
+    for (const bool gone : {true, false}) {
+        auto event = events;
+        for (Client& client : clients) {
+            const auto happened = static_cast<unsigned>((event++)->revents);
+            if (gone == ((happened & (POLLHUP | POLLERR)) != 0) && happened != 0) {
+                receive(client, gone, now);
+            }
+        }
+    }
+    answer(now);
+    removeGone();
+    if ((polled.front().revents & POLLIN) != 0) {
+        accept(now);
+    }
+    if (!endsWithPrograms || hasPrograms()) {
+        deserted.reset();
+    } else if (!deserted) {
+        deserted = now;
+    }
+}
+
+void SocketServer::accept(Time now) {
+    usbip::FileDescriptor socket(
+        accept4(listener.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
+    if (!socket.isOpen()) {
+        if (!wouldBlock() && errno != ECONNABORTED) {
+            // The program stays in the queue, where poll would report it again at once, for ever.
+            acceptAgain = now + acceptPause;
+        }
+        return;
+    }
+    const auto peer = peerOf(socket);
+    if (!peer || !isMine(*peer)) {
+        return;
+    }
+    if (endsWithPrograms) {
+        programs.add(peer->pid);
+    }
+    clients.emplace_back(std::move(socket), rack);
+}
+
+void SocketServer::receive(Client& client, bool gone, Time now) {
+    std::array<uint8_t, 1U << 16U> buffer{};
+    do {
+        const ssize_t size = client.connection.wantsInput()
+                                 ? recv(client.socket.get(), buffer.data(), buffer.size(), 0)
+                                 : 0;
+        if (size > 0) {
+            client.connection.receive(buffer.data(), static_cast<size_t>(size), now);
+            addNotices(client.connection.output());
+        } else if (gone || (size == 0 && client.connection.wantsInput()) ||
+                   (size < 0 && !wouldBlock())) {
+            client.isGone = true;
+            client.connection.hangUp(now);
+        }
+    } while (gone && !client.isGone);
+}
+
+void SocketServer::answer(Time now) {
+    bool somethingWasSaid = true;
+    while (somethingWasSaid) {
+        somethingWasSaid = false;
+        for (Client& client : clients) {
+            if (client.isGone) {
+                continue;
+            }
+            send(client, now);
+            if (client.connection.serve(now)) {
+                addNotices(client.connection.output());
+                send(client, now);
+                // It may have set others free.
+                somethingWasSaid = true;
+            }
+        }
+    }
+}
+
+void SocketServer::send(Client& client, Time now) {
+    Bytes& output = client.connection.output();
+    while (!output.empty() && !client.isGone) {
+        const ssize_t size =
+            ::send(client.socket.get(), output.data(), output.size(), MSG_NOSIGNAL);
+        if (size >= 0) {
+            output.erase(output.begin(), output.begin() + size);
+        } else if (wouldBlock()) {
+            return;
+        } else {
+            client.isGone = true;
+        }
+    }
+    client.isGone = client.isGone || client.connection.isOver();
+    if (client.isGone) {
+        client.connection.hangUp(now);
+    }
+}
+
+void SocketServer::addNotices(Bytes& output) {
+    if (!notices.isOpen() || output.empty()) {
+        return;
+    }
+    std::array<char, maxTextSize> text{};
+    Bytes said;
+    for (;;) {
+        const ssize_t size = read(notices.get(), text.data(), text.size());
+        if (size <= 0) {
+            break;
+        }
+        const Bytes notice = textReply(ReplyKind::Notice, {text.data(), static_cast<size_t>(size)});
+        said.insert(said.end(), notice.begin(), notice.end());
+    }
+    output.insert(output.begin(), said.begin(), said.end());
+}
+
+void SocketServer::removeGone() {
+    clients.remove_if([](const Client& client) { return client.isGone; });
+}
+
+} // namespace virtual_adapter
