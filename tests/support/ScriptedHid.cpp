@@ -29,16 +29,10 @@ public:
     static inline std::atomic<size_t> count{0};
 };
 
-thread_local bool serving = false;
-
-/// What the stand-in does in between is not the library's doing.
-class Serving {
-public:
-    Serving() { serving = true; }
-    ~Serving() { serving = false; }
-    Serving(const Serving&) = delete;
-    Serving& operator=(const Serving&) = delete;
-};
+std::string hex(uint8_t byte) {
+    static constexpr char digits[] = "0123456789ABCDEF";
+    return {digits[byte >> 4U], digits[byte & 0xFU]};
+}
 
 void require(bool holds, const char* misuse) {
     if (!holds) {
@@ -56,17 +50,29 @@ struct Node {
 } // namespace
 
 std::string hexDump(const Bytes& bytes) {
-    static constexpr char digits[] = "0123456789ABCDEF";
     const auto padding =
         std::find_if(bytes.rbegin(), bytes.rend(), [](uint8_t b) { return b != 0; });
     const auto shown = static_cast<size_t>(std::distance(padding, bytes.rend()));
     std::string text;
     for (size_t i = 0; i < shown; ++i) {
         text += i % 16 == 0 ? "\n  " : " ";
-        text += digits[bytes[i] >> 4U];
-        text += digits[bytes[i] & 0xFU];
+        text += hex(bytes[i]);
     }
     return text + "\n  and " + std::to_string(bytes.size() - shown) + " zeros";
+}
+
+std::string hexLine(const Bytes& bytes) {
+    constexpr std::ptrdiff_t often = 5;
+    std::string text;
+    for (auto byte = bytes.begin(); byte != bytes.end();) {
+        const auto end =
+            std::find_if(byte, bytes.end(), [&](uint8_t other) { return other != *byte; });
+        const auto run = end - byte < often ? 1 : end - byte;
+        text += (text.empty() ? "" : " ") + hex(*byte);
+        text += run == 1 ? "" : "*" + std::to_string(run);
+        byte += run;
+    }
+    return text;
 }
 
 ScriptedHid::ScriptedHid() {
@@ -152,10 +158,6 @@ size_t ScriptedHid::openDevices() const {
 
 size_t ScriptedHid::readingThreads() {
     return ReadingThread::count;
-}
-
-bool ScriptedHid::isServing() {
-    return serving;
 }
 
 template <typename Condition>
@@ -369,53 +371,3 @@ int ScriptedHid::readTimeout(void* device, uint8_t* data, size_t length, int mil
 }
 
 } // namespace test_support
-
-using test_support::ScriptedHid;
-using test_support::Serving;
-
-// Visible, so that they stand in front of hidapi's own in a program that links the shared library.
-#pragma GCC visibility push(default)
-extern "C" {
-
-int hid_init(void) {
-    const Serving now;
-    return ScriptedHid::instance().init();
-}
-
-int hid_exit(void) {
-    const Serving now;
-    return ScriptedHid::instance().exit();
-}
-
-hid_device_info* hid_enumerate(unsigned short vendorId, unsigned short productId) {
-    const Serving now;
-    return static_cast<hid_device_info*>(ScriptedHid::instance().enumerate(vendorId, productId));
-}
-
-void hid_free_enumeration(hid_device_info* devices) {
-    const Serving now;
-    ScriptedHid::instance().freeEnumeration(devices);
-}
-
-hid_device* hid_open_path(const char* path) {
-    const Serving now;
-    return static_cast<hid_device*>(ScriptedHid::instance().openPath(path));
-}
-
-void hid_close(hid_device* device) {
-    const Serving now;
-    ScriptedHid::instance().close(device);
-}
-
-int hid_write(hid_device* device, const unsigned char* data, size_t length) {
-    const Serving now;
-    return ScriptedHid::instance().write(device, data, length);
-}
-
-int hid_read_timeout(hid_device* device, unsigned char* data, size_t length, int milliseconds) {
-    const Serving now;
-    return ScriptedHid::instance().readTimeout(device, data, length, milliseconds);
-}
-
-} // extern "C"
-#pragma GCC visibility pop

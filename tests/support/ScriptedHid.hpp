@@ -102,6 +102,12 @@ public:
     /// an unplug.
     void failReading(bool fail) { set(readingFails, fail); }
 
+    /// Is told of every call with its arguments, as it begins; of a read as it ends, with what it
+    /// read, and not of one that found nothing. It is called on the calling thread.
+    using Recorder = std::function<void(const std::string& call)>;
+    void record(Recorder recorder) { set(callRecorder, std::move(recorder)); }
+    [[nodiscard]] Recorder recorder() const { return get(callRecorder); }
+
     /// The writes so far, report identifiers included.
     [[nodiscard]] std::vector<Bytes> writes() const { return get(written); }
     [[nodiscard]] size_t readCalls() const { return get(reads); }
@@ -189,6 +195,7 @@ private:
     std::deque<ExpectedWrite> script;
     bool scripted = false;
     std::function<std::vector<Bytes>(const Bytes&)> responder;
+    Recorder callRecorder;
     /// Nothing stands for a read that fails.
     std::deque<std::optional<Bytes>> input;
     std::optional<Bytes> endlessInput;
@@ -216,5 +223,7 @@ private:
 
 /// Bytes as hexadecimal text, sixteen to a line, trailing zeros folded.
 std::string hexDump(const Bytes& bytes);
+/// The same in one line; of a byte that follows itself often, once and how often.
+std::string hexLine(const Bytes& bytes);
 
 } // namespace test_support
