@@ -50,6 +50,7 @@ ROOMS = {
     "model": ("bytes/", "model/", "board/Board.hpp"),
     "board/parts": (
         "bytes/",
+        "board/Setting.hpp",
         "model/i2c/I2cTarget.hpp",
         "model/spi/SpiTarget.hpp",
         "model/uart/UartTarget.hpp",
@@ -62,6 +63,12 @@ ROOMS = {
         "model/uart/UartTarget.hpp",
         "model/gpio/GpioLines.hpp",
         "model/i3c/I3cBus.hpp",
+        # Which addresses nobody may have.
+        "model/i3c/i3c_records.hpp",
+        "bytes/",
+        "model/i2c/I2cTarget.hpp",
+        "model/spi/SpiTarget.hpp",
+        "model/i3c/I3cTarget.hpp",
     ),
     "faults": ("bytes/", "model/Frame.hpp", "model/Outbox.hpp"),
     "device": ("bytes/", "model/Adapter.hpp", "model/AdapterVariant.hpp", "board/", "faults/"),

@@ -8,10 +8,16 @@
 
 #include "protocol/CommandCode.hpp"
 
+#include <string_view>
+
 namespace virtual_adapter {
 
 // Requests under the identifier 1, and the responses to them. What they are on the wire is held by
 // one test of literal bytes for each command, in the room of its bus.
+
+inline Bytes bytesOfText(std::string_view text) {
+    return {text.begin(), text.end()};
+}
 
 inline ByteWriter header(CommandCode code) {
     ByteWriter frame;

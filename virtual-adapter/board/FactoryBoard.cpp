@@ -3,78 +3,80 @@
 
 #include "board/FactoryBoard.hpp"
 
-#include "board/parts/I2cEeprom.hpp"
-#include "board/parts/I2cTemperatureSensor.hpp"
-#include "board/parts/I3cAccelerometer.hpp"
-#include "board/parts/I3cCompanion.hpp"
-#include "board/parts/I3cMemory.hpp"
-#include "board/parts/I3cTemperatureSensor.hpp"
-#include "board/parts/SpiFlash.hpp"
-#include "board/parts/SpiLoopback.hpp"
-#include "board/parts/UartLoopback.hpp"
-
-#include <utility>
+#include <string_view>
 
 namespace virtual_adapter {
 
 namespace {
 
-std::unique_ptr<I2cEeprom> smallEeprom(const char* contents) {
-    return std::make_unique<I2cEeprom>(I2cEeprom::geometry24C02, contents);
+Bytes text(std::string_view characters) {
+    return {characters.begin(), characters.end()};
 }
 
-std::unique_ptr<I2cEeprom> largeEeprom(const char* contents) {
-    return std::make_unique<I2cEeprom>(I2cEeprom::geometry24C256, contents);
+SettingValues onI2c(uint64_t bus, uint64_t address) {
+    return {{"bus", bus}, {"address", address}};
 }
 
-std::unique_ptr<I2cTemperatureSensor> sensorAt(int halfDegrees) {
-    return std::make_unique<I2cTemperatureSensor>(halfDegrees);
+std::vector<Placement> i2cParts() {
+    return {
+        {Place::I2c, "lm75", onI2c(0, 0x48), {{"temperature", 25.0}}},
+        {Place::I2c,
+         "24c02",
+         onI2c(0, 0x50),
+         {{"contents", text("Hello from the virtual adapter!")}}},
+        {Place::I2c, "24c256", onI2c(0, 0x51)},
+
+        {Place::I2c, "lm75", onI2c(1, 0x48), {{"temperature", -10.5}}},
+        {Place::I2c, "24c02", onI2c(1, 0x50), {{"contents", text("Hello from bus 1!")}}},
+        {Place::I2c, "24c256", onI2c(1, 0x51), {{"contents", text("32 KiB on bus 1")}}},
+        {Place::I2cTenBit, "ten-bit", onI2c(1, 0x1A2)},
+    };
 }
 
-void equipI2c(Board& board) {
-    I2cBus& first = board.i2c[0];
-    first.attach(0x48, sensorAt(2 * 25));
-    first.attach(0x50, smallEeprom("Hello from the virtual adapter!"));
-    first.attach(0x51, largeEeprom(""));
-
-    I2cBus& second = board.i2c[1];
-    second.attach(0x48, sensorAt(-21));
-    second.attach(0x50, smallEeprom("Hello from bus 1!"));
-    second.attach(0x51, largeEeprom("32 KiB on bus 1"));
-    second.attachTenBit(0x1A2);
+SettingValues onSpi(uint64_t chipSelect) {
+    return {{"chip_select", chipSelect}};
 }
 
-void equipSpi(Board& board) {
-    board.spi.attach(SpiChipSelect_0, std::make_unique<SpiFlash>());
-    board.spi.attach(SpiChipSelect_1, std::make_unique<SpiLoopback>());
+std::vector<Placement> spiAndUartParts() {
+    return {
+        {Place::Spi, "nor-flash", onSpi(0), {{"image", text("Hello from the SPI flash!")}}},
+        {Place::Spi, "loopback", onSpi(1)},
+        {Place::Uart, "loopback", {}},
+    };
 }
 
-void equipI3c(Board& board) {
-    PowerDomain& socket = board.powerDomains["socket"];
-    auto module = std::make_unique<I3cAccelerometer>();
-    socket.feed([&target = *module](bool supplied) { target.setSupply(supplied); });
+SettingValues asLegacy(uint64_t address, const char* fastestRate) {
+    return {{"address", address}, {"fastest_rate", std::string(fastestRate)}};
+}
 
-    board.i3c.attach(std::make_unique<I3cTemperatureSensor>());
-    board.i3c.attach(
-        std::make_unique<I3cCompanion>([&socket](bool supplied) { socket.supply(supplied); }));
-    board.i3c.attach(std::make_unique<I3cMemory>());
-    board.i3c.attach(std::move(module));
-
-    board.i3c.attachLegacy(0x4F, I2cTransferRate_0_4_MHz, sensorAt(2 * 20));
-    board.i3c.attachLegacy(0x50, I2cTransferRate_1_MHz, smallEeprom("Hello from the I3C bus!"));
+std::vector<Placement> i3cParts() {
+    const std::string socket = "socket";
+    return {
+        {Place::I3c, "temperature-sensor", {}},
+        {Place::I3c, "companion", {}, {{"switches", socket}}},
+        {Place::I3c, "memory", {}},
+        {Place::I3c, "accelerometer", {{"supply", socket}}},
+        {Place::I3cLegacy, "lm75", asLegacy(0x4F, "400k"), {{"temperature", 20.0}}},
+        {Place::I3cLegacy,
+         "24c02",
+         asLegacy(0x50, "1M"),
+         {{"contents", text("Hello from the I3C bus!")}}},
+    };
 }
 
 } // namespace
 
+BoardDescription factoryDescription() {
+    BoardDescription description;
+    for (const std::vector<Placement>& parts : {i2cParts(), spiAndUartParts(), i3cParts()}) {
+        description.parts.insert(description.parts.end(), parts.begin(), parts.end());
+    }
+    description.wires = {{GpioPinNumber_0, GpioPinNumber_1}, {GpioPinNumber_2, GpioPinNumber_3}};
+    return description;
+}
+
 Board factoryBoard() {
-    Board board;
-    equipI2c(board);
-    equipSpi(board);
-    board.uart = std::make_unique<UartLoopback>();
-    board.gpio.join(GpioPinNumber_0, GpioPinNumber_1);
-    board.gpio.join(GpioPinNumber_2, GpioPinNumber_3);
-    equipI3c(board);
-    return board;
+    return buildBoard(factoryDescription());
 }
 
 } // namespace virtual_adapter

@@ -3,12 +3,14 @@
 
 #pragma once
 
-#include "board/Board.hpp"
+#include "board/BoardDescription.hpp"
 
 namespace virtual_adapter {
 
 /// The board that the adapter has unless told otherwise. docs/virtual-adapter/ describes it for
 /// users.
+BoardDescription factoryDescription();
+
 Board factoryBoard();
 
 } // namespace virtual_adapter

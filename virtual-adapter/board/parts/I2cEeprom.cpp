@@ -4,15 +4,56 @@
 #include "board/parts/I2cEeprom.hpp"
 
 #include <algorithm>
+#include <utility>
 
 namespace virtual_adapter {
 
-I2cEeprom::I2cEeprom(const Geometry& layout, const std::string& contents)
-    : geometry(layout), memory(layout.size, 0xFF) {
-    std::copy(contents.begin(), contents.end(), memory.begin());
+/// The EEPROM at one of several bus addresses.
+class I2cEeprom::Block : public I2cTarget {
+public:
+    Block(std::shared_ptr<I2cEeprom> itsChip, unsigned index)
+        : chip(std::move(itsChip)), block(index) {}
+
+    bool start(I2cDirection direction) override { return chip->start(direction, block); }
+    bool write(uint8_t byte) override { return chip->write(byte); }
+    uint8_t read() override { return chip->read(); }
+    void stop() override { chip->stop(); }
+    void cyclePower() override { chip->cyclePower(); }
+    std::string set(const std::string& name, const std::string& value) override {
+        return chip->set(name, value);
+    }
+
+private:
+    const std::shared_ptr<I2cEeprom> chip;
+    const unsigned block;
+};
+
+std::vector<Setting> I2cEeprom::settings(const Geometry& layout) {
+    return {
+        Setting::bytes("contents", 0, layout.size,
+                       "hex:", "what it holds from address 0 on; it is erased (0xFF) behind"),
+        Setting::flag("write_protected", "false",
+                      "whether bytes that are written are not acknowledged and not stored")
+            .changing(),
+    };
 }
 
-bool I2cEeprom::start(I2cDirection direction) {
+I2cEeprom::I2cEeprom(const Geometry& layout, const Bytes& contents, bool isWriteProtected)
+    : geometry(layout), memory(contents), writeProtected(isWriteProtected) {
+    memory.resize(geometry.size, 0xFF);
+}
+
+std::vector<std::unique_ptr<I2cTarget>> I2cEeprom::atItsAddresses(std::unique_ptr<I2cEeprom> chip) {
+    const unsigned addresses = chip->geometry.busAddresses();
+    const std::shared_ptr<I2cEeprom> shared = std::move(chip);
+    std::vector<std::unique_ptr<I2cTarget>> targets;
+    for (unsigned block = 0; block < addresses; ++block) {
+        targets.push_back(std::make_unique<Block>(shared, block));
+    }
+    return targets;
+}
+
+bool I2cEeprom::start(I2cDirection direction, unsigned block) {
     // A START in place of the STOP gives the running write up.
     pendingBytes.clear();
     if (attemptsUntilReady > 0) {
@@ -21,7 +62,7 @@ bool I2cEeprom::start(I2cDirection direction) {
     }
     if (direction == I2cDirection::Write) {
         registerAddressBytesSeen = 0;
-        registerAddress = 0;
+        registerAddress = block;
     }
     return true;
 }
@@ -33,6 +74,9 @@ bool I2cEeprom::write(uint8_t byte) {
             position = registerAddress % geometry.size;
         }
         return true;
+    }
+    if (writeProtected) {
+        return false;
     }
     pendingBytes[position] = byte;
     const size_t page = position - position % geometry.pageSize;
@@ -60,6 +104,13 @@ void I2cEeprom::cyclePower() {
     pendingBytes.clear();
     attemptsUntilReady = 0;
     position = 0;
+}
+
+std::string I2cEeprom::set(const std::string& name, const std::string& value) {
+    return changeSetting(settings(geometry), name, value,
+                         [this](const Setting& /*setting*/, const SettingValue& protection) {
+                             writeProtected = std::get<bool>(protection);
+                         });
 }
 
 } // namespace virtual_adapter

@@ -3,12 +3,15 @@
 
 #pragma once
 
+#include "board/Setting.hpp"
 #include "bytes/Bytes.hpp"
 #include "model/i2c/I2cTarget.hpp"
 
 #include <cstddef>
 #include <map>
+#include <memory>
 #include <string>
+#include <vector>
 
 namespace virtual_adapter {
 
@@ -16,11 +19,17 @@ namespace virtual_adapter {
 /// over at the end, and a write cycle during which it does not answer to its address.
 class I2cEeprom : public I2cTarget {
 public:
-    /// The sizes are powers of two.
+    /// The sizes are powers of two. What register addresses of one byte do not reach lies behind
+    /// further addresses on the bus, one for every 256 bytes.
     struct Geometry {
         size_t size;
         size_t pageSize;
         unsigned registerAddressBytes;
+
+        [[nodiscard]] unsigned busAddresses() const {
+            const size_t reached = size_t{1} << 8U * registerAddressBytes;
+            return static_cast<unsigned>(size <= reached ? 1 : size / reached);
+        }
     };
 
     /// 256 bytes in pages of 8, one byte of register address, such as a 24C02.
@@ -32,18 +41,31 @@ public:
     /// attempt stands for a part of the write cycle.
     static constexpr unsigned attemptsPerWriteCycle = 3;
 
-    /// The EEPROM holds @p contents from register address 0 on and is erased behind them.
-    I2cEeprom(const Geometry& layout, const std::string& contents);
+    static std::vector<Setting> settings(const Geometry& layout);
 
-    bool start(I2cDirection direction) override;
+    /// The EEPROM holds @p contents, which must fit, from register address 0 on and is erased
+    /// behind them.
+    I2cEeprom(const Geometry& layout, const Bytes& contents, bool isWriteProtected = false);
+
+    /// One target for each of the bus addresses of the EEPROM, in ascending order.
+    static std::vector<std::unique_ptr<I2cTarget>> atItsAddresses(std::unique_ptr<I2cEeprom> chip);
+
+    bool start(I2cDirection direction) override { return start(direction, 0); }
     bool write(uint8_t byte) override;
     uint8_t read() override;
     void stop() override;
     void cyclePower() override;
+    std::string set(const std::string& name, const std::string& value) override;
 
 private:
+    class Block;
+
+    /// @p block: which of its bus addresses the EEPROM is addressed at.
+    bool start(I2cDirection direction, unsigned block);
+
     const Geometry geometry;
     Bytes memory;
+    bool writeProtected;
     /// The address counter.
     size_t position = 0;
     unsigned attemptsUntilReady = 0;

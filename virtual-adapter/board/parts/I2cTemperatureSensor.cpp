@@ -3,25 +3,47 @@
 
 #include "board/parts/I2cTemperatureSensor.hpp"
 
+#include <cmath>
+
 namespace virtual_adapter {
 
 namespace {
 
+constexpr size_t temperatureRegister = 0;
+
 /// A temperature register holds nine bits, left-justified.
-Bytes temperatureRegister(int halfDegrees) {
-    const auto bits = static_cast<uint16_t>(static_cast<unsigned>(halfDegrees) << 7U);
-    return {static_cast<uint8_t>(bits >> 8U), static_cast<uint8_t>(bits & 0xFFU)};
+Bytes nineBits(double temperature) {
+    const auto halfDegrees = static_cast<unsigned>(static_cast<int>(std::floor(2 * temperature)));
+    const auto bits = static_cast<uint16_t>(halfDegrees << 7U);
+    return {highByte(bits), lowByte(bits)};
 }
 
 } // namespace
 
-I2cTemperatureSensor::I2cTemperatureSensor(int halfDegrees)
-    : initialRegisters{{
-          {temperatureRegister(halfDegrees), {0x00, 0x00}},
-          {{0x00}, {0x1F}},                            // configuration
-          {temperatureRegister(2 * 75), {0xFF, 0x80}}, // hysteresis
-          {temperatureRegister(2 * 80), {0xFF, 0x80}}, // limit
-      }} {}
+std::vector<Setting> I2cTemperatureSensor::settings() {
+    return {
+        Setting::decimal("temperature", -55, 125, "degrees Celsius", "25",
+                         "where it sits; it measures in steps of 0.5, rounding down")
+            .changing(),
+    };
+}
+
+I2cTemperatureSensor::Registers I2cTemperatureSensor::initialRegisters() {
+    return {{
+        {nineBits(0), {0x00, 0x00}},  // temperature
+        {{0x00}, {0x1F}},             // configuration
+        {nineBits(75), {0xFF, 0x80}}, // hysteresis
+        {nineBits(80), {0xFF, 0x80}}, // limit
+    }};
+}
+
+I2cTemperatureSensor::I2cTemperatureSensor(double temperature) {
+    measure(temperature);
+}
+
+void I2cTemperatureSensor::measure(double temperature) {
+    registers[temperatureRegister].value = nineBits(temperature);
+}
 
 bool I2cTemperatureSensor::start(I2cDirection direction) {
     pointerExpected = direction == I2cDirection::Write;
@@ -54,8 +76,17 @@ uint8_t I2cTemperatureSensor::read() {
 }
 
 void I2cTemperatureSensor::cyclePower() {
-    registers = initialRegisters;
+    const Bytes measured = registers[temperatureRegister].value;
+    registers = initialRegisters();
+    registers[temperatureRegister].value = measured;
     pointer = 0;
+}
+
+std::string I2cTemperatureSensor::set(const std::string& name, const std::string& value) {
+    return changeSetting(settings(), name, value,
+                         [this](const Setting& /*setting*/, const SettingValue& temperature) {
+                             measure(std::get<double>(temperature));
+                         });
 }
 
 } // namespace virtual_adapter

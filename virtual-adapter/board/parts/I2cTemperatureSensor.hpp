@@ -3,11 +3,14 @@
 
 #pragma once
 
+#include "board/Setting.hpp"
 #include "bytes/Bytes.hpp"
 #include "model/i2c/I2cTarget.hpp"
 
 #include <array>
 #include <cstddef>
+#include <string>
+#include <vector>
 
 namespace virtual_adapter {
 
@@ -15,14 +18,18 @@ namespace virtual_adapter {
 /// the bytes behind it write and that reads return, most significant byte first.
 class I2cTemperatureSensor : public I2cTarget {
 public:
-    /// The sensor sits at a constant temperature, given in steps of half a degree Celsius.
-    explicit I2cTemperatureSensor(int halfDegrees);
+    static std::vector<Setting> settings();
+
+    /// The sensor sits at a temperature in degrees Celsius, from -55 to 125, which it measures in
+    /// steps of half a degree.
+    explicit I2cTemperatureSensor(double temperature);
 
     bool start(I2cDirection direction) override;
     bool write(uint8_t byte) override;
     uint8_t read() override;
     void stop() override {}
     void cyclePower() override;
+    std::string set(const std::string& name, const std::string& value) override;
 
 private:
     struct Register {
@@ -34,8 +41,10 @@ private:
 
     using Registers = std::array<Register, 4>;
 
-    const Registers initialRegisters;
-    Registers registers = initialRegisters;
+    static Registers initialRegisters();
+    void measure(double temperature);
+
+    Registers registers = initialRegisters();
     size_t pointer = 0;
     bool pointerExpected = false;
     /// The byte of the register that the transfer has reached.

@@ -7,17 +7,17 @@
 
 namespace virtual_adapter {
 
-namespace {
+const I3cCharacteristics I3cCompanion::itsKind{0x00,
+                                               {0xFF, 0xFE, 0x00, 0x10, 0x10, 0x00},
+                                               0x62,
+                                               0xC6,
+                                               64,
+                                               64,
+                                               0,
+                                               0x00,
+                                               I3cPushPullRate_12_5_MHz};
 
-constexpr I3cCharacteristics companion{0x00,
-                                       {0xFF, 0xFE, 0x00, 0x10, 0x10, 0x00},
-                                       0x62,
-                                       0xC6,
-                                       64,
-                                       64,
-                                       0,
-                                       0x00,
-                                       I3cPushPullRate_12_5_MHz};
+namespace {
 
 // The register map.
 constexpr size_t supply = 0x00;
@@ -30,8 +30,14 @@ constexpr uint8_t controllerRoleFormat = 0x91;
 
 } // namespace
 
-I3cCompanion::I3cCompanion(std::function<void(bool)> switchModule)
-    : I3cTarget(companion, Bytes(16)), switchSupply(std::move(switchModule)) {}
+std::vector<Setting> I3cCompanion::settings() {
+    return {Setting::plain("switches", SettingKind::Name,
+                           "the supply that its register 0x00 switches")};
+}
+
+I3cCompanion::I3cCompanion(std::function<void(bool)> switchModule,
+                           const I3cCharacteristics& characteristics)
+    : I3cTarget(characteristics, Bytes(16)), switchSupply(std::move(switchModule)) {}
 
 void I3cCompanion::resetWholeTarget() {
     I3cTarget::resetWholeTarget();

@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include "board/Setting.hpp"
 #include "model/i3c/I3cTarget.hpp"
 
 #include <functional>
@@ -13,8 +14,13 @@ namespace virtual_adapter {
 /// supply of the socket that holds a module.
 class I3cCompanion : public I3cTarget {
 public:
+    static const I3cCharacteristics itsKind;
+    /// The one that it has besides those of every target.
+    static std::vector<Setting> settings();
+
     /// @p switchModule is told whenever the supply is written.
-    explicit I3cCompanion(std::function<void(bool supplied)> switchModule);
+    explicit I3cCompanion(std::function<void(bool supplied)> switchModule,
+                          const I3cCharacteristics& characteristics = itsKind);
 
     void resetWholeTarget() override;
 

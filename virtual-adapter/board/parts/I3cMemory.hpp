@@ -10,7 +10,9 @@ namespace virtual_adapter {
 /// 4096 bytes of memory, reached in SDR and in HDR-DDR.
 class I3cMemory : public I3cTarget {
 public:
-    I3cMemory();
+    static const I3cCharacteristics itsKind;
+
+    explicit I3cMemory(const I3cCharacteristics& characteristics = itsKind);
 };
 
 } // namespace virtual_adapter

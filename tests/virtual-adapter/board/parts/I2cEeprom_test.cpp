@@ -8,6 +8,7 @@
 
 using virtual_adapter::answerOf;
 using virtual_adapter::Board;
+using virtual_adapter::bytesOfText;
 using virtual_adapter::Frame;
 using virtual_adapter::i2cData;
 using virtual_adapter::I2cEeprom;
@@ -19,7 +20,7 @@ namespace {
 /// A small EEPROM and a large one on each bus.
 Board eeproms() {
     const auto eeprom = [](const I2cEeprom::Geometry& geometry, const char* contents) {
-        return std::make_unique<I2cEeprom>(geometry, contents);
+        return std::make_unique<I2cEeprom>(geometry, bytesOfText(contents));
     };
     Board board;
     board.i2c[0].attach(0x50, eeprom(I2cEeprom::geometry24C02, "Hello from the virtual adapter!"));
@@ -107,6 +108,44 @@ TEST_F(I2cEepromPart, AReadOfNoBytesOnlyAsksForTheAcknowledge) {
 TEST_F(I2cEepromPart, TheBusesHoldTargetsOfTheirOwn) {
     status(i2cWrite(0, 0x50, {0x00}, {'h'}));
     EXPECT_EQ(response(i2cRead(1, 0x50, {0}, 1)), i2cData(1, {'H'}));
+}
+
+TEST_F(I2cEepromPart, AWriteProtectedOneAcknowledgesNoDataAndKeepsWhatItHolds) {
+    virtual_adapter::I2cEeprom eeprom(I2cEeprom::geometry24C02, {'H'}, true);
+    eeprom.start(virtual_adapter::I2cDirection::Write);
+    EXPECT_EQ(eeprom.writeMessage({0x00, 'j'}), 1U);
+    eeprom.stop();
+    EXPECT_TRUE(eeprom.start(virtual_adapter::I2cDirection::Write)) << "no write cycle";
+    eeprom.writeMessage({0x00});
+    EXPECT_EQ(eeprom.readMessage(1), virtual_adapter::Bytes{'H'});
+
+    EXPECT_EQ(eeprom.set("write_protected", "false"), "");
+    eeprom.start(virtual_adapter::I2cDirection::Write);
+    EXPECT_EQ(eeprom.writeMessage({0x00, 'j'}), 2U);
+}
+
+TEST(I2cEepromAddresses, TheAddressSelectsTheBlockThatAWriteReachesAndReadsGoOnAcross) {
+    Board board;
+    uint8_t address = 0x50;
+    for (auto& block : I2cEeprom::atItsAddresses(
+             std::make_unique<I2cEeprom>(I2cEeprom::Geometry{512, 16, 1}, bytesOfText("first")))) {
+        board.i2c[0].attach(address++, std::move(block));
+    }
+    virtual_adapter::I2cBus& bus = board.i2c[0];
+    ASSERT_TRUE(bus.start(0x51, virtual_adapter::I2cDirection::Write));
+    bus.write({0x00, 'B'});
+    bus.stop();
+    EXPECT_FALSE(bus.start(0x50, virtual_adapter::I2cDirection::Write))
+        << "one write cycle for all";
+    while (!bus.start(0x50, virtual_adapter::I2cDirection::Write)) {
+    }
+    bus.write({0xFF});
+    bus.start(0x50, virtual_adapter::I2cDirection::Read);
+    EXPECT_EQ(bus.read(3), (virtual_adapter::Bytes{0xFF, 'B', 0xFF}));
+    bus.start(0x51, virtual_adapter::I2cDirection::Write);
+    bus.write({0xFF});
+    bus.start(0x51, virtual_adapter::I2cDirection::Read);
+    EXPECT_EQ(bus.read(2), (virtual_adapter::Bytes{0xFF, 'f'}));
 }
 
 // --- The large EEPROM at 0x51 -------------------------------------------------------------------

@@ -18,8 +18,8 @@ namespace {
 /// A sensor at 25 degrees Celsius on the first bus, one at -10.5 on the second.
 Board sensors() {
     Board board;
-    board.i2c[0].attach(0x48, std::make_unique<I2cTemperatureSensor>(2 * 25));
-    board.i2c[1].attach(0x48, std::make_unique<I2cTemperatureSensor>(-21));
+    board.i2c[0].attach(0x48, std::make_unique<I2cTemperatureSensor>(25));
+    board.i2c[1].attach(0x48, std::make_unique<I2cTemperatureSensor>(-10.5));
     return board;
 }
 
@@ -52,6 +52,19 @@ TEST_F(I2cTemperatureSensorPart, WritesToTheSensorChangeTheWritableBitsOnly) {
 TEST_F(I2cTemperatureSensorPart, ALongReadRepeatsTheSensorsRegisterAndALongWriteIsCutToIt) {
     EXPECT_EQ(status(i2cWrite(0, 0x48, {3}, {1, 0x80, 9})), 0x0000U);
     EXPECT_EQ(response(i2cRead(0, 0x48, {}, 5)), i2cData(0, {0x01, 0x80, 0x01, 0x80, 0x01}));
+}
+
+TEST(I2cTemperatureSensorSetting, ItMeasuresInStepsOfHalfADegreeAndKeepsThatThroughALossOfPower) {
+    I2cTemperatureSensor sensor(25);
+    for (const auto& [temperature, measured] :
+         {std::pair<const char*, virtual_adapter::Bytes>{"85.9", {0x55, 0x80}},
+          {"-0.1", {0xFF, 0x80}},
+          {"-55", {0xC9, 0x00}}}) {
+        EXPECT_EQ(sensor.set("temperature", temperature), "");
+        sensor.cyclePower();
+        sensor.start(virtual_adapter::I2cDirection::Read);
+        EXPECT_EQ(sensor.readMessage(2), measured) << temperature;
+    }
 }
 
 TEST_F(I2cTemperatureSensorPart, APointerToNoRegisterOfTheSensorIsNotAcknowledged) {

@@ -7,6 +7,7 @@
 #include "virtual-adapter/requests.hpp"
 
 using virtual_adapter::Board;
+using virtual_adapter::bytesOfText;
 using virtual_adapter::Frame;
 using virtual_adapter::spiData;
 using virtual_adapter::SpiFlash;
@@ -16,7 +17,9 @@ namespace {
 
 Board flash() {
     Board board;
-    board.spi.attach(SpiChipSelect_0, std::make_unique<SpiFlash>());
+    board.spi.attach(
+        SpiChipSelect_0,
+        std::make_unique<SpiFlash>(size_t{256} * 1024, bytesOfText("Hello from the SPI flash!")));
     return board;
 }
 
@@ -56,6 +59,83 @@ TEST_F(SpiFlashPart, FlashReadsRollOverAndIgnoreAddressBitsAboveTheMemory) {
 
 TEST_F(SpiFlashPart, AFlashReadWithoutAWholeAddressReturnsNothing) {
     EXPECT_EQ(response(spiTransfer({0x03, 0x00, 0x00}, 3)), spiData({0xFF, 0xFF, 0xFF}));
+}
+
+TEST_F(SpiFlashPart, AFastReadHasADummyByteBehindItsAddress) {
+    EXPECT_EQ(response(spiTransfer({0x0B, 0x00, 0x00, 0x00, 0x5A}, 7)),
+              spiData({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 'H', 'e'}));
+}
+
+TEST_F(SpiFlashPart, ItsParametersAreThoseOfJesd216) {
+    const Frame discovered = response(spiTransfer({0x5A, 0x00, 0x00, 0x00}, 5 + 0x34 + 1));
+    const Frame expected = spiData({
+        0xFF, 0xFF, 0xFF, 0xFF, 0xFF,                   // opcode, address, dummy byte
+        'S',  'F',  'D',  'P',  0x00, 0x01, 0x00, 0xFF, // revision 1.0, one header
+        0x00, 0x00, 0x01, 0x09, 0x10, 0x00, 0x00, 0xFF, // nine double words at 0x10
+        0xE5, 0x20, 0x80, 0xFF, 0xFF, 0xFF, 0x1F, 0x00, // 4 KiB by 0x20; 2 Mbit
+        0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, //
+        0xEE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x00, 0x00, //
+        0xFF, 0xFF, 0x00, 0x00, 0x0C, 0x20, 0x10, 0xD8, // 4 KiB by 0x20, 64 KiB by 0xD8
+        0x00, 0x00, 0x00, 0x00, 0xFF,
+    });
+    EXPECT_EQ(discovered, expected);
+    EXPECT_EQ(response(spiTransfer({0x5A, 0x00, 0x00, 0x02}, 7)),
+              spiData({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 'D', 'P'}));
+}
+
+TEST_F(SpiFlashPart, BlocksOf64KiBAndTheWholeFlashAreErased) {
+    for (const Frame& program : {spiTransfer({0x02, 0x00, 0xFF, 0xFF, 0x11}, 0),
+                                 spiTransfer({0x02, 0x01, 0x00, 0x00, 0x22}, 0),
+                                 spiTransfer({0xD8, 0x01, 0xFF, 0xFF}, 0)}) {
+        enableWriting();
+        status(program);
+        waitWhileBusy();
+    }
+    EXPECT_EQ(response(spiTransfer({0x03, 0x00, 0xFF, 0xFF}, 6)),
+              spiData({0xFF, 0xFF, 0xFF, 0xFF, 0x11, 0xFF}));
+    for (const uint8_t opcode : {uint8_t{0x60}, uint8_t{0xC7}}) {
+        enableWriting();
+        status(spiTransfer({0x02, 0x00, 0x00, 0x00, 0x00}, 0));
+        waitWhileBusy();
+        enableWriting();
+        status(spiTransfer({opcode}, 0));
+        waitWhileBusy();
+        EXPECT_EQ(response(spiTransfer({0x03, 0x00, 0x00, 0x00}, 5)),
+                  spiData({0xFF, 0xFF, 0xFF, 0xFF, 0xFF}));
+    }
+}
+
+TEST_F(SpiFlashPart, NothingCanBeProtected) {
+    enableWriting();
+    status(spiTransfer({0x01, 0xFF}, 0));
+    EXPECT_EQ(response(spiTransfer({0x05}, 4)), spiData({0xFF, 0x03, 0x03, 0x00}));
+}
+
+TEST(SpiFlashKinds, ItsSizeAndItsIdentificationCanBeOthers) {
+    SpiFlash small(SpiFlash::minSize);
+    EXPECT_EQ(small.transfer({0x9F, 0, 0, 0}), (virtual_adapter::Bytes{0xFF, 0x56, 0x41, 0x10}));
+    SpiFlash named(SpiFlash::maxSize, {}, {0xEF, 0x40, 0x18});
+    EXPECT_EQ(named.transfer({0x9F, 0, 0, 0}), (virtual_adapter::Bytes{0xFF, 0xEF, 0x40, 0x18}));
+    EXPECT_EQ(named.transfer({0x5A, 0, 0, 0x14, 0, 0, 0, 0, 0}),
+              (virtual_adapter::Bytes{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x07}));
+}
+
+TEST(SpiFlashKeeper, IsToldWhatHasChanged) {
+    SpiFlash flash(SpiFlash::minSize, {'a', 'b'});
+    std::vector<std::pair<size_t, virtual_adapter::Bytes>> kept;
+    flash.keepWith([&](size_t address, const virtual_adapter::Bytes& bytes) {
+        kept.emplace_back(address, bytes);
+    });
+    flash.transfer({0x02, 0, 1, 0, 0x00});
+    EXPECT_TRUE(kept.empty());
+    flash.transfer({0x06});
+    flash.transfer({0x02, 0, 0, 0, 0x00});
+    ASSERT_EQ(kept.size(), 1U);
+    EXPECT_EQ(kept[0].first, 0U);
+    virtual_adapter::Bytes page(256, 0xFF);
+    page[0] = 0x00;
+    page[1] = 'b';
+    EXPECT_EQ(kept[0].second, page);
 }
 
 TEST_F(SpiFlashPart, AnUnknownFlashCommandIsIgnored) {
