@@ -1,18 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The libveltrasdk authors
 // SPDX-License-Identifier: MIT
 
-#include <veltrasdk/NotificationQueue.hpp>
-
-#include "support/Readable.hpp"
+#include "support/QueueEntries.hpp"
 #include "support/SdkTest.hpp"
-#include "support/ThreadStart.hpp"
 
 #include <array>
-#include <cerrno>
 #include <deque>
-#include <memory>
-#include <optional>
-#include <system_error>
 
 #include <fcntl.h>
 #include <sys/epoll.h>
@@ -27,55 +20,11 @@ namespace {
 const Bytes hotJoin{0x00, 0x00, 0x82, 0x19, 0xEE, 0xEE, 0x04, 0x6A,
                     0x00, 0x01, 0x02, 0x03, 0x26, 0xC6, 0x09};
 const Bytes ibi{0x00, 0x00, 0x81, 0x19, 0xEE, 0xEE, 0x09, 0x02, 0xAA, 0xBB};
-const Bytes gpio{0x00, 0x00, 0x81, 0x14, 0xEE, 0xEE, 0x2A};
-const Bytes uartRx{0x00, 0x00, 0x81, 0x10, 0xEE, 0xEE, 0x05, 0x00, 'H', 'e', 'l', 'l', 'o'};
-const Bytes unknown{0x00, 0x00, 0x83, 0x19, 0xEE, 0xEE};
-
-constexpr size_t recordSize = 24;
-constexpr size_t minSize = 54;
-constexpr size_t ample = 1 << 16;
 
 uint64_t monotonicNow() {
     timespec time{};
     clock_gettime(CLOCK_MONOTONIC, &time);
     return static_cast<uint64_t>(time.tv_sec) * 1'000'000'000 + static_cast<uint64_t>(time.tv_nsec);
-}
-
-/// A notification of received bytes, @p size bytes in all.
-Bytes uartFrame(size_t size) {
-    Bytes frame = counting(size);
-    const Bytes header{0x00, 0x00, 0x81, 0x10, 0x00, 0x00};
-    std::copy(header.begin(), header.end(), frame.begin());
-    return frame;
-}
-
-/// What is taken, or nothing.
-std::optional<Entry> takenFrom(NotificationQueue& queue) {
-    Entry entry;
-    return queue.take(entry) ? std::optional(entry) : std::nullopt;
-}
-
-void expectEndOfLink(NotificationQueue& queue, uint64_t lostBefore = 0) {
-    const auto entry = takenFrom(queue);
-    ASSERT_TRUE(entry.has_value());
-    EXPECT_TRUE(entry->isEndOfLink());
-    EXPECT_EQ(entry->kind, NotificationKind_Unknown);
-    EXPECT_EQ(entry->lostBefore, lostBefore);
-    const Notification record = entry->notification();
-    EXPECT_EQ(record.size, 0U);
-    EXPECT_EQ(record.gpio(), nullptr);
-}
-
-void expectFrame(NotificationQueue& queue, const Bytes& frame, uint64_t lostBefore = 0) {
-    const auto entry = takenFrom(queue);
-    ASSERT_TRUE(entry.has_value());
-    EXPECT_EQ(entry->frame, frame);
-    EXPECT_EQ(entry->lostBefore, lostBefore);
-}
-
-void expectEmpty(NotificationQueue& queue) {
-    EXPECT_FALSE(isReadable(queue.descriptor()));
-    EXPECT_FALSE(takenFrom(queue).has_value());
 }
 
 /// Frames are routed by the test itself, without a link.
@@ -410,158 +359,6 @@ TEST_F(NotificationQueueTest, ASizeOutOfRangeOpensNothing) {
         EXPECT_FALSE(queue.isOpen());
     }
     EXPECT_TRUE(NotificationQueue(sdk, minSize).isOpen());
-}
-
-// The end of the link.
-
-class NotificationQueueLinkTest : public SdkTest {
-protected:
-    NotificationQueueLinkTest() { sdk(); }
-
-    /// Lets a read fail, as after an unplug, and waits until that has been told.
-    void unplug() {
-        hid.failReading(true);
-        EXPECT_TRUE(hid.waitForReads(hid.readCalls() + 3));
-    }
-};
-INSTANTIATE_ON_BOTH_VARIANTS(NotificationQueueLinkTest);
-
-TEST_P(NotificationQueueLinkTest, ANotificationOfSeveralReportsIsOneEntry) {
-    NotificationQueue queue(sdk(), ample);
-    const Bytes frame = uartFrame(2500);
-    for (const Bytes& report : GetParam().inputs(frame)) {
-        hid.deliver(report);
-    }
-    ASSERT_TRUE(isReadable(queue.descriptor(), generousLimitMs));
-    expectFrame(queue, frame);
-}
-
-TEST_P(NotificationQueueLinkTest, DisconnectingIsTheEndOfTheLink) {
-    NotificationQueue queue(sdk(), ample);
-    deliver({0x1F, 0x00, 0x00, 0x00, 0x81, 0x14, 0xEE, 0xEE, 0x2A});
-    sdk().disconnect();
-    expectFrame(queue, gpio);
-    expectEndOfLink(queue);
-    expectEmpty(queue);
-    sdk().disconnect();
-    expectEmpty(queue);
-}
-
-TEST_P(NotificationQueueLinkTest, EachLinkHasAnEnd) {
-    NotificationQueue queue(sdk(), ample);
-    for (int i = 0; i < 3; ++i) {
-        ASSERT_TRUE(sdk().connect(""));
-        ASSERT_TRUE(sdk().connect("")) << "an open link stays as it is";
-        sdk().disconnect();
-        expectEndOfLink(queue);
-        expectEmpty(queue);
-    }
-}
-
-TEST_P(NotificationQueueLinkTest, BootModeIsTheEndOfTheLink) {
-    NotificationQueue queue(sdk(), ample);
-    EXPECT_EQ(sdk().enterBootMode(), 0);
-    expectEndOfLink(queue);
-    EXPECT_EQ(sdk().enterBootMode(), 0x4000);
-    expectEmpty(queue);
-}
-
-TEST_P(NotificationQueueLinkTest, TheFirstReadErrorIsTheEndOfTheLinkAndItsOnlyOne) {
-    NotificationQueue queue(sdk(), ample);
-    unplug();
-    expectEndOfLink(queue);
-    expectEmpty(queue);
-    EXPECT_TRUE(sdk().connect("")) << "the link is still open";
-    sdk().disconnect();
-    expectEmpty(queue);
-
-    hid.failReading(false);
-    ASSERT_TRUE(sdk().connect(""));
-    unplug();
-    expectEndOfLink(queue);
-}
-
-TEST_P(NotificationQueueLinkTest, AQueueThatOpensBehindAReadErrorBeginsWithTheEnd) {
-    unplug();
-    NotificationQueue queue(sdk(), ample);
-    expectEndOfLink(queue);
-    expectEmpty(queue);
-    const NotificationQueue second(sdk(), ample);
-    expectEmpty(queue);
-    sdk().disconnect();
-    expectEmpty(queue);
-}
-
-TEST_P(NotificationQueueLinkTest, AQueueThatOpensWhileNotConnectedIsEmpty) {
-    unplug();
-    sdk().disconnect();
-    NotificationQueue queue(sdk(), ample);
-    expectEmpty(queue);
-}
-
-TEST_P(NotificationQueueLinkTest, AFailedConnectIsNoEnd) {
-    sdk().disconnect();
-    NotificationQueue queue(sdk(), ample);
-    EXPECT_FALSE(sdk().connect("no such path"));
-    {
-        const ThreadStart failing([](const auto&) { return EAGAIN; });
-        EXPECT_THROW(sdk().connect(""), std::system_error);
-    }
-    sdk().disconnect();
-    expectEmpty(queue);
-}
-
-TEST_P(NotificationQueueLinkTest, DestructionIsTheEndOfTheLinkForAQueueThatOutlivesIt) {
-    auto object = std::make_unique<VeltraSDK>(0);
-    NotificationQueue queue(*object, ample);
-    ASSERT_TRUE(object->connect(""));
-    object.reset();
-    expectEndOfLink(queue);
-    expectEmpty(queue);
-    EXPECT_TRUE(queue.isOpen());
-}
-
-TEST_P(NotificationQueueLinkTest, TheEndIsNeverLost) {
-    for (size_t bytes = minSize; bytes < 3 * minSize; ++bytes) {
-        NotificationQueue queue(sdk(), bytes);
-        ASSERT_TRUE(sdk().connect(""));
-        for (int i = 0; i < 9; ++i) {
-            sdk().handleResponse(unknown);
-        }
-        sdk().disconnect();
-        const uint64_t kept = (bytes - recordSize) / (recordSize + unknown.size());
-        for (uint64_t i = 0; i < kept; ++i) {
-            expectFrame(queue, unknown);
-        }
-        expectEndOfLink(queue, 9 - kept);
-        expectEmpty(queue);
-    }
-}
-
-TEST_P(NotificationQueueLinkTest, EndsWithANotificationBetweenThemAreTwo) {
-    NotificationQueue queue(sdk(), ample);
-    sdk().disconnect();
-    ASSERT_TRUE(sdk().connect(""));
-    sdk().handleResponse(gpio);
-    sdk().disconnect();
-    expectEndOfLink(queue);
-    expectFrame(queue, gpio);
-    expectEndOfLink(queue);
-    expectEmpty(queue);
-}
-
-TEST_P(NotificationQueueLinkTest, EndsWithNothingBetweenThemAreOne) {
-    NotificationQueue queue(sdk(), minSize);
-    sdk().disconnect();
-    for (int i = 0; i < 3; ++i) {
-        ASSERT_TRUE(sdk().connect(""));
-        sdk().handleResponse(uartRx);
-        sdk().disconnect();
-    }
-    expectEndOfLink(queue);
-    expectEmpty(queue);
-    sdk().handleResponse(unknown);
-    expectFrame(queue, unknown, 3);
 }
 
 } // namespace
