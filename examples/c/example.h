@@ -9,8 +9,11 @@
 
 #include <veltrasdk/veltrasdk.h>
 
-/* Connects to the first adapter, or explains and returns false. */
+/* Connects to the first adapter in strict mode, or explains and returns false. The other mode,
+   which a handle begins in, takes the next response for the answer, whatever it answers: it is for
+   programs that were written for that. */
 static inline bool connectOrExplain(VeltraSDK_Handle* handle) {
+    VeltraSDK_SetStrict(handle, true);
     if (VeltraSDK_Connect(handle, NULL)) {
         return true;
     }

@@ -9,8 +9,11 @@
 #include <iomanip>
 #include <iostream>
 
-/// Connects to the first adapter, or explains and returns false.
+/// Connects to the first adapter in strict mode, or explains and returns false. The other mode,
+/// which an object begins in, takes the next response for the answer, whatever it answers: it is
+/// for programs that were written for that.
 inline bool connectOrExplain(VeltraSDK& sdk) {
+    sdk.setStrict(true);
     if (sdk.connect("")) {
         return true;
     }
