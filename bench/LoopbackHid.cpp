@@ -20,6 +20,7 @@ using Clock = std::chrono::steady_clock;
 constexpr size_t maxReportSize = 1024;
 constexpr unsigned firstPacket = 0x1;
 constexpr unsigned lastPacket = 0x2;
+constexpr size_t headerSize = 4;
 constexpr uint8_t responseLength = 10 + loopback_hid::dataSize;
 constexpr uint8_t notificationLength = 7;
 constexpr size_t maxOpenDevices = 2;
@@ -28,7 +29,9 @@ size_t reportSizeOfNextDevice = 64;
 std::chrono::nanoseconds responseDelay{0};
 std::atomic<size_t> notifications{0};
 std::atomic<bool> isUnplugged{false};
+std::atomic<bool> isAnswering{true};
 std::atomic<size_t> reads{0};
+std::atomic<size_t> writes{0};
 
 } // namespace
 
@@ -36,7 +39,8 @@ struct hid_device_ {
     bool isOpen;
     size_t reportSize;
 
-    std::array<uint8_t, 4> header;
+    /// What an answer repeats of its request: the header, and with it the address of an I2C read.
+    std::array<uint8_t, 8> header;
 
     /// A response that has not been read.
     struct Answer {
@@ -59,11 +63,14 @@ hid_device_info theInfo{};
 std::string thePath = "1-1:1.0";
 std::wstring theSerialNumber = L"LOOPBACK";
 
-/// The count field of each command's response: its offset in the frame, and what it says.
-void writeCount(const hid_device_& device, uint8_t* frame) {
+/// What is not zero behind the status of each command's response: its offset in the frame.
+void writePayload(const hid_device_& device, uint8_t* frame) {
     switch (device.header[2] | device.header[3] << 8) {
     case 0x0407: // string
         frame[6] = 6;
+        break;
+    case 0x0905: // I2C read
+        std::fill_n(frame + 9, loopback_hid::dataSize, device.header[7]);
         break;
     case 0x0D04: // SPI transfer
         frame[6] = loopback_hid::dataSize;
@@ -83,8 +90,8 @@ void answer(hid_device_& device) {
     const std::lock_guard<std::mutex> lock(device.mutex);
     auto& [report, due] = device.answers[device.answersGiven++ % device.answers.size()];
     report = {(firstPacket | lastPacket) | (responseLength << 2U & 0xFFU)};
-    std::copy(device.header.begin(), device.header.end(), report.begin() + 2);
-    writeCount(device, report.data() + 2);
+    std::copy_n(device.header.begin(), headerSize, report.begin() + 2);
+    writePayload(device, report.data() + 2);
     due = Clock::now() + responseDelay;
     device.answered.notify_one();
 }
@@ -114,8 +121,14 @@ void notify(size_t count) {
 void unplug(bool unplugged) {
     isUnplugged = unplugged;
 }
+void answerRequests(bool answers) {
+    isAnswering = answers;
+}
 size_t readCalls() {
     return reads;
+}
+size_t writeCalls() {
+    return writes;
 }
 
 } // namespace loopback_hid
@@ -164,9 +177,10 @@ int hid_write(hid_device* device, const unsigned char* data, size_t length) {
     if ((header & firstPacket) != 0) {
         std::copy_n(data + 3, device->header.size(), device->header.begin());
     }
-    if ((header & lastPacket) != 0) {
+    if ((header & lastPacket) != 0 && isAnswering) {
         answer(*device);
     }
+    ++writes;
     return static_cast<int>(length);
 }
 

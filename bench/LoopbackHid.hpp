@@ -25,8 +25,12 @@ void setReportSize(size_t reportSize);
 /// How long the device takes to answer.
 void setResponseDelay(std::chrono::nanoseconds delay);
 
-/// The data bytes of a response: an I2C, SPI or I3C read; GETPID has six, a string five.
+/// The data bytes of a response: an I2C, SPI or I3C read; GETPID has six, a string five. Those of
+/// an I2C read are the target's address.
 constexpr size_t dataSize = 16;
+
+/// Whether requests are answered at all.
+void answerRequests(bool answers);
 
 /// Makes the next @p count reads find a notification of a GPIO interrupt at once.
 void notify(size_t count);
@@ -34,7 +38,8 @@ void notify(size_t count);
 /// Makes every read fail at once, as after an unplug.
 void unplug(bool unplugged);
 
-/// The number of hid_read_timeout calls so far.
+/// The numbers of hid_read_timeout and hid_write calls so far.
 size_t readCalls();
+size_t writeCalls();
 
 } // namespace loopback_hid

@@ -145,6 +145,12 @@ def times(build, json_file):
         yield f"small operation / raw, medians, {report_size}-byte reports, 250 us", ratio, 1.03
     speed_up = by_name["overlap/1"]["real_time"] / by_name["overlap/2"]["real_time"]
     yield "time of an operation, overlap 2 / 1, 1 ms frames", 1 / speed_up, 1 / 1.9
+    for name, title in (("outOfStep", ""), ("outOfStepInC", ", in C")):
+        behind = [by_name[f"{name}/{report_size}"] for report_size in REPORT_SIZES]
+        wrong = max(run["wrong"] + abs(run["dropped"] - 1) for run in behind)
+        yield f"wrong of 2,000 reads behind a late response, 1 ms{title}", wrong, 0
+    for timeout, title in ((5000, "5 s"), (-1, "none")):
+        yield f"unplug to the end of an operation, time-out {title}, ms", by_name[f"unplug/{timeout}"]["max_us"] / 1000, 250
     yield "disconnect, 99th percentile, ms", by_name["disconnect"]["p99_us"] / 1000, 105
 
 

@@ -121,6 +121,35 @@ void overlap(benchmark::State& state) {
     }
 }
 
+/// From pulling the adapter out to the end of an operation that waits for its answer.
+void unplug(benchmark::State& state) {
+    loopback_hid::setReportSize(fullSpeed);
+    loopback_hid::answerRequests(false);
+    VeltraSDK sdk(static_cast<int>(state.range(0)));
+    sdk.setStrict(true);
+    std::vector<double> durations;
+    for (auto _ : state) {
+        sdk.connect("");
+        const size_t before = loopback_hid::writeCalls();
+        std::thread user([&] {
+            GpioLogicLevel level{};
+            sdk.gpioDigitalRead(GpioPinNumber_1, level);
+        });
+        while (loopback_hid::writeCalls() == before) {
+            std::this_thread::yield();
+        }
+        durations.push_back(microsecondsOf([&] {
+            loopback_hid::unplug(true);
+            user.join();
+        }));
+        state.SetIterationTime(durations.back() / 1e6);
+        loopback_hid::unplug(false);
+        sdk.disconnect();
+    }
+    loopback_hid::answerRequests(true);
+    state.counters["max_us"] = percentile(durations, 1);
+}
+
 void disconnect(benchmark::State& state) {
     loopback_hid::setResponseDelay(0us);
     loopback_hid::setReportSize(fullSpeed);
@@ -162,6 +191,7 @@ const std::vector<std::vector<int64_t>> sweep{{64, 1024},
 
 BENCHMARK(smallOperation)->Arg(fullSpeed)->Arg(highSpeed)->Iterations(2000)->UseManualTime();
 BENCHMARK(overlap)->Arg(1)->Arg(2)->Iterations(10)->UseRealTime();
+BENCHMARK(unplug)->Arg(5000)->Arg(-1)->Iterations(20)->UseManualTime();
 BENCHMARK(disconnect)->Iterations(100)->UseManualTime();
 BENCHMARK(sweepLibrary)->ArgsProduct(sweep)->UseRealTime();
 BENCHMARK(sweepRaw)->ArgsProduct(sweep)->UseRealTime();
