@@ -229,7 +229,57 @@ def usbip():
     yield "too-long", b"\x00\x00\x01" + sent(submit(1, 1, 0, 0x10001))
 
 
-TARGETS = (packet_joining, operations, strict_mode, notifications, virtual_adapter, usbip)
+def capture():
+    """Small captures: sections of both byte orders, every link type, every unit of time."""
+    def block(order, kind, body):
+        body += bytes(-len(body) % 4)
+        size = struct.pack(order + "I", 12 + len(body))
+        return struct.pack(order + "I", kind) + size + body + size
+
+    def option(order, code, value):
+        return struct.pack(order + "HH", code, len(value)) + value + bytes(-len(value) % 4)
+
+    def section(order, options=b""):
+        return block(order, 0x0A0D0D0A, struct.pack(order + "IHHq", 0x1A2B3C4D, 1, 0, -1) + options)
+
+    def interface(order, link_type=220, options=b""):
+        return block(order, 1, struct.pack(order + "HHI", link_type, 0, 0) + options)
+
+    def usb(order, event, endpoint, data, padded=True, setup=bytes(8)):
+        flag = 0 if data else ord("<" if endpoint & 0x80 else ">")
+        return struct.pack(order + "QBBBBHBBqiiII", 7, ord(event), 1, endpoint, 2, 3, ord("-"), flag, 4, 5, 0,
+                           len(data), len(data)) + setup + (bytes(16) if padded else b"") + data
+
+    def record(order, content, number=0, captured=None):
+        length = len(content) if captured is None else captured
+        return block(order, 6, struct.pack(order + "IIIII", number, 1, 2, length, length) + content)
+
+    def records(order, padded=True):
+        request = packet(REQUESTS[0]).ljust(64, b"\0")
+        return b"".join(record(order, usb(order, *each, padded)) for each in (
+            ("S", 0x81, b""), ("S", 0x01, request), ("C", 0x01, b""), ("C", 0x81, request)))
+
+    for name, order in (("little", "<"), ("big", ">")):
+        yield f"{name}-endian", section(order) + interface(order) + records(order)
+        yield f"{name}-endian-short-header", section(order) + interface(order, 189) + records(order, False)
+        yield f"{name}-endian-other-link", section(order) + interface(order, 1) + record(order, b"abc")
+        yield f"{name}-endian-nothing", section(order, option(order, 4, b"veltra") + option(order, 0, b""))
+        for resolution in (0, 3, 6, 9, 12, 127, 128, 158, 255):
+            yield f"{name}-endian-resolution-{resolution}", section(order) + interface(
+                order, 220, option(order, 9, bytes([resolution])) + option(order, 14, bytes(range(8)))
+            ) + records(order)
+    mixed = b"".join(section(order) + interface(order) + records(order) for order in "<><")
+    yield "sections", mixed
+    yield "cut", mixed[:-30]
+    yield "no-interface", section("<") + records("<")
+    yield "too-short", section("<") + interface("<") + record("<", bytes(20))
+    yield "too-long", section("<") + interface("<") + record("<", bytes(64), captured=65)
+    yield "option-too-long", section("<") + interface("<", 220, struct.pack("<HH", 9, 40) + bytes(4))
+    yield "unknown-block", section("<") + block("<", 5, bytes(20)) + interface("<") + records("<")
+    yield "other-file", b"\xd4\xc3\xb2\xa1" + bytes(20)
+
+
+TARGETS = (capture, packet_joining, operations, strict_mode, notifications, virtual_adapter, usbip)
 
 for target in TARGETS:
     directory = pathlib.Path(sys.argv[1], target.__name__)

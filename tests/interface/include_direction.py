@@ -33,6 +33,7 @@ FLOORS = {
     "virtual-adapter": ("driver/UsbTransferProtocol.hpp", "protocol/CommandCode.hpp"),
     "preload": ("hidapi.h",),
     "usbip": (),
+    "capture": (),
 }
 # The rooms of the virtual adapter and around it, and what each may include beside its own files:
 # whole rooms, or single files of one. A file belongs to the innermost room that it lies in.
@@ -76,7 +77,8 @@ ROOMS = {
     "socket": ("bytes/",),
     "ways": ("bytes/", "device/", "socket/", "usbip/"),
     "cli": ("device/", "faults/", "socket/", "usbip/", "ways/"),
-    "preload": ("bytes/", "socket/"),
+    "preload": ("bytes/", "socket/", "capture/"),
+    "capture": ("bytes/",),
 }
 # What makes the notification record of C that of the classes, and who may include it.
 RECORD_OF_CLASSES = "veltrasdk/Notification.hpp"
@@ -105,7 +107,7 @@ def check_rooms(root):
     complaints = []
     watched = 0
     entered = {room.split("/")[0] for room in ROOMS}
-    for house, directory in (("virtual-adapter", ""), ("", "preload"), ("", "usbip")):
+    for house, directory in (("virtual-adapter", ""), ("", "capture"), ("", "preload"), ("", "usbip")):
         for path, number, included in includes(root / house / directory):
             room = room_of(path.relative_to(root / house).as_posix())
             if room is None or included.split("/")[0] not in entered:

@@ -1,0 +1,50 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
+// What a file may hold that is given out for a capture; and what is read can be written again.
+#include "Input.hpp"
+
+#include "capture/Blocks.hpp"
+#include "capture/readCapture.hpp"
+
+#include <tuple>
+
+using capture::Blocks;
+using capture::Capture;
+using capture::CapturedRecord;
+using fuzzing::Bytes;
+using fuzzing::require;
+
+namespace {
+
+auto contentOf(const CapturedRecord& captured) {
+    const capture::UsbRecord& record = captured.record;
+    return std::make_tuple(record.id, record.event, record.transfer, record.endpoint, record.device,
+                           record.bus, record.hasSetup, record.length, record.setup, record.time,
+                           captured.data);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    Capture captured;
+    try {
+        captured = capture::readCapture(Bytes(data, data + size));
+    } catch (const capture::InvalidCapture&) {
+        return 0;
+    }
+    for (const CapturedRecord& record : captured.records) {
+        if (record.data.size() > Blocks::maxData) {
+            continue;
+        }
+        Blocks blocks;
+        blocks.section("fuzzer");
+        blocks.usbInterface("fuzzer");
+        blocks.record(record.record, record.data.data(), record.data.size());
+        const Bytes written(blocks.data(), blocks.data() + blocks.size());
+        const Capture again = capture::readCapture(written);
+        require(!again.isCut && again.records.size() == 1, "a written record is read");
+        require(contentOf(again.records[0]) == contentOf(record), "it is read as it was");
+    }
+    return 0;
+}
