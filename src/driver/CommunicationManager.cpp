@@ -31,30 +31,21 @@ void CommunicationManager::disconnect() {
     driver->close();
 }
 
-void CommunicationManager::sendRequest(const std::vector<uint8_t>& request) {
-    sendRequest(request.data(), request.size());
-}
-
-void CommunicationManager::sendRequest(const uint8_t* request, size_t size) {
-    writeReports(request, size, [](bool) { return true; });
-}
-
-bool CommunicationManager::writeRequest(const uint8_t* request, size_t size) {
-    bool written = true;
-    writeReports(request, size, [&](bool succeeded) { return written = succeeded; });
-    return written;
-}
-
-template <typename GoesOn>
-void CommunicationManager::writeReports(const uint8_t* request, size_t size, const GoesOn& goesOn) {
-    const UsbTransferProtocol& framing = *protocol;
+bool CommunicationManager::writeReports(const Message& request, bool goesOn) {
+    const UsbTransferProtocol framing = *protocol;
+    const size_t size = request.size();
     OutputReport report;
+    bool allWritten = true;
     for (size_t offset = 0; offset < size; offset += framing.getPacketPayloadLength()) {
-        const size_t packetSize = framing.createPacket(report.packet(), request, size, offset);
-        if (!goesOn(driver->sendReport(report, packetSize))) {
-            return;
+        const size_t packetSize = framing.createPacket(report.packet(), request, offset);
+        if (!driver->sendReport(report, packetSize)) {
+            allWritten = false;
+            if (!goesOn) {
+                break;
+            }
         }
     }
+    return allWritten;
 }
 
 bool CommunicationManager::hasReadError() const {

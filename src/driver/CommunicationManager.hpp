@@ -31,11 +31,10 @@ public:
 
     /// Writes @p request report by report; only after a successful connect. A failed write is not
     /// reported: the request simply gets no response.
-    void sendRequest(const std::vector<uint8_t>& request);
-    void sendRequest(const uint8_t* request, size_t size);
+    void sendRequest(const Message& request) { writeReports(request, true); }
 
     /// The same, up to the first report that cannot be written. Returns whether all were.
-    bool writeRequest(const uint8_t* request, size_t size);
+    bool writeRequest(const Message& request) { return writeReports(request, false); }
 
     /// The longest message that one report holds; only after a successful connect.
     [[nodiscard]] size_t maxSizeInOneReport() const { return protocol->getPacketPayloadLength(); }
@@ -54,9 +53,9 @@ public:
     void onDriverResponseCallback(const std::vector<uint8_t>& report);
 
 private:
-    /// Writes report by report while @p goesOn, told whether one could be written, says so.
-    template <typename GoesOn>
-    void writeReports(const uint8_t* request, size_t size, const GoesOn& goesOn);
+    /// Returns whether all reports could be written; @p goesOn says what follows one that could
+    /// not.
+    bool writeReports(const Message& request, bool goesOn);
 
     std::vector<uint8_t> receivedMessage;
     // Guards `protocol`: the polling thread runs before connect has made the framing object. The

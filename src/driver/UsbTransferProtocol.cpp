@@ -10,9 +10,12 @@ UsbTransferProtocol::UsbTransferProtocol(size_t reportSize)
 
 void UsbTransferProtocol::createUsbOutTransferPackets(std::vector<std::vector<uint8_t>>& packets,
                                                       const std::vector<uint8_t>& message) const {
+    Message split{};
+    split.data = message.data();
+    split.dataSize = message.size();
     for (size_t offset = 0; offset < message.size(); offset += packetPayloadLength) {
         std::vector<uint8_t>& packet = packets.emplace_back(endpointSize);
-        packet.resize(createPacket(packet.data(), message.data(), message.size(), offset));
+        packet.resize(createPacket(packet.data(), split, offset));
     }
 }
 
@@ -23,13 +26,10 @@ bool UsbTransferProtocol::receiveUsbInTransferPackets(std::vector<uint8_t>& mess
     }
     const unsigned header = packet[0] | static_cast<unsigned>(packet[1]) << 8U;
     const size_t announced = header >> lengthShift & lengthMask;
-    const uint8_t* const payload = packet.data() + headerSize;
-    size_t length = std::min(announced, packet.size() - headerSize);
-    if ((header & firstPacketFlag) != 0) {
-        message.assign(payload, payload + length);
-    } else {
-        length = std::min(length, maxMessageSize - message.size());
-        message.insert(message.end(), payload, payload + length);
-    }
+    const size_t kept = (header & firstPacketFlag) != 0 ? 0 : message.size();
+    const size_t length =
+        std::min(std::min(announced, packet.size() - headerSize), maxMessageSize - kept);
+    message.resize(kept + length);
+    std::copy_n(packet.data() + headerSize, length, message.data() + kept);
     return (header & lastPacketFlag) != 0;
 }

@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include "driver/Message.hpp"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -19,18 +21,28 @@ public:
     [[nodiscard]] size_t getEndpointSize() const { return endpointSize; }
     [[nodiscard]] size_t getPacketPayloadLength() const { return packetPayloadLength; }
 
-    /// Makes the packet whose payload begins at @p offset, below @p messageSize, of a message.
-    /// @p packet has room for a report. Returns the packet's size.
-    size_t createPacket(uint8_t* packet, const uint8_t* message, size_t messageSize,
-                        size_t offset) const {
-        const size_t remaining = messageSize - offset;
+    /// Makes the packet whose payload begins at @p offset, below the size of @p message: 0, and
+    /// then a payload's length more each time. @p packet has room for a report. Returns the
+    /// packet's size.
+    size_t createPacket(uint8_t* packet, const Message& message, size_t offset) const {
+        const size_t remaining = message.size() - offset;
         const size_t length = std::min(packetPayloadLength, remaining);
-        const unsigned header = (offset == 0 ? firstPacketFlag : 0) |
-                                (length == remaining ? lastPacketFlag : 0) |
-                                (static_cast<unsigned>(length) & lengthMask) << lengthShift;
+        unsigned header = static_cast<unsigned>(length) << lengthShift;
+        uint8_t* const payload = packet + headerSize;
+        // Few messages have more than one.
+        if (__builtin_expect(offset == 0, 1) != 0) {
+            header |= firstPacketFlag;
+            // All of the array, for which there is room, so that the compiler knows its size.
+            std::copy(message.head.begin(), message.head.end(), payload);
+            std::copy_n(message.data, length - message.headSize, payload + message.headSize);
+        } else {
+            std::copy_n(message.data + (offset - message.headSize), length, payload);
+        }
+        if (length == remaining) {
+            header |= lastPacketFlag;
+        }
         packet[0] = static_cast<uint8_t>(header & 0xFFU);
         packet[1] = static_cast<uint8_t>(header >> 8U);
-        std::copy_n(message + offset, length, packet + headerSize);
         return headerSize + length;
     }
 

@@ -14,16 +14,7 @@
 /// The link as the encoders see it: it takes requests while it is connected.
 class __attribute__((visibility("hidden"))) VeltraAsyncSDK::Link {
 public:
-    uint16_t send(const RequestFrame& request) {
-        if (!connected) {
-            return ResultCode_NotConnected;
-        }
-        if (gate != nullptr) {
-            return gate->send(request);
-        }
-        communicationManager.sendRequest(request.data(), request.size());
-        return ResultCode_Success;
-    }
+    uint16_t send(const RequestFrame& request);
 
     /// What an encoder returns for an argument that it refuses.
     [[nodiscard]] uint16_t refuse() const {

@@ -24,6 +24,8 @@ public:
 
     [[nodiscard]] uint16_t transactionId() const { return u16(0); }
     [[nodiscard]] CommandCode commandCode() const { return static_cast<CommandCode>(u16(2)); }
+    /// Identifier and command code: what a response has in common with its request.
+    [[nodiscard]] uint32_t header() const { return u16(0) | uint32_t{u16(2)} << 16U; }
     [[nodiscard]] uint16_t status() const { return u16(4); }
 
     [[nodiscard]] bool holds(size_t byteCount) const { return size >= byteCount; }
@@ -36,6 +38,8 @@ public:
         return static_cast<uint16_t>(u8(offset) << 8 | u8(offset + 1));
     }
 
+    /// Replaces the contents of @p destination by the frame.
+    void copyTo(std::vector<uint8_t>& destination) const;
     /// Replaces the contents of @p destination by @p count bytes.
     void copyTo(std::vector<uint8_t>& destination, size_t offset, size_t count) const;
     /// Fills @p count bytes at @p destination.

@@ -5,6 +5,17 @@
 
 #include <utility>
 
+uint16_t VeltraAsyncSDK::Link::send(const RequestFrame& request) {
+    if (!connected) {
+        return ResultCode_NotConnected;
+    }
+    if (gate != nullptr) {
+        return gate->send(request);
+    }
+    communicationManager.sendRequest(request.message());
+    return ResultCode_Success;
+}
+
 VeltraAsyncSDK::VeltraAsyncSDK() : link(std::make_unique<Link>()) {
     link->communicationManager.assignCallback([](const std::vector<uint8_t>&) {});
 }

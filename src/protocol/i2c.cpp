@@ -18,7 +18,7 @@ RequestFrame parameters(uint16_t transactionId, CommandCode command, uint8_t bus
 /// the register address travels as its number of bytes and one 32-bit value.
 RequestFrame transfer(uint16_t transactionId, CommandCode command, uint8_t busIndex,
                       uint8_t targetAddress, const std::vector<uint8_t>& registerAddress,
-                      size_t length, bool flag, const std::vector<uint8_t>& data) {
+                      size_t length, bool flag) {
     const uint32_t foldedAddress =
         std::accumulate(registerAddress.begin(), registerAddress.end(), uint32_t{0},
                         [](uint32_t folded, uint8_t byte) { return folded << 8U | byte; });
@@ -28,8 +28,7 @@ RequestFrame transfer(uint16_t transactionId, CommandCode command, uint8_t busIn
         .u8(targetAddress)
         .u8(static_cast<uint8_t>(registerAddress.size()))
         .u32(foldedAddress)
-        .flag(flag)
-        .bytes(data);
+        .flag(flag);
     return request;
 }
 
@@ -64,7 +63,8 @@ uint16_t VeltraAsyncSDK::i2cWrite(uint16_t transactionId, uint8_t busIndex, uint
         return link->refuse();
     }
     return link->send(transfer(transactionId, CommandCode::I2cWrite, busIndex, targetAddress,
-                               registerAddress, data.size(), flag, data));
+                               registerAddress, data.size(), flag)
+                          .bytes(data));
 }
 
 uint16_t VeltraAsyncSDK::i2cRead(uint16_t transactionId, uint8_t busIndex, uint8_t targetAddress,
@@ -74,5 +74,5 @@ uint16_t VeltraAsyncSDK::i2cRead(uint16_t transactionId, uint8_t busIndex, uint8
         return link->refuse();
     }
     return link->send(transfer(transactionId, CommandCode::I2cRead, busIndex, targetAddress,
-                               registerAddress, length, flag, {}));
+                               registerAddress, length, flag));
 }

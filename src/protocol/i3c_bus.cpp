@@ -3,6 +3,9 @@
 
 #include "protocol/Link.hpp"
 
+#include <algorithm>
+#include <iterator>
+
 namespace {
 
 RequestFrame parameters(uint16_t transactionId, CommandCode command, uint8_t pushPullRate,
@@ -12,17 +15,20 @@ RequestFrame parameters(uint16_t transactionId, CommandCode command, uint8_t pus
     return request;
 }
 
-void append(RequestFrame& request, const I3cTargetInfo& target) {
-    request.u8(target.staticAddress).u8(target.dynamicAddress);
-    for (const uint8_t byte : target.pid) {
-        request.u8(byte);
-    }
-    request.u8(target.bcr)
-        .u8(target.dcr)
-        .u16(target.maxWriteLength)
-        .u16(target.maxReadLength)
-        .u8(target.maxIbiPayloadSize)
-        .u8(target.configuration);
+constexpr size_t recordSize = 16;
+
+void encode(const I3cTargetInfo& target, uint8_t* record) {
+    record[0] = target.staticAddress;
+    record[1] = target.dynamicAddress;
+    std::copy(std::begin(target.pid), std::end(target.pid), record + 2);
+    record[8] = target.bcr;
+    record[9] = target.dcr;
+    record[10] = static_cast<uint8_t>(target.maxWriteLength & 0xFFU);
+    record[11] = static_cast<uint8_t>(target.maxWriteLength >> 8U);
+    record[12] = static_cast<uint8_t>(target.maxReadLength & 0xFFU);
+    record[13] = static_cast<uint8_t>(target.maxReadLength >> 8U);
+    record[14] = target.maxIbiPayloadSize;
+    record[15] = target.configuration;
 }
 
 } // namespace
@@ -49,12 +55,12 @@ uint16_t VeltraAsyncSDK::i3cSetParameters(uint16_t transactionId, uint8_t pushPu
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
 uint16_t VeltraAsyncSDK::i3cInitBus(uint16_t transactionId, std::vector<I3cTargetInfo> targets) {
     const auto count = static_cast<uint8_t>(targets.size() & 0xFFU);
-    RequestFrame request(transactionId, CommandCode::I3cInitBus, count * sizeof(I3cTargetInfo));
-    request.u8(count);
-    for (uint8_t index = 0; index < count; ++index) {
-        append(request, targets[index]);
+    std::vector<uint8_t> records(count * recordSize);
+    for (size_t index = 0; index < count; ++index) {
+        encode(targets[index], &records[index * recordSize]);
     }
-    return link->send(request);
+    return link->send(
+        RequestFrame(transactionId, CommandCode::I3cInitBus).u8(count).bytes(records));
 }
 
 uint16_t VeltraAsyncSDK::i3cResetBus(uint16_t transactionId) {

@@ -7,8 +7,6 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-const Bytes none;
-
 /// One kind of private transfer: where its bits lie in the transfer-control byte.
 struct Kind {
     I3cTransferDirection direction;
@@ -26,20 +24,31 @@ constexpr uint8_t noHdrCommand = 0;
 constexpr uint8_t targetResetPattern = 0;
 constexpr uint8_t hdrExitPattern = 1;
 
-/// @p length is the number of bytes to write or to read, @p data what a write sends.
-RequestFrame transfer(uint16_t transactionId, Kind kind, uint8_t address, uint8_t hdrCommand,
-                      const Bytes& subAddress, I3cTransferFlags flags, size_t length,
-                      const Bytes& data) {
+/// What all transfers begin with.
+RequestFrame beginningOf(uint16_t transactionId, Kind kind, uint8_t address, uint8_t hdrCommand,
+                         I3cTransferFlags flags) {
     const uint32_t control = kind.direction | kind.mode << 1U | flags << 3U;
     RequestFrame request(transactionId, CommandCode::I3cPrivateTransfer);
-    request.u8(address)
-        .u8(static_cast<uint8_t>(control & 0xFFU))
-        .u8(hdrCommand)
+    request.u8(address).u8(static_cast<uint8_t>(control & 0xFFU)).u8(hdrCommand);
+    return request;
+}
+
+/// @p length is the number of bytes to write or to read.
+RequestFrame transfer(uint16_t transactionId, Kind kind, uint8_t address, const Bytes& subAddress,
+                      I3cTransferFlags flags, size_t length) {
+    return beginningOf(transactionId, kind, address, noHdrCommand, flags)
         .u8(static_cast<uint8_t>(subAddress.size()))
         .subAddress(subAddress)
-        .count16(length)
-        .bytes(data);
-    return request;
+        .count16(length);
+}
+
+RequestFrame hdrDdrTransfer(uint16_t transactionId, Kind kind, uint8_t address, uint8_t hdrCommand,
+                            size_t length) {
+    constexpr uint8_t noSubAddress = 0;
+    return beginningOf(transactionId, kind, address, hdrCommand, I3cTransferFlags_None)
+        .u8(noSubAddress)
+        .u32(0)
+        .count16(length);
 }
 
 } // namespace
@@ -50,8 +59,8 @@ uint16_t VeltraAsyncSDK::i3cSdrWrite(uint16_t transactionId, uint8_t address,
     if (subAddress.size() > RequestFrame::maxSubAddressSize) {
         return link->refuse();
     }
-    return link->send(transfer(transactionId, sdrWrite, address, noHdrCommand, subAddress, flags,
-                               data.size(), data));
+    return link->send(
+        transfer(transactionId, sdrWrite, address, subAddress, flags, data.size()).bytes(data));
 }
 
 uint16_t VeltraAsyncSDK::i3cSdrRead(uint16_t transactionId, uint8_t address,
@@ -60,20 +69,18 @@ uint16_t VeltraAsyncSDK::i3cSdrRead(uint16_t transactionId, uint8_t address,
     if (subAddress.size() > RequestFrame::maxSubAddressSize) {
         return link->refuse();
     }
-    return link->send(
-        transfer(transactionId, sdrRead, address, noHdrCommand, subAddress, flags, length, none));
+    return link->send(transfer(transactionId, sdrRead, address, subAddress, flags, length));
 }
 
 uint16_t VeltraAsyncSDK::i3cHdrDdrWrite(uint16_t transactionId, uint8_t address, uint8_t hdrCommand,
                                         const Bytes& data) {
-    return link->send(transfer(transactionId, hdrDdrWrite, address, hdrCommand, none,
-                               I3cTransferFlags_None, data.size(), data));
+    return link->send(
+        hdrDdrTransfer(transactionId, hdrDdrWrite, address, hdrCommand, data.size()).bytes(data));
 }
 
 uint16_t VeltraAsyncSDK::i3cHdrDdrRead(uint16_t transactionId, uint8_t address, uint8_t hdrCommand,
                                        uint16_t length) {
-    return link->send(transfer(transactionId, hdrDdrRead, address, hdrCommand, none,
-                               I3cTransferFlags_None, length, none));
+    return link->send(hdrDdrTransfer(transactionId, hdrDdrRead, address, hdrCommand, length));
 }
 
 uint16_t VeltraAsyncSDK::i3cLegacyI2cWrite(uint16_t transactionId, uint8_t address,
@@ -82,8 +89,9 @@ uint16_t VeltraAsyncSDK::i3cLegacyI2cWrite(uint16_t transactionId, uint8_t addre
     if (subAddress.size() > RequestFrame::maxSubAddressSize) {
         return link->refuse();
     }
-    return link->send(transfer(transactionId, legacyI2cWrite, address, noHdrCommand, subAddress,
-                               flags, data.size(), data));
+    return link->send(
+        transfer(transactionId, legacyI2cWrite, address, subAddress, flags, data.size())
+            .bytes(data));
 }
 
 uint16_t VeltraAsyncSDK::i3cLegacyI2cRead(uint16_t transactionId, uint8_t address,
@@ -92,8 +100,7 @@ uint16_t VeltraAsyncSDK::i3cLegacyI2cRead(uint16_t transactionId, uint8_t addres
     if (subAddress.size() > RequestFrame::maxSubAddressSize) {
         return link->refuse();
     }
-    return link->send(transfer(transactionId, legacyI2cRead, address, noHdrCommand, subAddress,
-                               flags, length, none));
+    return link->send(transfer(transactionId, legacyI2cRead, address, subAddress, flags, length));
 }
 
 uint16_t VeltraAsyncSDK::i3cTargetResetPattern(uint16_t transactionId) {

@@ -3,12 +3,15 @@
 
 #pragma once
 
-#include <chrono>
-#include <condition_variable>
-#include <mutex>
-#include <utility>
+#include "protocol/ResponseFrame.hpp"
+#include "sdk/FunctionRef.hpp"
 
-/// The timed wait of every blocking operation.
+#include <condition_variable>
+#include <cstdint>
+#include <mutex>
+#include <vector>
+
+/// The timed wait of every blocking operation, and the response that ends it.
 ///
 /// A response that arrives after its caller has given up stays pending, and completes the next
 /// wait at once.
@@ -17,48 +20,37 @@ public:
     /// The time-out that waits without limit.
     static constexpr int noTimeout = -1;
 
-    using Lock = std::unique_lock<std::mutex>;
+    /// Makes of a response the result code of its operation.
+    using Judge = FunctionRef<uint16_t(const ResponseFrame&)>;
 
     explicit BlockingApi(int timeoutMs);
 
-    /// Takes effect at the next wait.
-    void setTimeout(int timeoutMs);
+    /// Keeps @p response as the last response and ends the wait; runs on the polling thread.
+    void respond(ResponseFrame response);
 
-    /// Runs on the polling thread.
-    void notifyResponseReceived();
+    /// Consumes a response, waiting for one until the time-out. Returns what @p judge makes of the
+    /// last one, which stays as it is meanwhile, or ResultCode_NoResponse when none has come.
+    uint16_t await(Judge judge);
 
-    /// Consumes a response, waiting for one until the time-out. Returns whether there was one.
-    bool waitForResponse();
-
-    /// Calls @p sendRequest and, when it returns true, waits for the response.
-    template <typename SendRequest>
-    bool execute(const SendRequest& sendRequest) {
-        return sendRequest() && waitForResponse();
-    }
-
-    /// Guards the time-out and the flag, and with them what a response is stored in: what was
-    /// stored before it was notified can be read under the lock that ended the wait.
-    std::mutex mutex;
-
-    /// The same while the mutex is locked.
-    void notifyLocked() {
-        responseReceived = true;
-        responseArrived.notify_one();
-    }
-    bool waitLocked(Lock& held) {
-        const auto arrived = [this] { return responseReceived; };
-        if (timeoutMs == noTimeout) {
-            responseArrived.wait(held, arrived);
-        } else {
-            const auto deadline =
-                std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
-            responseArrived.wait_until(held, deadline, arrived);
-        }
-        return std::exchange(responseReceived, false);
+    /// Waits until @p condition holds, at most so long; the time-out counts from here. The caller
+    /// holds @p mutex, as it does again when @p condition is looked at. Returns whether it holds.
+    template <typename Condition>
+    static bool waitFor(std::condition_variable& changed, std::mutex& mutex, int timeoutMs,
+                        const Condition& condition) {
+        return condition() ||
+               waitForChange(changed, mutex, timeoutMs, FunctionRef<bool()>(condition));
     }
 
 private:
-    int timeoutMs;
+    static bool waitForChange(std::condition_variable& changed, std::mutex& mutex, int timeoutMs,
+                              FunctionRef<bool()> condition);
+
+    const int timeoutMs;
+
+    // Guards everything below: what was stored before a wait ended is read under the lock that the
+    // wait ended with.
+    std::mutex mutex;
+    std::vector<uint8_t> lastResponse;
     bool responseReceived = false;
     std::condition_variable responseArrived;
 };

@@ -5,6 +5,8 @@
 
 #include "protocol/Link.hpp"
 
+#include <optional>
+
 namespace {
 
 NotificationKind kindOf(CommandCode code) {
@@ -38,12 +40,18 @@ VeltraSDK::Engine::~Engine() {
 
 bool VeltraSDK::Engine::connect(bool (VeltraAsyncSDK::*open)(const std::string&),
                                 const std::string& which) {
-    if (!isStrict) {
-        return (asyncSdk.*open)(which);
+    std::unique_lock<std::mutex> lock(strictEngine.connectionMutex, std::defer_lock);
+    if (isStrict) {
+        lock.lock();
+        // Operations of other threads use an open link.
+        if (hasLink()) {
+            return true;
+        }
     }
-    const std::lock_guard<std::mutex> lock(strictEngine.connectionMutex);
-    // Operations of other threads use an open link.
-    return hasLink() || (asyncSdk.*open)(which);
+    if (!hasLink()) {
+        strictEngine.forgetReadError();
+    }
+    return (asyncSdk.*open)(which);
 }
 
 void VeltraSDK::Engine::disconnect() {
@@ -107,6 +115,15 @@ uint16_t VeltraSDK::Engine::setOverlap(uint8_t requests) {
     return ResultCode_Success;
 }
 
+uint16_t VeltraSDK::Engine::transact(size_t maxAnswerSize, StrictEngine::SendRequest sendRequest,
+                                     BlockingApi::Judge judge) {
+    if (isStrict) {
+        return strictEngine.transact(maxAnswerSize, sendRequest, judge);
+    }
+    const uint16_t sent = sendRequest(transactionIds.next());
+    return sent == ResultCode_Success ? blockingApi.await(judge) : sent;
+}
+
 void VeltraSDK::Engine::handleResponse(const std::vector<uint8_t>& frame) {
     const ResponseFrame response(frame);
     if (!response.holds(ResponseFrame::minSize)) {
@@ -117,12 +134,10 @@ void VeltraSDK::Engine::handleResponse(const std::vector<uint8_t>& frame) {
         return;
     }
     if (isStrict) {
-        strictEngine.handleResponse(frame);
+        strictEngine.handleResponse(response);
         return;
     }
-    const std::lock_guard<std::mutex> lock(blockingApi.mutex);
-    lastResponse = frame;
-    blockingApi.notifyLocked();
+    blockingApi.respond(response);
 }
 
 void VeltraSDK::Engine::handleNotification(const std::vector<uint8_t>& frame) const {
@@ -140,23 +155,4 @@ void VeltraSDK::Engine::handleNotification(const std::vector<uint8_t>& frame) co
 
 void VeltraSDK::Engine::onNotification(std::function<void(const Notification&)> handler) {
     notificationHandler.swap(handler);
-}
-
-void VeltraSDK::Engine::Answer::await(Engine& asked, uint16_t encoded) {
-    result = encoded;
-    if (encoded != ResultCode_Success) {
-        return;
-    }
-    if (turn) {
-        response.emplace(turn->response);
-        result = response->status();
-        return;
-    }
-    lock = BlockingApi::Lock(asked.blockingApi.mutex);
-    if (asked.blockingApi.waitLocked(lock)) {
-        response.emplace(asked.lastResponse);
-        result = response->status();
-    } else {
-        result = ResultCode_NoResponse;
-    }
 }

@@ -14,12 +14,12 @@
 #include <atomic>
 #include <functional>
 #include <memory>
-#include <optional>
+#include <tuple>
 #include <utility>
 #include <vector>
 
-/// What stands behind a VeltraSDK: the encoders below it, the wait for responses, the response that
-/// came last, the transaction identifiers and the notification handler.
+/// What stands behind a VeltraSDK: the encoders below it, the wait for responses, the
+/// transaction identifiers, strict mode and who takes notifications.
 class __attribute__((visibility("hidden"))) VeltraSDK::Engine {
 public:
     explicit Engine(int timeoutMs);
@@ -55,68 +55,72 @@ public:
     /// descriptor.
     int openQueue(size_t bytes);
 
-    /// The answer to a request, which stays as it is while this object lives: it holds the lock
-    /// under which responses are stored, or its turn in strict mode.
-    class Answer {
+    /// A request in the making: an encoder and what it is given. It refers to nothing but what the
+    /// encoder takes by reference.
+    template <typename... Parameters>
+    class Question {
     public:
-        /// Waits in strict mode for a turn, for an answer of at most @p maxAnswerSize bytes.
-        Answer(Engine& engine, size_t maxAnswerSize)
-            : turn(engine.isStrict ? engine.strictEngine.begin(maxAnswerSize) : nullptr),
-              requestId(!engine.isStrict ? engine.generateTransactionId()
-                        : turn           ? turn->transactionId
-                                         : uint16_t{0}) {}
+        using Encoder = uint16_t (VeltraAsyncSDK::*)(uint16_t, Parameters...);
 
-        /// That of the request; 0 when it must not be sent.
-        [[nodiscard]] uint16_t transactionId() const { return requestId; }
+        template <typename... Arguments>
+        Question(Engine& engineOfIt, size_t answerSize, Encoder method, Arguments&&... given)
+            : engine(engineOfIt),
+              maxAnswerSize(answerSize),
+              encoder(method),
+              arguments(std::forward<Arguments>(given)...) {}
 
-        /// Waits, unless @p encoded says that nothing was sent or the mode has waited already.
-        void await(Engine& asked, uint16_t encoded);
-
-        /// The response's status, or why there is no response.
-        [[nodiscard]] uint16_t status() const { return result; }
-
-        /// Calls @p decode with the response, if there is one, whatever its status.
-        template <typename Decode>
-        [[nodiscard]] uint16_t decoded(const Decode& decode) const {
-            if (response) {
-                decode(*response);
-            }
-            return result;
+        /// Sends the request; returns the encoder's result code.
+        uint16_t operator()(uint16_t id) {
+            requestId = id;
+            return std::apply(
+                [&](auto&... each) {
+                    return (engine.asyncSdk.*encoder)(id, std::forward<Parameters>(each)...);
+                },
+                arguments);
         }
 
-        /// The same where decoding yields the operation's result code.
+        /// Of the request that was sent.
+        [[nodiscard]] uint16_t transactionId() const { return requestId; }
+
+        /// Has it answered. Returns what @p judge makes of the response, if there is one, whatever
+        /// its status, or why there is none.
         template <typename Judge>
-        [[nodiscard]] uint16_t judged(const Judge& judge) const {
-            return response ? judge(*response) : result;
+        uint16_t judged(const Judge& judge) {
+            return engine.transact(maxAnswerSize, StrictEngine::SendRequest(*this),
+                                   BlockingApi::Judge(judge));
+        }
+
+        /// The same where the response's status is the result and @p decode has only to decode.
+        template <typename Decode>
+        uint16_t decoded(const Decode& decode) {
+            return judged([&](const ResponseFrame& response) {
+                decode(response);
+                return response.status();
+            });
         }
 
     private:
-        BlockingApi::Lock lock;
-        StrictEngine::Turn turn;
-        std::optional<ResponseFrame> response;
-        uint16_t requestId;
-        uint16_t result = ResultCode_NotConnected;
+        Engine& engine;
+        size_t maxAnswerSize;
+        Encoder encoder;
+        std::tuple<Parameters...> arguments;
+        uint16_t requestId = 0;
     };
 
-    /// The pattern of every blocking operation: takes a transaction identifier, has @p encoder send
-    /// the request, and waits for the answer, whose frame has at most @p maxAnswerSize bytes.
+    /// Asks by way of @p encoder; the answer's frame has at most @p maxAnswerSize bytes.
     template <typename... Parameters, typename... Arguments>
-    [[nodiscard]] Answer ask(size_t maxAnswerSize,
-                             uint16_t (VeltraAsyncSDK::*encoder)(uint16_t, Parameters...),
-                             Arguments&&... arguments) {
-        Answer answer(*this, maxAnswerSize);
-        const uint16_t id = answer.transactionId();
-        if (id != 0) {
-            answer.await(*this, (asyncSdk.*encoder)(id, std::forward<Arguments>(arguments)...));
-        }
-        return answer;
+    [[nodiscard]] Question<Parameters...>
+    ask(size_t maxAnswerSize, uint16_t (VeltraAsyncSDK::*encoder)(uint16_t, Parameters...),
+        Arguments&&... arguments) {
+        return {*this, maxAnswerSize, encoder, std::forward<Arguments>(arguments)...};
     }
 
     /// An operation of whose answer nothing is wanted but the status.
     template <typename... Parameters, typename... Arguments>
     uint16_t command(uint16_t (VeltraAsyncSDK::*encoder)(uint16_t, Parameters...),
                      Arguments&&... arguments) {
-        return ask(ResponseFrame::minSize, encoder, std::forward<Arguments>(arguments)...).status();
+        return ask(ResponseFrame::minSize, encoder, std::forward<Arguments>(arguments)...)
+            .judged(statusOf);
     }
 
     /// What keeps an operation of several requests inside the object between them.
@@ -125,14 +129,21 @@ public:
     }
 
 private:
+    static constexpr auto statusOf = [](const ResponseFrame& response) {
+        return response.status();
+    };
+
+    /// The pattern of every blocking operation: takes a transaction identifier, has the request
+    /// sent, and waits for the answer.
+    uint16_t transact(size_t maxAnswerSize, StrictEngine::SendRequest sendRequest,
+                      BlockingApi::Judge judge);
+
     void handleNotification(const std::vector<uint8_t>& frame) const;
     void handleReadError();
     void tellEndOf(bool openLink);
 
     BlockingApi blockingApi;
     TransactionIds transactionIds;
-    // Guarded by the lock of the wait.
-    std::vector<uint8_t> lastResponse;
     std::function<void(const Notification&)> notificationHandler;
     std::shared_ptr<NotificationQueue::State> queue = std::make_shared<NotificationQueue::State>();
     // A read error is the end of a link that is still open; closing it then is no other.

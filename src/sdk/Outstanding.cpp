@@ -5,44 +5,26 @@
 
 #include <algorithm>
 
-Outstanding::Slot* Outstanding::findFree(uint8_t overlap) {
-    auto* const end = slots.begin() + overlap;
-    auto* const found = std::find_if(slots.begin(), end,
-                                     [](const Slot& slot) { return slot.stage == Stage::Free; });
-    return found == end ? nullptr : found;
-}
+namespace {
 
-Outstanding::Slot* Outstanding::find(uint16_t transactionId) {
-    auto* const found = std::find_if(slots.begin(), slots.end(), [=](const Slot& slot) {
+// A longer one takes so long to write that nothing is gained.
+constexpr size_t maxOverlappingRequest = 512;
+
+} // namespace
+
+bool Outstanding::has(uint16_t transactionId) const {
+    return std::any_of(slots.begin(), slots.end(), [=](const Slot& slot) {
         return slot.stage != Stage::Free && slot.transactionId == transactionId;
     });
-    return found == slots.end() ? nullptr : found;
 }
 
-bool Outstanding::mayGo(const Slot& slot) const {
+bool Outstanding::mayGo(const Slot& slot, size_t maxSizeInOneReport) const {
+    const auto goesAlone = [=](const Slot& each) {
+        return each.requestSize > maxOverlappingRequest || each.maxAnswerSize > maxSizeInOneReport;
+    };
     return std::none_of(slots.begin(), slots.end(), [&](const Slot& other) {
-        switch (other.stage) {
-        case Stage::Preparing:
-            return other.turn < slot.turn;
-        case Stage::OnWire:
-            return slot.goesAlone || other.goesAlone;
-        default:
-            return false;
-        }
+        return other.stage == Stage::OnWire && (goesAlone(slot) || goesAlone(other));
     });
-}
-
-bool Outstanding::answer(const std::vector<uint8_t>& frame) {
-    const ResponseFrame response(frame);
-    Slot* const slot = find(response.transactionId());
-    if (slot == nullptr || slot->stage != Stage::OnWire ||
-        slot->command != response.commandCode()) {
-        return false;
-    }
-    slot->response = frame;
-    slot->stage = Stage::Answered;
-    slot->ended.notify_one();
-    return true;
 }
 
 void Outstanding::wakeAll() {

@@ -3,8 +3,6 @@
 
 #pragma once
 
-#include "protocol/ResponseFrame.hpp"
-
 #include <array>
 #include <condition_variable>
 #include <cstddef>
@@ -12,41 +10,55 @@
 #include <vector>
 
 /// The operations that have a place in strict mode: at most as many as may overlap. Which response
-/// is whose, and who may write its request, is decided here.
+/// is whose, and which request may go beside which, is decided here.
 ///
-/// It has no lock of its own. What a slot holds as its response belongs to its operation alone from
-/// the answer on until the slot is released.
+/// It has no lock of its own.
 class Outstanding {
 public:
     static constexpr uint8_t maxOverlap = 4;
 
-    enum class Stage { Free, Preparing, OnWire, Answered, Over };
+    enum class Stage : uint8_t { Free, Preparing, OnWire, Answered };
 
     /// An operation's place. Its memory is kept for the operations after it.
     struct Slot {
         Stage stage = Stage::Free;
         uint16_t transactionId = 0;
-        CommandCode command{};
-        /// Places are taken in this order, and requests are written in it.
-        uint64_t turn = 0;
-        /// Whether nothing else may be on the wire.
-        bool goesAlone = false;
+        /// What the request and its response begin with.
+        uint32_t header = 0;
+        size_t requestSize = 0;
         size_t maxAnswerSize = 0;
         std::vector<uint8_t> response;
         std::condition_variable ended;
     };
 
-    /// A free slot among the first @p overlap, or null.
-    Slot* findFree(uint8_t overlap);
+    /// A free slot among the first @p overlap, at least 1, or null.
+    Slot* findFree(uint8_t overlap) {
+        Slot* slot = slots.data();
+        do {
+            if (slot->stage == Stage::Free) {
+                return slot;
+            }
+            ++slot;
+        } while (--overlap != 0);
+        return nullptr;
+    }
 
-    /// The slot of the operation with this identifier, or null.
-    Slot* find(uint16_t transactionId);
+    /// The slot of the operation that waits for a response that begins so, or null.
+    Slot* findAwaiting(uint32_t header) {
+        for (Slot& slot : slots) {
+            if (slot.header == header && slot.stage == Stage::OnWire) {
+                return &slot;
+            }
+        }
+        return nullptr;
+    }
 
-    /// Whether the request of @p slot may be written now.
-    [[nodiscard]] bool mayGo(const Slot& slot) const;
+    /// Whether an operation has this identifier.
+    [[nodiscard]] bool has(uint16_t transactionId) const;
 
-    /// Hands a response to the operation that waits for it. Returns whether there is one.
-    bool answer(const std::vector<uint8_t>& frame);
+    /// Whether the request of @p slot may be written beside those on the wire, where a report has
+    /// room for an answer of @p maxSizeInOneReport bytes.
+    [[nodiscard]] bool mayGo(const Slot& slot, size_t maxSizeInOneReport) const;
 
     /// Wakes every operation that waits for its response.
     void wakeAll();

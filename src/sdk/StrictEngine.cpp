@@ -3,178 +3,218 @@
 
 #include "sdk/StrictEngine.hpp"
 
-#include "sdk/BlockingApi.hpp"
-
 #include <veltrasdk/result.h>
-
-#include <chrono>
 
 namespace {
 
-// A longer one takes so long to write that nothing is gained.
-constexpr size_t maxOverlappingRequest = 512;
-
 // After an unplug the write fails first, and the read a moment later.
-constexpr std::chrono::milliseconds failedWriteWait{100};
+constexpr int failedWriteWaitMs = 100;
 
 } // namespace
 
-StrictEngine::StrictEngine(int timeout, TransactionIds& ids, CommunicationManager& adapterLink)
-    : timeoutMs(timeout), transactionIds(ids), link(adapterLink) {}
-
-StrictEngine::Turn StrictEngine::begin(size_t maxAnswerSize) {
-    Lock lock(mutex);
-    if (hasEnded()) {
-        return nullptr;
+inline void StrictEngine::tellWaiting() {
+    if (waiting != 0) {
+        changed.notify_all();
     }
-    ++inside;
-    const uint64_t turn = nextTurn++;
-    Slot* slot = nullptr;
-    turnPassed.wait(lock, [&] {
-        if (hasEnded()) {
-            return true;
-        }
-        slot = turn == servedTurns ? outstanding.findFree(overlap) : nullptr;
-        return slot != nullptr;
-    });
-    ++servedTurns;
+}
+
+inline StrictEngine::Slot* StrictEngine::takeTurn() {
+    const bool isMyTurn = current == nullptr && waiting == 0 && !hasEnded();
+    Slot* slot = isMyTurn ? outstanding.findFree(overlap) : nullptr;
     if (slot == nullptr) {
-        leave();
-        return nullptr;
+        slot = waitForTurn();
+        if (slot == nullptr) {
+            return nullptr;
+        }
     }
     do {
         slot->transactionId = transactionIds.next();
-    } while (inside > 1 && outstanding.find(slot->transactionId) != nullptr);
-    slot->stage = Outstanding::Stage::Preparing;
-    slot->turn = turn;
-    slot->maxAnswerSize = maxAnswerSize;
-    if (nextTurn != servedTurns) {
-        turnPassed.notify_all();
-    }
-    return Turn(slot, EndTurn{this});
+    } while (inside > 1 && outstanding.has(slot->transactionId));
+    slot->stage = Stage::Preparing;
+    current = slot;
+    return slot;
 }
 
-uint16_t StrictEngine::send(const RequestFrame& request) {
-    Lock lock(mutex);
-    Slot* const slot = outstanding.find(request.transactionId());
-    if (slot == nullptr) {
-        lock.unlock();
-        return sendUnanswered(request);
+inline void StrictEngine::release(Slot& slot) {
+    if (current == &slot) {
+        current = nullptr;
     }
-    slot->goesAlone =
-        request.size() > maxOverlappingRequest || slot->maxAnswerSize > link.maxSizeInOneReport();
-    turnPassed.wait(lock, [&] { return hasEnded() || inside == 1 || outstanding.mayGo(*slot); });
-    if (hasEnded()) {
-        return ResultCode_NotConnected;
-    }
-    slot->command = request.commandCode();
-    slot->stage = Outstanding::Stage::OnWire;
-    if (inside > 1) {
-        turnPassed.notify_all();
-    }
-    lock.unlock();
-    const bool written = write(request);
-    lock.lock();
-    await(lock, *slot, written);
-    if (slot->stage == Outstanding::Stage::Answered) {
-        return ResultCode_Success;
-    }
-    slot->stage = Outstanding::Stage::Over;
-    return hasEnded() ? ResultCode_NotConnected : ResultCode_NoResponse;
+    slot.stage = Stage::Free;
+    tellWaiting();
 }
 
-void StrictEngine::await(Lock& lock, Slot& slot, bool written) {
-    const auto ended = [&] { return slot.stage == Outstanding::Stage::Answered || hasEnded(); };
-    if (written && timeoutMs == BlockingApi::noTimeout) {
-        slot.ended.wait(lock, ended);
-        return;
-    }
-    const auto limit = written ? std::chrono::milliseconds(timeoutMs) : failedWriteWait;
-    slot.ended.wait_until(lock, std::chrono::steady_clock::now() + limit, ended);
-}
-
-bool StrictEngine::write(const RequestFrame& request) {
-    const std::lock_guard<std::mutex> writing(writeMutex);
-    return link.writeRequest(request.data(), request.size());
-}
-
-uint16_t StrictEngine::sendUnanswered(const RequestFrame& request) {
-    if (link.hasReadError()) {
-        return ResultCode_NotConnected;
-    }
-    if (write(request)) {
-        return ResultCode_Success;
-    }
-    Lock lock(mutex);
-    const bool isGone =
-        gone.wait_for(lock, failedWriteWait, [this] { return link.hasReadError(); });
-    return isGone ? ResultCode_NotConnected : ResultCode_NoResponse;
-}
-
-void StrictEngine::end(Slot& slot) {
-    const Lock lock(mutex);
-    slot.stage = Outstanding::Stage::Free;
-    leave();
-}
-
-void StrictEngine::leave() {
+inline void StrictEngine::leave() {
     --inside;
-    if (inside > 0) {
-        turnPassed.notify_all();
-    } else if (isClosing) {
+    if (inside == 0 && isClosing) {
         allLeft.notify_all();
     }
 }
 
-void StrictEngine::handleResponse(const std::vector<uint8_t>& frame) {
-    const Lock lock(mutex);
-    if (!outstanding.answer(frame)) {
-        ++unmatched;
+/// An operation's stay inside, throughout which the mutex is held but for waiting and writing.
+class StrictEngine::Stay {
+public:
+    explicit Stay(StrictEngine& strictEngine) : engine(strictEngine) {
+        ++engine.inside;
+        slot = engine.takeTurn();
     }
+    ~Stay() {
+        if (slot != nullptr) {
+            engine.release(*slot);
+        }
+        engine.leave();
+    }
+    Stay(const Stay&) = delete;
+    Stay& operator=(const Stay&) = delete;
+
+    StrictEngine& engine;
+    /// Null when all operations are being ended.
+    Slot* slot;
+};
+
+StrictEngine::StrictEngine(int timeout, TransactionIds& ids, CommunicationManager& adapterLink)
+    : timeoutMs(timeout), transactionIds(ids), link(adapterLink) {}
+
+uint16_t StrictEngine::transact(size_t maxAnswerSize, SendRequest sendRequest, Judge judge) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    const Stay stay(*this);
+    if (stay.slot == nullptr) {
+        return ResultCode_NotConnected;
+    }
+    stay.slot->maxAnswerSize = maxAnswerSize;
+    const uint16_t sent = sendRequest(stay.slot->transactionId);
+    return sent == ResultCode_Success ? judge(ResponseFrame(stay.slot->response)) : sent;
+}
+
+template <typename Condition>
+void StrictEngine::wait(const Condition& condition) {
+    ++waiting;
+    BlockingApi::waitFor(changed, mutex, BlockingApi::noTimeout, condition);
+    --waiting;
+}
+
+StrictEngine::Slot* StrictEngine::waitForTurn() {
+    const uint64_t turn = nextTurn++;
+    Slot* slot = nullptr;
+    wait([&] {
+        if (!hasEnded() && current == nullptr && turn == servedTurns) {
+            slot = outstanding.findFree(overlap);
+        }
+        return slot != nullptr || hasEnded();
+    });
+    ++servedTurns;
+    return slot;
+}
+
+void StrictEngine::waitToGo(const Slot& slot) {
+    wait([&] { return hasEnded() || outstanding.mayGo(slot, link.maxSizeInOneReport()); });
+}
+
+uint16_t StrictEngine::send(const RequestFrame& request) {
+    if (current == nullptr) {
+        return sendUnanswered(request);
+    }
+    Slot& slot = *current;
+    slot.header = request.header();
+    slot.requestSize = request.message().size();
+    if (inside > 1) {
+        waitToGo(slot);
+        if (hasEnded()) {
+            return ResultCode_NotConnected;
+        }
+    }
+    slot.stage = Stage::OnWire;
+    mutex.unlock();
+    const bool written = link.writeRequest(request.message());
+    mutex.lock();
+    current = nullptr;
+    tellWaiting();
+    BlockingApi::waitFor(slot.ended, mutex, written ? timeoutMs : failedWriteWaitMs,
+                         [&] { return slot.stage == Stage::Answered || hasEnded(); });
+    if (slot.stage == Stage::Answered) {
+        return ResultCode_Success;
+    }
+    return hasEnded() ? ResultCode_NotConnected : ResultCode_NoResponse;
+}
+
+uint16_t StrictEngine::sendUnanswered(const RequestFrame& request) {
+    std::unique_lock<std::mutex> lock(mutex);
+    if (isGone) {
+        return ResultCode_NotConnected;
+    }
+    lock.unlock();
+    if (link.writeRequest(request.message())) {
+        return ResultCode_Success;
+    }
+    lock.lock();
+    const bool isUnplugged =
+        BlockingApi::waitFor(gone, mutex, failedWriteWaitMs, [this] { return isGone; });
+    return isUnplugged ? ResultCode_NotConnected : ResultCode_NoResponse;
+}
+
+void StrictEngine::handleResponse(ResponseFrame response) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    Slot* const slot = outstanding.findAwaiting(response.header());
+    if (slot == nullptr) {
+        ++unmatched;
+        return;
+    }
+    response.copyTo(slot->response);
+    slot->stage = Stage::Answered;
+    slot->ended.notify_one();
 }
 
 void StrictEngine::handleReadError() {
-    const Lock lock(mutex);
-    outstanding.wakeAll();
-    turnPassed.notify_all();
+    const std::lock_guard<std::mutex> lock(mutex);
+    isGone = true;
+    wakeAll();
     gone.notify_all();
 }
 
+void StrictEngine::forgetReadError() {
+    const std::lock_guard<std::mutex> lock(mutex);
+    isGone = false;
+}
+
+void StrictEngine::wakeAll() {
+    outstanding.wakeAll();
+    tellWaiting();
+}
+
 void StrictEngine::setOverlap(uint8_t requests) {
-    const Lock lock(mutex);
+    const std::lock_guard<std::mutex> lock(mutex);
     overlap = requests;
-    turnPassed.notify_all();
+    tellWaiting();
 }
 
 uint64_t StrictEngine::unmatchedResponses() const {
-    const Lock lock(mutex);
+    const std::lock_guard<std::mutex> lock(mutex);
     return unmatched;
 }
 
 StrictEngine::Presence::Presence(StrictEngine* strictEngine) : engine(strictEngine) {
     if (engine != nullptr) {
-        const Lock lock(engine->mutex);
+        const std::lock_guard<std::mutex> lock(engine->mutex);
         ++engine->inside;
     }
 }
 
 StrictEngine::Presence::~Presence() {
     if (engine != nullptr) {
-        const Lock lock(engine->mutex);
+        const std::lock_guard<std::mutex> lock(engine->mutex);
         engine->leave();
     }
 }
 
 StrictEngine::Closing::Closing(StrictEngine& strictEngine)
     : engine(strictEngine), connecting(engine.connectionMutex) {
-    Lock lock(engine.mutex);
+    const std::lock_guard<std::mutex> lock(engine.mutex);
     engine.isClosing = true;
-    engine.outstanding.wakeAll();
-    engine.turnPassed.notify_all();
-    engine.allLeft.wait(lock, [this] { return engine.inside == 0; });
+    engine.wakeAll();
+    BlockingApi::waitFor(engine.allLeft, engine.mutex, BlockingApi::noTimeout,
+                         [this] { return engine.inside == 0; });
 }
 
 StrictEngine::Closing::~Closing() {
-    const Lock lock(engine.mutex);
+    const std::lock_guard<std::mutex> lock(engine.mutex);
     engine.isClosing = false;
 }

@@ -5,47 +5,46 @@
 
 #include "driver/CommunicationManager.hpp"
 #include "protocol/RequestGate.hpp"
+#include "sdk/BlockingApi.hpp"
 #include "sdk/Outstanding.hpp"
 #include "sdk/TransactionIds.hpp"
 
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <mutex>
-#include <vector>
 
 /// The operations of strict mode, from several threads: they take turns, an answer is the response
 /// with an operation's own identifier and command code, and all end when the adapter has gone or
 /// the link is closed.
+///
+/// Whoever has the turn makes a request and writes it; the turn passes on before the answer is
+/// waited for, so that requests never mix and as many as may overlap are outstanding.
 class StrictEngine final : public RequestGate {
 public:
-    using Slot = Outstanding::Slot;
+    using SendRequest = FunctionRef<uint16_t(uint16_t)>;
+    using Judge = BlockingApi::Judge;
 
     /// @p adapterLink carries the requests; it may be torn down once nobody uses this object.
     StrictEngine(int timeout, TransactionIds& ids, CommunicationManager& adapterLink);
 
-    struct EndTurn {
-        StrictEngine* engine = nullptr;
-        void operator()(Slot* slot) const { engine->end(*slot); }
-    };
-    /// An operation's place among those outstanding, from before its request is made until its
-    /// answer has been decoded.
-    using Turn = std::unique_ptr<Slot, EndTurn>;
+    /// Waits for a turn, in the order in which they were asked for, has @p sendRequest hand over a
+    /// request under a transaction identifier, and returns what @p judge makes of its answer, which
+    /// has at most @p maxAnswerSize bytes, or why there is none.
+    uint16_t transact(size_t maxAnswerSize, SendRequest sendRequest, Judge judge);
 
-    /// Waits for a turn, in the order in which they were asked for. Null when the adapter has gone
-    /// or the link is being closed.
-    Turn begin(size_t maxAnswerSize);
-
-    /// Writes the request of an operation that has a turn and waits for its answer, which then lies
-    /// in the slot: the result says why there is none. A request of anybody else is only written.
+    /// Writes the request of the operation that has the turn and waits for its answer; the result
+    /// says why there is none. A request of anybody else is only written.
     uint16_t send(const RequestFrame& request) override;
 
     /// Takes a response; runs on the polling thread.
-    void handleResponse(const std::vector<uint8_t>& frame);
+    void handleResponse(ResponseFrame response);
 
-    /// Ends every operation; runs on the polling thread once the link says that a read has failed.
+    /// Ends every operation, and those to come; runs on the polling thread when a read has failed.
     void handleReadError();
+
+    /// Before the link is opened.
+    void forgetReadError();
 
     /// How many operations may be outstanding, 1 to Outstanding::maxOverlap.
     void setOverlap(uint8_t requests);
@@ -83,35 +82,43 @@ public:
     std::mutex connectionMutex;
 
 private:
-    using Lock = std::unique_lock<std::mutex>;
+    using Slot = Outstanding::Slot;
+    using Stage = Outstanding::Stage;
+    class Stay;
 
-    bool write(const RequestFrame& request);
-    uint16_t sendUnanswered(const RequestFrame& request);
-    void await(Lock& lock, Slot& slot, bool written);
-    void end(Slot& slot);
+    Slot* takeTurn();
+    // Threads seldom meet.
+    [[gnu::cold]] Slot* waitForTurn();
+    [[gnu::cold]] void waitToGo(const Slot& slot);
+    template <typename Condition>
+    void wait(const Condition& condition);
+    void tellWaiting();
+    void release(Slot& slot);
     void leave();
-    [[nodiscard]] bool hasEnded() const { return isClosing || link.hasReadError(); }
+    uint16_t sendUnanswered(const RequestFrame& request);
+    void wakeAll();
+    [[nodiscard]] bool hasEnded() const { return isClosing || isGone; }
 
     const int timeoutMs;
     TransactionIds& transactionIds;
     CommunicationManager& link;
 
-    // Held while the reports of one request are written.
-    std::mutex writeMutex;
-
     // Guards everything below; not held while a request is written.
     mutable std::mutex mutex;
     Outstanding outstanding;
+    // Of the operation whose turn it is.
+    Slot* current = nullptr;
     uint8_t overlap = 1;
-    // Turns are given out in the order of these numbers.
+    bool isClosing = false;
+    bool isGone = false;
+    // Threads that are in an operation, and those of them that wait for a turn or to write.
+    size_t inside = 0;
+    size_t waiting = 0;
+    std::condition_variable changed;
+    // Whoever waits for a turn is served in the order of these numbers.
     uint64_t nextTurn = 0;
     uint64_t servedTurns = 0;
-    // Wakes whoever waits for a turn, or to write its request.
-    std::condition_variable turnPassed;
-    // Threads that are in an operation.
-    size_t inside = 0;
     std::condition_variable allLeft;
-    bool isClosing = false;
     std::condition_variable gone;
     uint64_t unmatched = 0;
 };

@@ -12,10 +12,9 @@ constexpr size_t maxStringAnswer = stringOffset + 254;
 } // namespace
 
 uint16_t VeltraSDK::getUsbString(std::vector<uint8_t>& text, uint8_t index) {
-    const Engine::Answer answer =
-        engine->ask(maxStringAnswer, &VeltraAsyncSDK::getUsbString, index);
-    return answer.judged([&](const ResponseFrame& response) -> uint16_t {
-        if (response.transactionId() != answer.transactionId() ||
+    auto question = engine->ask(maxStringAnswer, &VeltraAsyncSDK::getUsbString, index);
+    return question.judged([&](const ResponseFrame& response) -> uint16_t {
+        if (response.transactionId() != question.transactionId() ||
             response.commandCode() != CommandCode::GetUsbString) {
             return ResultCode_UnexpectedResponse;
         }

@@ -5,6 +5,7 @@
 #include "support/ThreadStart.hpp"
 #include "support/Variant.hpp"
 
+#include <algorithm>
 #include <chrono>
 #include <functional>
 #include <future>
@@ -20,6 +21,14 @@ protected:
     CommunicationManagerTest() {
         hid.attach({"1-1:1.0", vendorId, GetParam().productId, L"VA-0001"});
         manager.assignCallback([this](const Bytes& message) { received.push_back(message); });
+    }
+
+    /// Sends a request without a head.
+    void send(const Bytes& request) {
+        Message message{};
+        message.data = request.data();
+        message.dataSize = request.size();
+        manager.sendRequest(message);
     }
 
     void deliver(const std::vector<Bytes>& reports) {
@@ -42,36 +51,52 @@ INSTANTIATE_ON_BOTH_VARIANTS(CommunicationManagerTest);
 
 TEST_P(CommunicationManagerTest, AnEmptyRequestSendsNothing) {
     ASSERT_TRUE(manager.connect("", ""));
-    manager.sendRequest({});
+    send({});
     EXPECT_TRUE(hid.writes().empty());
 }
 
 TEST_P(CommunicationManagerTest, AShortRequestIsOneReport) {
     hid.expectWrite(GetParam().output({0x13, 0x00, 0x01, 0x00, 0x02, 0x04}));
     ASSERT_TRUE(manager.connect("", ""));
-    manager.sendRequest({0x01, 0x00, 0x02, 0x04});
+    send({0x01, 0x00, 0x02, 0x04});
 }
 
 TEST_P(CommunicationManagerTest, ALongRequestIsSentInOrder) {
     const Bytes request = counting(65'549);
     hid.expectWrites(GetParam().outputs(request), {});
     ASSERT_TRUE(manager.connect("", ""));
-    manager.sendRequest(request);
+    send(request);
+}
+
+TEST_P(CommunicationManagerTest, AHeadAndDataAreSentAsOneMessage) {
+    for (const size_t headSize : {1U, 14U, 16U}) {
+        for (const size_t size : {16U, 62U, 63U, 124U, 1022U, 1023U, 65'549U}) {
+            const Bytes request = counting(size);
+            hid.expectWrites(GetParam().outputs(request), {});
+            ASSERT_TRUE(manager.connect("", ""));
+            Message message{};
+            std::copy_n(request.begin(), headSize, message.head.begin());
+            message.headSize = headSize;
+            message.data = request.data() + headSize;
+            message.dataSize = size - headSize;
+            manager.sendRequest(message);
+        }
+    }
 }
 
 TEST_P(CommunicationManagerTest, ARequestDoesNotRepeatTheOneBefore) {
     hid.expectWrites(GetParam().outputs(counting(2000)), {});
     hid.expectWrite(GetParam().output({0x07, 0x00, 0x55}));
     ASSERT_TRUE(manager.connect("", ""));
-    manager.sendRequest(counting(2000));
-    manager.sendRequest({0x55});
+    send(counting(2000));
+    send({0x55});
 }
 
 TEST_P(CommunicationManagerTest, EveryPacketIsWrittenThoughWritesFail) {
     ASSERT_TRUE(manager.connect("", ""));
     hid.failWriting(-1);
     const Bytes request = counting(2000);
-    manager.sendRequest(request);
+    send(request);
     EXPECT_EQ(hid.writes(), GetParam().outputs(request));
 }
 
@@ -160,7 +185,7 @@ TEST_P(CommunicationManagerTest, ConnectingAnOpenLinkEnumeratesNothingAndKeepsIt
     ASSERT_TRUE(manager.connect("", ""));
     EXPECT_TRUE(manager.connect("no such path", "no such serial number"));
     EXPECT_EQ(hid.enumerateCalls(), 1U);
-    manager.sendRequest({0x55});
+    send({0x55});
     EXPECT_EQ(messages(), (std::vector<Bytes>{{0x66}}));
 }
 
@@ -197,17 +222,17 @@ TEST_P(CommunicationManagerTest, AfterConnectingTheOtherModelRequestsAreSplitByI
     hid.expectWrites(GetParam().outputs(request), {});
     hid.expectWrites(other.outputs(request), other.inputs(counting(2000)));
     ASSERT_TRUE(manager.connect("1-1:1.0", ""));
-    manager.sendRequest(request);
+    send(request);
     manager.disconnect();
     ASSERT_TRUE(manager.connect("1-2:1.0", ""));
-    manager.sendRequest(request);
+    send(request);
     EXPECT_EQ(messages(), std::vector<Bytes>{counting(2000)});
 }
 
 TEST_P(CommunicationManagerTest, ARequestAfterADisconnectWritesNothing) {
     ASSERT_TRUE(manager.connect("", ""));
     manager.disconnect();
-    manager.sendRequest({0x55});
+    send({0x55});
     EXPECT_TRUE(hid.writes().empty());
 }
 

@@ -14,11 +14,10 @@ import sys
 
 FLOORS = {
     "src/driver": ("driver/", "hidapi"),
-    "src/protocol": ("protocol/", "driver/CommunicationManager.hpp"),
+    "src/protocol": ("protocol/", "driver/CommunicationManager.hpp", "driver/Message.hpp"),
     "src/sdk": (
         "sdk/",
         "protocol/CommandCode.hpp",
-        "protocol/Link.hpp",
         "protocol/RequestGate.hpp",
         "protocol/ResponseFrame.hpp",
         # Read errors are told through the link, past the encoders.

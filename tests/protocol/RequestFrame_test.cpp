@@ -3,8 +3,6 @@
 
 #include "protocol/RequestFrame.hpp"
 
-#include <type_traits>
-
 #include <gtest/gtest.h>
 
 namespace {
@@ -12,7 +10,12 @@ namespace {
 using Bytes = std::vector<uint8_t>;
 
 Bytes contentOf(const RequestFrame& frame) {
-    return Bytes(frame.data(), frame.data() + frame.size());
+    const Message& message = frame.message();
+    Bytes bytes(message.head.begin(),
+                message.head.begin() + static_cast<std::ptrdiff_t>(message.headSize));
+    bytes.insert(bytes.end(), message.data, message.data + message.dataSize);
+    EXPECT_EQ(message.size(), bytes.size());
+    return bytes;
 }
 
 TEST(RequestFrame, TheIdentifierAndTheCommandCodeComeFirstInLittleEndianOrder) {
@@ -21,13 +24,14 @@ TEST(RequestFrame, TheIdentifierAndTheCommandCodeComeFirstInLittleEndianOrder) {
 }
 
 TEST(RequestFrame, FieldsFollowInTheOrderOfTheCallsInLittleEndianOrder) {
+    const Bytes data{0xAA, 0xBB};
     EXPECT_EQ(contentOf(RequestFrame(1, CommandCode::EnterBootMode)
                             .u8(0x01)
                             .u16(0x0203)
                             .u32(0x04050607)
                             .flag(true)
                             .flag(false)
-                            .bytes({0xAA, 0xBB})),
+                            .bytes(data)),
               (Bytes{0x01, 0x00, 0x02, 0x04, 0x01, 0x03, 0x02, 0x07, 0x06, 0x05, 0x04, 0x01, 0x00,
                      0xAA, 0xBB}));
 }
@@ -54,55 +58,18 @@ TEST(RequestFrame, ASubAddressIsFilledUpToFourBytes) {
     EXPECT_EQ(fieldOf({0xA1, 0xA2, 0xA3, 0xA4}), (Bytes{0xA1, 0xA2, 0xA3, 0xA4}));
 }
 
-/// A frame of @p size bytes, in which four of them stand before the data.
-Bytes expectedFrame(size_t size) {
-    Bytes bytes{0x01, 0x00, 0x04, 0x09};
-    bytes.insert(bytes.end(), size - 4, 0x5A);
-    return bytes;
+TEST(RequestFrame, TheHeaderIsTheFirstFourBytesInLittleEndianOrder) {
+    EXPECT_EQ(RequestFrame(0x1234, CommandCode::SpiTransfer).u8(0xFF).header(), 0x0D041234U);
 }
 
-TEST(RequestFrame, AFrameOfUpTo64BytesLiesInTheObject) {
-    for (const size_t size : {4U, 63U, 64U}) {
-        RequestFrame frame(1, CommandCode::I2cWrite);
-        frame.bytes(Bytes(size - 4, 0x5A));
-        EXPECT_EQ(contentOf(frame), expectedFrame(size));
-        const auto* const object = reinterpret_cast<const uint8_t*>(&frame);
-        EXPECT_GE(frame.data(), object);
-        EXPECT_LE(frame.data() + size, object + sizeof(frame));
-    }
-}
-
-TEST(RequestFrame, ALongerFrameIsWhole) {
-    for (const size_t size : {65U, 1000U, 65'549U}) {
-        RequestFrame frame(1, CommandCode::I2cWrite);
-        frame.bytes(Bytes(size - 4, 0x5A));
-        EXPECT_TRUE(contentOf(frame) == expectedFrame(size)) << size;
-    }
-}
-
-TEST(RequestFrame, AFrameGrowsFieldByField) {
+TEST(RequestFrame, DataFollowsTheFieldsAndIsNotCopied) {
+    const Bytes data(65'535, 0x5A);
     RequestFrame frame(1, CommandCode::I2cWrite);
-    for (size_t size = 4; size < 200; ++size) {
-        EXPECT_EQ(contentOf(frame), expectedFrame(size));
-        frame.u8(0x5A);
-    }
-}
-
-TEST(RequestFrame, AFrameOfAnnouncedSizeIsAllocatedOnce) {
-    RequestFrame frame(1, CommandCode::I2cWrite, 1000);
-    frame.bytes(Bytes(61, 0x5A));
-    const uint8_t* const before = frame.data();
-    for (size_t size = 65; size < 1004; ++size) {
-        frame.u8(0x5A);
-    }
-    EXPECT_EQ(frame.data(), before);
-    EXPECT_EQ(contentOf(frame), expectedFrame(1004));
-}
-
-TEST(RequestFrame, AFrameIsMovedAndNeverCopied) {
-    EXPECT_FALSE(std::is_copy_constructible_v<RequestFrame>);
-    EXPECT_FALSE(std::is_copy_assignable_v<RequestFrame>);
-    EXPECT_TRUE(std::is_nothrow_move_constructible_v<RequestFrame>);
+    frame.u8(0x01).bytes(data);
+    Bytes expected{0x01, 0x00, 0x04, 0x09, 0x01};
+    expected.insert(expected.end(), data.begin(), data.end());
+    EXPECT_TRUE(contentOf(frame) == expected);
+    EXPECT_EQ(frame.message().data, data.data());
 }
 
 } // namespace

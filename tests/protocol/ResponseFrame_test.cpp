@@ -20,6 +20,12 @@ TEST(ResponseFrame, IdentifierCommandCodeAndStatusAreLittleEndian) {
     EXPECT_EQ(frame.status(), 0xABCD);
 }
 
+TEST(ResponseFrame, TheHeaderIsTheFirstFourBytesInLittleEndianOrder) {
+    const Bytes bytes{0x34, 0x12, 0x07, 0x04, 0xCD, 0xAB};
+    EXPECT_EQ(ResponseFrame(bytes).header(), 0x04071234U);
+    EXPECT_EQ(ResponseFrame(bytes.data(), 3).header(), 0x00071234U);
+}
+
 TEST(ResponseFrame, ValuesAreReadInEitherByteOrder) {
     const Bytes bytes{0x01, 0x02, 0xFF};
     const ResponseFrame frame(bytes);
@@ -63,6 +69,15 @@ TEST(ResponseFrame, ACopyReplacesWhatWasThere) {
     EXPECT_EQ(copy, (Bytes{0x02, 0x03}));
     ResponseFrame(bytes).copyTo(copy, 1, 0);
     EXPECT_TRUE(copy.empty());
+}
+
+TEST(ResponseFrame, AWholeCopyIsTheFrameWhateverWasThere) {
+    const Bytes bytes{0x01, 0x02, 0x03};
+    for (const size_t before : {0U, 3U, 5U}) {
+        Bytes copy(before, 0xEE);
+        ResponseFrame(bytes).copyTo(copy);
+        EXPECT_EQ(copy, bytes);
+    }
 }
 
 TEST(ResponseFrame, ACopyPastTheEndIsFilledWithZeros) {

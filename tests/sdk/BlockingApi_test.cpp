@@ -5,111 +5,92 @@
 
 #include "support/ScriptedHid.hpp"
 
-#include <functional>
 #include <future>
 #include <limits>
 #include <thread>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 namespace {
 
 constexpr int patientMs = test_support::generousLimitMs;
+constexpr uint16_t noResponse = 0x2000;
 
-TEST(BlockingApi, ARequestThatIsNotSentIsNotWaitedFor) {
+/// Hands a response of this status to whoever waits.
+void respond(BlockingApi& blocking, uint8_t status) {
+    const std::vector<uint8_t> frame{0x01, 0x00, 0x02, 0x03, status, 0x00};
+    blocking.respond(ResponseFrame(frame));
+}
+
+/// The status of the response that ends the wait.
+uint16_t await(BlockingApi& blocking) {
+    const auto status = [](const ResponseFrame& response) { return response.status(); };
+    return blocking.await(BlockingApi::Judge(status));
+}
+
+TEST(BlockingApi, WhatIsMadeOfTheResponseIsTheResult) {
     BlockingApi blocking(BlockingApi::noTimeout);
-    EXPECT_FALSE(blocking.execute([] { return false; }));
-}
-
-TEST(BlockingApi, ARequestThatIsNotSentLeavesAPendingResponsePending) {
-    BlockingApi blocking(0);
-    blocking.notifyResponseReceived();
-    EXPECT_FALSE(blocking.execute([] { return false; }));
-    EXPECT_TRUE(blocking.waitForResponse());
-}
-
-TEST(BlockingApi, AnEmptyRequestIsABadFunctionCall) {
-    BlockingApi blocking(BlockingApi::noTimeout);
-    EXPECT_THROW(blocking.execute(std::function<bool()>()), std::bad_function_call);
-}
-
-TEST(BlockingApi, AResponseDuringTheRequestEndsTheWait) {
-    for (const int timeoutMs : {-1, 0, patientMs}) {
-        BlockingApi blocking(timeoutMs);
-        EXPECT_TRUE(blocking.execute([&] {
-            blocking.notifyResponseReceived();
-            return true;
-        })) << timeoutMs;
-    }
+    respond(blocking, 0x34);
+    const auto judge = [](const ResponseFrame& response) -> uint16_t {
+        EXPECT_EQ(response.header(), 0x03020001U);
+        EXPECT_EQ(response.status(), 0x0034);
+        return 0xABCD;
+    };
+    EXPECT_EQ(blocking.await(BlockingApi::Judge(judge)), 0xABCD);
 }
 
 TEST(BlockingApi, AResponseFromAnotherThreadEndsTheWait) {
     for (const int timeoutMs : {-1, patientMs, std::numeric_limits<int>::max()}) {
         BlockingApi blocking(timeoutMs);
-        std::thread other;
-        EXPECT_TRUE(blocking.execute([&] {
-            other = std::thread([&] { blocking.notifyResponseReceived(); });
-            return true;
-        })) << timeoutMs;
+        std::thread other([&] { respond(blocking, 0x34); });
+        EXPECT_EQ(await(blocking), 0x34) << timeoutMs;
         other.join();
     }
 }
 
 TEST(BlockingApi, WithoutATimeOutTheWaitEndsWithTheResponseOnly) {
     BlockingApi blocking(BlockingApi::noTimeout);
-    auto waiting = std::async(std::launch::async, [&] { return blocking.waitForResponse(); });
+    auto waiting = std::async(std::launch::async, [&] { return await(blocking); });
     EXPECT_EQ(waiting.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
-    blocking.notifyResponseReceived();
-    EXPECT_TRUE(waiting.get());
+    respond(blocking, 0x34);
+    EXPECT_EQ(waiting.get(), 0x34);
 }
 
 TEST(BlockingApi, ZeroAndNegativeTimeOutsButMinusOneDoNotWait) {
     for (const int timeoutMs : {0, -2, -1000, std::numeric_limits<int>::min()}) {
         BlockingApi blocking(timeoutMs);
-        EXPECT_FALSE(blocking.waitForResponse()) << timeoutMs;
-        blocking.notifyResponseReceived();
-        EXPECT_TRUE(blocking.waitForResponse()) << timeoutMs;
+        EXPECT_EQ(await(blocking), noResponse) << timeoutMs;
+        respond(blocking, 0x34);
+        EXPECT_EQ(await(blocking), 0x34) << timeoutMs;
     }
 }
 
 TEST(BlockingApi, AWaitEndsAtItsTimeOut) {
     BlockingApi blocking(20);
-    EXPECT_FALSE(blocking.waitForResponse());
+    EXPECT_EQ(await(blocking), noResponse);
 }
 
 TEST(BlockingApi, AResponseIsConsumedByOneWait) {
     BlockingApi blocking(0);
-    blocking.notifyResponseReceived();
-    EXPECT_TRUE(blocking.waitForResponse());
-    EXPECT_FALSE(blocking.waitForResponse());
+    respond(blocking, 0x34);
+    EXPECT_EQ(await(blocking), 0x34);
+    EXPECT_EQ(await(blocking), noResponse);
 }
 
-TEST(BlockingApi, ResponsesThatNobodyWaitsForCountOnce) {
+TEST(BlockingApi, OfResponsesThatNobodyWaitsForTheLastCounts) {
     BlockingApi blocking(0);
-    blocking.notifyResponseReceived();
-    blocking.notifyResponseReceived();
-    EXPECT_TRUE(blocking.waitForResponse());
-    EXPECT_FALSE(blocking.waitForResponse());
+    respond(blocking, 0x34);
+    respond(blocking, 0x35);
+    EXPECT_EQ(await(blocking), 0x35);
+    EXPECT_EQ(await(blocking), noResponse);
 }
 
 TEST(BlockingApi, AResponseAfterTheTimeOutCompletesTheNextWait) {
     BlockingApi blocking(1);
-    EXPECT_FALSE(blocking.execute([] { return true; }));
-    blocking.notifyResponseReceived();
-    EXPECT_TRUE(blocking.execute([] { return true; }));
-}
-
-TEST(BlockingApi, ANewTimeOutTakesEffectAtTheNextWait) {
-    BlockingApi blocking(BlockingApi::noTimeout);
-    blocking.setTimeout(0);
-    EXPECT_FALSE(blocking.waitForResponse());
-    blocking.setTimeout(patientMs);
-    std::thread other;
-    EXPECT_TRUE(blocking.execute([&] {
-        other = std::thread([&] { blocking.notifyResponseReceived(); });
-        return true;
-    }));
-    other.join();
+    EXPECT_EQ(await(blocking), noResponse);
+    respond(blocking, 0x34);
+    EXPECT_EQ(await(blocking), 0x34);
 }
 
 } // namespace

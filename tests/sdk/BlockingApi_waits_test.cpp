@@ -26,6 +26,17 @@ constexpr int farOffMs = std::numeric_limits<int>::max();
 /// What a wait returns that did not time out.
 constexpr int woken = 0;
 
+void respond(BlockingApi& blocking) {
+    const std::vector<uint8_t> frame{0x01, 0x00, 0x02, 0x03, 0x00, 0x00};
+    blocking.respond(ResponseFrame(frame));
+}
+
+/// Whether a response ends the wait.
+bool await(BlockingApi& blocking) {
+    const auto status = [](const ResponseFrame& response) { return response.status(); };
+    return blocking.await(BlockingApi::Judge(status)) == 0;
+}
+
 TEST(BlockingApiWaits, AResponseThatIsPendingIsNotWaitedFor) {
     const ConditionWait never([](const auto&) {
         ADD_FAILURE() << "a wait";
@@ -33,8 +44,8 @@ TEST(BlockingApiWaits, AResponseThatIsPendingIsNotWaitedFor) {
     });
     for (const int timeoutMs : {BlockingApi::noTimeout, 0, farOffMs}) {
         BlockingApi blocking(timeoutMs);
-        blocking.notifyResponseReceived();
-        EXPECT_TRUE(blocking.waitForResponse()) << timeoutMs;
+        respond(blocking);
+        EXPECT_TRUE(await(blocking)) << timeoutMs;
     }
 }
 
@@ -44,11 +55,11 @@ TEST(BlockingApiWaits, ASpuriousWakeUpEndsNoWait) {
         int waits = 0;
         const ConditionWait spurious([&](const auto& call) {
             if (++waits == 3) {
-                call.unlocked([&] { blocking.notifyResponseReceived(); });
+                call.unlocked([&] { respond(blocking); });
             }
             return woken;
         });
-        EXPECT_TRUE(blocking.waitForResponse()) << timeoutMs;
+        EXPECT_TRUE(await(blocking)) << timeoutMs;
         EXPECT_EQ(waits, 3) << timeoutMs;
     }
 }
@@ -59,11 +70,11 @@ TEST(BlockingApiWaits, ASpuriousWakeUpLeavesTheDeadlineAsItIs) {
     const ConditionWait spurious([&](const auto& call) {
         deadlines.push_back(call.deadline);
         if (deadlines.size() == 3) {
-            call.unlocked([&] { blocking.notifyResponseReceived(); });
+            call.unlocked([&] { respond(blocking); });
         }
         return woken;
     });
-    EXPECT_TRUE(blocking.waitForResponse());
+    EXPECT_TRUE(await(blocking));
     ASSERT_EQ(deadlines.size(), 3U);
     EXPECT_EQ(deadlines, std::vector(3, deadlines.front()));
 }
@@ -79,10 +90,10 @@ TEST(BlockingApiWaits, ATimeOutCountsFromTheBeginningOfTheWaitByTheSteadyClock) 
             EXPECT_EQ(call.clock, CLOCK_MONOTONIC);
             EXPECT_GE(call.deadline, before + milliseconds(timeoutMs));
             EXPECT_LE(call.deadline, after + milliseconds(timeoutMs));
-            call.unlocked([&] { blocking.notifyResponseReceived(); });
+            call.unlocked([&] { respond(blocking); });
             return woken;
         });
-        EXPECT_TRUE(blocking.waitForResponse()) << timeoutMs;
+        EXPECT_TRUE(await(blocking)) << timeoutMs;
     }
 }
 
@@ -90,10 +101,10 @@ TEST(BlockingApiWaits, WithoutATimeOutNoClockLimitsTheWait) {
     BlockingApi blocking(BlockingApi::noTimeout);
     const ConditionWait answered([&](const auto& call) {
         EXPECT_EQ(call.clock, std::nullopt);
-        call.unlocked([&] { blocking.notifyResponseReceived(); });
+        call.unlocked([&] { respond(blocking); });
         return woken;
     });
-    EXPECT_TRUE(blocking.waitForResponse());
+    EXPECT_TRUE(await(blocking));
 }
 
 TEST(BlockingApiWaits, AResponseThatArrivesAsTheTimeOutPassesCounts) {
@@ -101,10 +112,10 @@ TEST(BlockingApiWaits, AResponseThatArrivesAsTheTimeOutPassesCounts) {
     const ConditionWait tooLate([&](const auto& call) {
         while (call.wait() != ETIMEDOUT) {
         }
-        call.unlocked([&] { blocking.notifyResponseReceived(); });
+        call.unlocked([&] { respond(blocking); });
         return ETIMEDOUT;
     });
-    EXPECT_TRUE(blocking.waitForResponse());
+    EXPECT_TRUE(await(blocking));
 }
 
 } // namespace

@@ -11,14 +11,21 @@ using Stage = Outstanding::Stage;
 
 class OutstandingTest : public testing::Test {
 protected:
-    /// Takes a place, as the operation with this identifier.
+    static constexpr size_t maxSizeInOneReport = 62;
+
+    /// Takes a place, as a small operation with this identifier.
     Outstanding::Slot& take(uint16_t id, Stage stage = Stage::Preparing) {
         Outstanding::Slot* const slot = outstanding.findFree(Outstanding::maxOverlap);
         slot->stage = stage;
         slot->transactionId = id;
-        slot->turn = id;
-        slot->command = CommandCode::I2cRead;
+        slot->header = 0x09050000U + id;
+        slot->requestSize = 512;
+        slot->maxAnswerSize = maxSizeInOneReport;
         return *slot;
+    }
+
+    bool mayGo(const Outstanding::Slot& slot) {
+        return outstanding.mayGo(slot, maxSizeInOneReport);
     }
 
     Outstanding outstanding;
@@ -32,71 +39,66 @@ TEST_F(OutstandingTest, ThereAreAsManyPlacesAsMayOverlap) {
     take(2, Stage::OnWire);
     take(3, Stage::Answered);
     EXPECT_EQ(outstanding.findFree(3), nullptr);
-    take(4, Stage::Over);
+    take(4);
     EXPECT_EQ(outstanding.findFree(4), nullptr);
 }
 
-TEST_F(OutstandingTest, AnIdentifierIsFoundUntilItsPlaceIsFree) {
-    EXPECT_EQ(outstanding.find(0), nullptr);
+TEST_F(OutstandingTest, AnIdentifierIsTakenUntilItsPlaceIsFree) {
+    EXPECT_FALSE(outstanding.has(0));
     Outstanding::Slot& slot = take(7);
-    for (const Stage stage : {Stage::Preparing, Stage::OnWire, Stage::Answered, Stage::Over}) {
+    for (const Stage stage : {Stage::Preparing, Stage::OnWire, Stage::Answered}) {
         slot.stage = stage;
-        EXPECT_EQ(outstanding.find(7), &slot);
+        EXPECT_TRUE(outstanding.has(7));
+        EXPECT_FALSE(outstanding.has(8));
     }
     slot.stage = Stage::Free;
-    EXPECT_EQ(outstanding.find(7), nullptr);
+    EXPECT_FALSE(outstanding.has(7));
 }
 
 TEST_F(OutstandingTest, SmallRequestsGoBesideEachOther) {
     take(1, Stage::OnWire);
-    EXPECT_TRUE(outstanding.mayGo(take(2)));
+    EXPECT_TRUE(mayGo(take(2)));
 }
 
-TEST_F(OutstandingTest, ARequestThatGoesAloneWaitsForThoseOnTheWire) {
+TEST_F(OutstandingTest, ALongRequestAndALongAnswerGoAlone) {
     Outstanding::Slot& small = take(1, Stage::OnWire);
-    Outstanding::Slot& large = take(2);
-    large.goesAlone = true;
-    EXPECT_FALSE(outstanding.mayGo(large));
-    for (const Stage stage : {Stage::Answered, Stage::Over, Stage::Free}) {
-        small.stage = stage;
-        EXPECT_TRUE(outstanding.mayGo(large));
+    Outstanding::Slot& longRequest = take(2);
+    longRequest.requestSize = 513;
+    Outstanding::Slot& longAnswer = take(3);
+    longAnswer.maxAnswerSize = maxSizeInOneReport + 1;
+    for (const Outstanding::Slot* const large : {&longRequest, &longAnswer}) {
+        small.stage = Stage::OnWire;
+        EXPECT_FALSE(mayGo(*large));
+        for (const Stage stage : {Stage::Preparing, Stage::Answered, Stage::Free}) {
+            small.stage = stage;
+            EXPECT_TRUE(mayGo(*large));
+        }
     }
 }
 
 TEST_F(OutstandingTest, NothingGoesBesideARequestThatGoesAlone) {
     Outstanding::Slot& large = take(1, Stage::OnWire);
-    large.goesAlone = true;
+    large.requestSize = 513;
     const Outstanding::Slot& small = take(2);
-    EXPECT_FALSE(outstanding.mayGo(small));
+    EXPECT_FALSE(mayGo(small));
     large.stage = Stage::Answered;
-    EXPECT_TRUE(outstanding.mayGo(small));
+    EXPECT_TRUE(mayGo(small));
 }
 
-TEST_F(OutstandingTest, RequestsGoInTheOrderOfTheirTurns) {
-    Outstanding::Slot& first = take(1);
-    Outstanding::Slot& second = take(2);
-    EXPECT_TRUE(outstanding.mayGo(first));
-    EXPECT_FALSE(outstanding.mayGo(second));
-    first.stage = Stage::OnWire;
-    EXPECT_TRUE(outstanding.mayGo(second));
-}
-
-TEST_F(OutstandingTest, OnlyAnOperationOnTheWireIsAnsweredAndOnlyOnce) {
-    const std::vector<uint8_t> response{0x07, 0x00, 0x05, 0x09, 0x34, 0x12};
+TEST_F(OutstandingTest, OnlyAnOperationOnTheWireAwaitsAResponse) {
     Outstanding::Slot& slot = take(7);
-    EXPECT_FALSE(outstanding.answer(response));
+    for (const Stage stage : {Stage::Preparing, Stage::Answered, Stage::Free}) {
+        slot.stage = stage;
+        EXPECT_EQ(outstanding.findAwaiting(0x09050007), nullptr);
+    }
     slot.stage = Stage::OnWire;
-    EXPECT_TRUE(outstanding.answer(response));
-    EXPECT_EQ(slot.stage, Stage::Answered);
-    EXPECT_EQ(slot.response, response);
-    EXPECT_FALSE(outstanding.answer({0x07, 0x00, 0x05, 0x09, 0x00, 0x00}));
-    EXPECT_EQ(slot.response, response);
+    EXPECT_EQ(outstanding.findAwaiting(0x09050007), &slot);
 }
 
-TEST_F(OutstandingTest, AResponseOfAnotherOperationOrCommandAnswersNobody) {
+TEST_F(OutstandingTest, NobodyAwaitsTheResponseOfAnotherOperationOrCommand) {
     take(7, Stage::OnWire);
-    EXPECT_FALSE(outstanding.answer({0x08, 0x00, 0x05, 0x09, 0x00, 0x00}));
-    EXPECT_FALSE(outstanding.answer({0x07, 0x00, 0x04, 0x09, 0x00, 0x00}));
+    EXPECT_EQ(outstanding.findAwaiting(0x09050008), nullptr);
+    EXPECT_EQ(outstanding.findAwaiting(0x09040007), nullptr);
 }
 
 } // namespace
