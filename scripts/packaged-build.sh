@@ -1,7 +1,9 @@
 # SPDX-FileCopyrightText: 2026 The libveltrasdk authors
 # SPDX-License-Identifier: MIT
 # shellcheck shell=bash
-# The compiler flags of the packages; what is measured is built with them too.
+# The build of the packages; what is measured, and what runs in the virtual machine, is built in it too.
+
+packagedBuild=build/package
 
 # Exports Debian's own flags, hardened, and what later releases of Debian add to them. CMake knows no
 # CPPFLAGS. The name of this directory, which may hold spaces, stays out of the result, also where a
@@ -18,4 +20,10 @@ exportCompilerFlags() {
         arm64) added+=" -mbranch-protection=standard" ;;
     esac
     export CFLAGS="$CFLAGS $added" CXXFLAGS="$CXXFLAGS $added"
+}
+
+# configurePackaged OPTION...: configures that build as it is, or as the options change it.
+configurePackaged() {
+    exportCompilerFlags
+    cmake -S . -B "$packagedBuild" -G Ninja -D CMAKE_BUILD_TYPE=RelWithDebInfo -D CMAKE_INSTALL_PREFIX=/usr "$@"
 }
