@@ -2,41 +2,34 @@
 // SPDX-License-Identifier: MIT
 
 // What the queries among the Common Command Codes make of their replies.
-#include "support/SdkTest.hpp"
+#include "support/CccQueryTest.hpp"
+
+using namespace test_support;
 
 namespace {
 
-using test_support::Bytes;
-using test_support::untouchedByte;
-using test_support::untouchedWord;
-
-using I3cCccRepliesTest = test_support::SdkTest;
+using I3cCccRepliesTest = CccQueryTest;
 INSTANTIATE_IN_BOTH_MODES(I3cCccRepliesTest);
 
 constexpr auto write = I3cTransferDirection_Write;
 constexpr auto read = I3cTransferDirection_Read;
 
 TEST_P(I3cCccRepliesTest, GETPIDReturnsTheSixBytesInBusOrder) {
-    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x06, 0x8D, 0x00},
-           {0x43, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0xEE, 0xEE, 0xEE, 0x06, 0x04, 0x6A,
-            0x12, 0x34, 0x56, 0x78});
+    onQuery(getPid, 0, 6, {0x04, 0x6A, 0x12, 0x34, 0x56, 0x78});
     Bytes pid(9, 0xFF);
     EXPECT_EQ(sdk().i3cCccGETPID(0x30, pid), 0);
     EXPECT_EQ(pid, (Bytes{0x04, 0x6A, 0x12, 0x34, 0x56, 0x78}));
 }
 
 TEST_P(I3cCccRepliesTest, GETPIDReturnsExactlyTheCountedBytesEvenIfFewerThanSix) {
-    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x06, 0x8D, 0x00},
-           {0x43, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x00, 0x00, 0x00, 0x02, 0x04, 0x6A,
-            0x12, 0x34, 0x56, 0x78});
+    onQuery(getPid, 0, 2, {0x04, 0x6A, 0x12, 0x34, 0x56, 0x78});
     Bytes pid(9, 0xFF);
     EXPECT_EQ(sdk().i3cCccGETPID(0x30, pid), 0);
     EXPECT_EQ(pid, (Bytes{0x04, 0x6A}));
 }
 
 TEST_P(I3cCccRepliesTest, ACountOfZeroEmptiesTheVectorWhateverTheStatus) {
-    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x06, 0x8D, 0x00},
-           {0x2B, 0x00, 0x01, 0x00, 0x09, 0x19, 0x34, 0x12, 0x00, 0x00, 0x00, 0x00});
+    onQuery(getPid, 0x1234, 0, {});
     Bytes pid(9, 0xFF);
     EXPECT_EQ(sdk().i3cCccGETPID(0x30, pid), 0x1234);
     EXPECT_TRUE(pid.empty());
@@ -54,8 +47,7 @@ TEST_P(I3cCccRepliesTest, AnyCodeIsSentAsGivenAndItsReplyReplacesTheVector) {
 }
 
 TEST_P(I3cCccRepliesTest, AnyCodeIsSentWithItsDataAndItsDefiningByteOnlyWhereThereIsOne) {
-    onWire({0x2F, 0x00, 0x01, 0x00, 0x09, 0x19, 0x7E, 0x00, 0x02, 0x0B, 0x00, 0xD1, 0xD2},
-           {0x1B, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00});
+    onCommand(0, {0x2F, 0x00, 0x01, 0x00, 0x09, 0x19, 0x7E, 0x00, 0x02, 0x0B, 0x00, 0xD1, 0xD2});
     Bytes reply(9, 0xFF);
     EXPECT_EQ(sdk().i3cCccTransfer(0x7E, write, I3cTransferMode_Sdr, false,
                                    I3cCccType_WithoutDefiningByte, 2, CCC{0x0B}, 0x91, {0xD1, 0xD2},
@@ -89,41 +81,35 @@ TEST_P(I3cCccRepliesTest, ATruncatedReplyOfAnyCodeReadsAsZeros) {
 }
 
 TEST_P(I3cCccRepliesTest, GETBCRStoresByteTenWhateverTheCountAndTheStatus) {
-    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x01, 0x8E, 0x00},
-           {0x2F, 0x00, 0x01, 0x00, 0x09, 0x19, 0x34, 0x12, 0xEE, 0xEE, 0xEE, 0x00, 0x27});
+    onQuery(getBcr, 0x1234, 0, {0x27});
     uint8_t bcr = untouchedByte;
     EXPECT_EQ(sdk().i3cCccGETBCR(0x30, bcr), 0x1234);
     EXPECT_EQ(bcr, 0x27);
 }
 
 TEST_P(I3cCccRepliesTest, GETDCRStoresByteTenWhateverTheCountAndTheStatus) {
-    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x01, 0x8F, 0x00},
-           {0x2F, 0x00, 0x01, 0x00, 0x09, 0x19, 0x34, 0x12, 0xEE, 0xEE, 0xEE, 0x00, 0x63});
+    onQuery(getDcr, 0x1234, 0, {0x63});
     uint8_t dcr = untouchedByte;
     EXPECT_EQ(sdk().i3cCccGETDCR(0x30, dcr), 0x1234);
     EXPECT_EQ(dcr, 0x63);
 }
 
 TEST_P(I3cCccRepliesTest, GETMWLTakesTheMostSignificantByteFirst) {
-    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x02, 0x8B, 0x00},
-           {0x33, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0xEE, 0xEE, 0xEE, 0x02, 0x12, 0x34});
+    onQuery(getMwl, 0, 2, {0x12, 0x34});
     uint16_t mwl = untouchedWord;
     EXPECT_EQ(sdk().i3cCccGETMWL(0x30, mwl), 0);
     EXPECT_EQ(mwl, 0x12 * 256 + 0x34);
 }
 
 TEST_P(I3cCccRepliesTest, GETMWLStoresItsValueWhateverTheCountAndTheStatus) {
-    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x02, 0x8B, 0x00},
-           {0x33, 0x00, 0x01, 0x00, 0x09, 0x19, 0x34, 0x12, 0x00, 0x00, 0x00, 0x00, 0x12, 0x34});
+    onQuery(getMwl, 0x1234, 0, {0x12, 0x34});
     uint16_t mwl = untouchedWord;
     EXPECT_EQ(sdk().i3cCccGETMWL(0x30, mwl), 0x1234);
     EXPECT_EQ(mwl, 0x1234);
 }
 
 TEST_P(I3cCccRepliesTest, GETMRLOfTwoBytesYields256AndNoIbiPayloadSize) {
-    onWire(
-        {0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x03, 0x8C, 0x00},
-        {0x37, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x00, 0x00, 0x00, 0x02, 0x01, 0x00, 0x08});
+    onQuery(getMrl, 0, 2, {0x01, 0x00, 0x08});
     uint16_t mrl = untouchedWord;
     std::optional<uint8_t> ibiPayloadSize = untouchedByte;
     EXPECT_EQ(sdk().i3cCccGETMRL(0x30, mrl, ibiPayloadSize), 0);
@@ -132,9 +118,7 @@ TEST_P(I3cCccRepliesTest, GETMRLOfTwoBytesYields256AndNoIbiPayloadSize) {
 }
 
 TEST_P(I3cCccRepliesTest, GETMRLOfThreeBytesYields64AndAnIbiPayloadSizeOfEight) {
-    onWire(
-        {0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x03, 0x8C, 0x00},
-        {0x37, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x00, 0x00, 0x00, 0x03, 0x00, 0x40, 0x08});
+    onQuery(getMrl, 0, 3, {0x00, 0x40, 0x08});
     uint16_t mrl = untouchedWord;
     std::optional<uint8_t> ibiPayloadSize;
     EXPECT_EQ(sdk().i3cCccGETMRL(0x30, mrl, ibiPayloadSize), 0);
@@ -143,12 +127,8 @@ TEST_P(I3cCccRepliesTest, GETMRLOfThreeBytesYields64AndAnIbiPayloadSizeOfEight) 
 }
 
 TEST_P(I3cCccRepliesTest, GETMRLOfAnyOtherLengthYieldsNoIbiPayloadSize) {
-    uint8_t id = 0;
     for (const uint8_t count : Bytes{0, 1, 4, 255}) {
-        ++id;
-        onWire({0x27, 0x00, id, 0x00, 0x09, 0x19, 0x30, 0x01, 0x03, 0x8C, 0x00},
-               {0x37, 0x00, id, 0x00, 0x09, 0x19, 0x00, 0x00, 0x00, 0x00, 0x00, count, 0x00, 0x40,
-                0x08});
+        onQuery(getMrl, 0, count, {0x00, 0x40, 0x08});
         uint16_t mrl = untouchedWord;
         std::optional<uint8_t> ibiPayloadSize = untouchedByte;
         EXPECT_EQ(sdk().i3cCccGETMRL(0x30, mrl, ibiPayloadSize), 0);
@@ -158,9 +138,7 @@ TEST_P(I3cCccRepliesTest, GETMRLOfAnyOtherLengthYieldsNoIbiPayloadSize) {
 }
 
 TEST_P(I3cCccRepliesTest, GETMRLStoresItsOutputsWhateverTheStatus) {
-    onWire(
-        {0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x03, 0x8C, 0x00},
-        {0x37, 0x00, 0x01, 0x00, 0x09, 0x19, 0x34, 0x12, 0x00, 0x00, 0x00, 0x03, 0x12, 0x34, 0x56});
+    onQuery(getMrl, 0x1234, 3, {0x12, 0x34, 0x56});
     uint16_t mrl = untouchedWord;
     std::optional<uint8_t> ibiPayloadSize;
     EXPECT_EQ(sdk().i3cCccGETMRL(0x30, mrl, ibiPayloadSize), 0x1234);
@@ -169,30 +147,24 @@ TEST_P(I3cCccRepliesTest, GETMRLStoresItsOutputsWhateverTheStatus) {
 }
 
 TEST_P(I3cCccRepliesTest, GETCAPSWithoutDefiningByteAndWithZeroDifferInTheControlByte) {
-    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x04, 0x95, 0x00},
-           {0x33, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x00, 0x00, 0x00, 0x02, 0xC1, 0xC2});
+    onQuery(getCaps, 0, 2, {0xC1, 0xC2});
     Bytes capabilities(9, 0xFF);
     EXPECT_EQ(sdk().i3cCccGETCAPS(0x30, capabilities, std::nullopt), 0);
     EXPECT_EQ(capabilities, (Bytes{0xC1, 0xC2}));
-    onWire({0x27, 0x00, 0x02, 0x00, 0x09, 0x19, 0x30, 0x11, 0x04, 0x95, 0x00},
-           {0x3B, 0x00, 0x02, 0x00, 0x09, 0x19, 0x34, 0x12, 0x00, 0x00, 0x00, 0x04, 0xC1, 0xC2,
-            0xC3, 0xC4});
+    onQuery(getCapsOfZero, 0x1234, 4, {0xC1, 0xC2, 0xC3, 0xC4});
     EXPECT_EQ(sdk().i3cCccGETCAPS(0x30, capabilities, uint8_t{0}), 0x1234);
     EXPECT_EQ(capabilities, (Bytes{0xC1, 0xC2, 0xC3, 0xC4}));
 }
 
 TEST_P(I3cCccRepliesTest, GETSTATUSReturnsTheCountedBytesWhateverTheStatus) {
-    onWire(
-        {0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x11, 0x02, 0x90, 0x91},
-        {0x37, 0x00, 0x01, 0x00, 0x09, 0x19, 0x34, 0x12, 0x00, 0x00, 0x00, 0x03, 0xD1, 0xD2, 0xD3});
+    onQuery(getStatusOf0x91, 0x1234, 3, {0xD1, 0xD2, 0xD3});
     Bytes status;
     EXPECT_EQ(sdk().i3cCccGETSTATUS(0x30, status, uint8_t{0x91}), 0x1234);
     EXPECT_EQ(status, (Bytes{0xD1, 0xD2, 0xD3}));
 }
 
 TEST_P(I3cCccRepliesTest, RSTACTAsAReadStoresByteTenWhateverTheCountAndTheStatus) {
-    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x11, 0x01, 0x9A, 0x81},
-           {0x2F, 0x00, 0x01, 0x00, 0x09, 0x19, 0x34, 0x12, 0x00, 0x00, 0x00, 0x00, 0x5A});
+    onQuery(readResetAction, 0x1234, 0, {0x5A});
     uint8_t reply = untouchedByte;
     EXPECT_EQ(
         sdk().i3cCccRSTACTDirect(0x30, I3cTargetResetDefByte_TimeToResetPeripheral, read, &reply),
@@ -201,16 +173,14 @@ TEST_P(I3cCccRepliesTest, RSTACTAsAReadStoresByteTenWhateverTheCountAndTheStatus
 }
 
 TEST_P(I3cCccRepliesTest, RSTACTAsAReadAcceptsANullReply) {
-    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x11, 0x01, 0x9A, 0x81},
-           {0x2F, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x00, 0x00, 0x00, 0x01, 0x5A});
+    onQuery(readResetAction, 0, 1, {0x5A});
     EXPECT_EQ(
         sdk().i3cCccRSTACTDirect(0x30, I3cTargetResetDefByte_TimeToResetPeripheral, read, nullptr),
         0);
 }
 
 TEST_P(I3cCccRepliesTest, RSTACTAsAWriteStoresNothing) {
-    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x10, 0x00, 0x9A, 0x01},
-           {0x2F, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x00, 0x00, 0x00, 0x01, 0x5A});
+    onQuery(writeResetAction, 0, 1, {0x5A});
     uint8_t reply = untouchedByte;
     EXPECT_EQ(sdk().i3cCccRSTACTDirect(0x30, I3cTargetResetDefByte_ResetPeripheral, write, &reply),
               0);
@@ -227,44 +197,33 @@ TEST_P(I3cCccRepliesTest, RSTACTInAnUnknownDirectionHasALengthOfOneAndStoresNoth
     EXPECT_EQ(reply, untouchedByte);
 }
 
-/// A reply of three bytes; a count of four makes the response shorter than what it announces.
-Bytes replyCounting(uint8_t count) {
-    return {0x01, 0x00, 0x09, 0x19, 0x34, 0x12, 0xEE, 0xEE, 0xEE, count, 0xA1, 0xA2, 0xA3};
-}
-
 TEST_P(I3cCccRepliesTest, ByteStringsHaveTheCountedSizeWhereverTheResponseEnds) {
-    struct Query {
-        Bytes request;
+    struct Case {
+        CccQuery query;
         uint16_t (*call)(VeltraSDK& sdk, Bytes& bytes);
     };
-    const Query queries[] = {
-        {{0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x06, 0x8D, 0x00},
-         [](VeltraSDK& sdk, Bytes& bytes) { return sdk.i3cCccGETPID(0x30, bytes); }},
-        {{0x0F, 0x00, 0x09, 0x19, 0x30, 0x01, 0x04, 0x95, 0x00},
+    const Case cases[] = {
+        {getPid, [](VeltraSDK& sdk, Bytes& bytes) { return sdk.i3cCccGETPID(0x30, bytes); }},
+        {getCaps,
          [](VeltraSDK& sdk, Bytes& bytes) { return sdk.i3cCccGETCAPS(0x30, bytes, std::nullopt); }},
-        {{0x1D, 0x00, 0x09, 0x19, 0x30, 0x01, 0x02, 0x90, 0x00},
-         [](VeltraSDK& sdk, Bytes& bytes) {
-             return sdk.i3cCccGETSTATUS(0x30, bytes, std::nullopt);
-         }},
+        {getStatus, [](VeltraSDK& sdk,
+                       Bytes& bytes) { return sdk.i3cCccGETSTATUS(0x30, bytes, std::nullopt); }},
     };
-    for (const Query& query : queries) {
-        Bytes reply = replyCounting(4);
-        reply[0] = query.request[0];
-        withEveryTruncation(query.request, reply, [&](const Bytes& received) {
+    constexpr uint8_t oneMoreThanCarried = 4;
+    for (const Case& each : cases) {
+        withEveryTruncatedReply(each.query, oneMoreThanCarried, [&](const Bytes& received) {
             Bytes expected(received.begin() + 10, received.end());
             expected.resize(received[9]);
             Bytes bytes(5, 0xFF);
-            EXPECT_EQ(query.call(sdk(), bytes), 0x1234);
+            EXPECT_EQ(each.call(sdk(), bytes), 0x1234);
             EXPECT_EQ(bytes, expected);
         });
     }
 }
 
 TEST_P(I3cCccRepliesTest, ACountOf255ReadsAsZeroBeyondTheResponse) {
-    onWire({0x27, 0x00, 0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x04, 0x95, 0x00},
-           {0x2F, 0x00, 0x01, 0x00, 0x09, 0x19, 0x00, 0x00, 0x00, 0x00, 0x00, 0xFF, 0xA1});
-    onWire({0x27, 0x00, 0x02, 0x00, 0x09, 0x19, 0x30, 0x01, 0x02, 0x90, 0x00},
-           {0x2F, 0x00, 0x02, 0x00, 0x09, 0x19, 0x00, 0x00, 0x00, 0x00, 0x00, 0xFF, 0xA1});
+    onQuery(getCaps, 0, 255, {0xA1});
+    onQuery(getStatus, 0, 255, {0xA1});
     Bytes expected(255);
     expected[0] = 0xA1;
     Bytes bytes;
@@ -276,54 +235,48 @@ TEST_P(I3cCccRepliesTest, ACountOf255ReadsAsZeroBeyondTheResponse) {
 }
 
 TEST_P(I3cCccRepliesTest, GETBCRReadsZeroWhereItsResponseEnds) {
-    withEveryTruncation({0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x01, 0x8E, 0x00}, replyCounting(1),
-                        [&](const Bytes& received) {
-                            uint8_t bcr = untouchedByte;
-                            EXPECT_EQ(sdk().i3cCccGETBCR(0x30, bcr), 0x1234);
-                            EXPECT_EQ(bcr, received[10]);
-                        });
+    withEveryTruncatedReply(getBcr, 1, [&](const Bytes& received) {
+        uint8_t bcr = untouchedByte;
+        EXPECT_EQ(sdk().i3cCccGETBCR(0x30, bcr), 0x1234);
+        EXPECT_EQ(bcr, received[10]);
+    });
 }
 
 TEST_P(I3cCccRepliesTest, GETDCRReadsZeroWhereItsResponseEnds) {
-    withEveryTruncation({0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x01, 0x8F, 0x00}, replyCounting(1),
-                        [&](const Bytes& received) {
-                            uint8_t dcr = untouchedByte;
-                            EXPECT_EQ(sdk().i3cCccGETDCR(0x30, dcr), 0x1234);
-                            EXPECT_EQ(dcr, received[10]);
-                        });
+    withEveryTruncatedReply(getDcr, 1, [&](const Bytes& received) {
+        uint8_t dcr = untouchedByte;
+        EXPECT_EQ(sdk().i3cCccGETDCR(0x30, dcr), 0x1234);
+        EXPECT_EQ(dcr, received[10]);
+    });
 }
 
 TEST_P(I3cCccRepliesTest, GETMWLReadsZeroWhereItsResponseEnds) {
-    withEveryTruncation({0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x02, 0x8B, 0x00}, replyCounting(2),
-                        [&](const Bytes& received) {
-                            uint16_t mwl = untouchedWord;
-                            EXPECT_EQ(sdk().i3cCccGETMWL(0x30, mwl), 0x1234);
-                            EXPECT_EQ(mwl, received[10] * 256 + received[11]);
-                        });
+    withEveryTruncatedReply(getMwl, 2, [&](const Bytes& received) {
+        uint16_t mwl = untouchedWord;
+        EXPECT_EQ(sdk().i3cCccGETMWL(0x30, mwl), 0x1234);
+        EXPECT_EQ(mwl, received[10] * 256 + received[11]);
+    });
 }
 
 TEST_P(I3cCccRepliesTest, GETMRLReadsZeroWhereItsResponseEnds) {
-    withEveryTruncation({0x01, 0x00, 0x09, 0x19, 0x30, 0x01, 0x03, 0x8C, 0x00}, replyCounting(3),
-                        [&](const Bytes& received) {
-                            uint16_t mrl = untouchedWord;
-                            std::optional<uint8_t> ibiPayloadSize = untouchedByte;
-                            EXPECT_EQ(sdk().i3cCccGETMRL(0x30, mrl, ibiPayloadSize), 0x1234);
-                            EXPECT_EQ(mrl, received[10] * 256 + received[11]);
-                            EXPECT_EQ(ibiPayloadSize.has_value(), received[9] == 3);
-                            EXPECT_EQ(ibiPayloadSize.value_or(received[12]), received[12]);
-                        });
+    withEveryTruncatedReply(getMrl, 3, [&](const Bytes& received) {
+        uint16_t mrl = untouchedWord;
+        std::optional<uint8_t> ibiPayloadSize = untouchedByte;
+        EXPECT_EQ(sdk().i3cCccGETMRL(0x30, mrl, ibiPayloadSize), 0x1234);
+        EXPECT_EQ(mrl, received[10] * 256 + received[11]);
+        EXPECT_EQ(ibiPayloadSize.has_value(), received[9] == 3);
+        EXPECT_EQ(ibiPayloadSize.value_or(received[12]), received[12]);
+    });
 }
 
 TEST_P(I3cCccRepliesTest, RSTACTReadsZeroWhereItsResponseEnds) {
-    withEveryTruncation(
-        {0x01, 0x00, 0x09, 0x19, 0x30, 0x11, 0x01, 0x9A, 0x81}, replyCounting(1),
-        [&](const Bytes& received) {
-            uint8_t reply = untouchedByte;
-            EXPECT_EQ(sdk().i3cCccRSTACTDirect(0x30, I3cTargetResetDefByte_TimeToResetPeripheral,
-                                               read, &reply),
-                      0x1234);
-            EXPECT_EQ(reply, received[10]);
-        });
+    withEveryTruncatedReply(readResetAction, 1, [&](const Bytes& received) {
+        uint8_t reply = untouchedByte;
+        EXPECT_EQ(sdk().i3cCccRSTACTDirect(0x30, I3cTargetResetDefByte_TimeToResetPeripheral, read,
+                                           &reply),
+                  0x1234);
+        EXPECT_EQ(reply, received[10]);
+    });
 }
 
 } // namespace

@@ -33,6 +33,15 @@ void SdkTest::onWire(const Bytes& requestPacket, const Bytes& responsePacket) {
     hid.expectWrite(GetParam().output(requestPacket), {GetParam().input(responsePacket)});
 }
 
+void SdkTest::onCommand(uint16_t status, const Bytes& requestPacket) {
+    const auto header = requestPacket.begin() + 2;
+    Bytes responsePacket{0x1B, 0x00};
+    responsePacket.insert(responsePacket.end(), header, header + 4);
+    responsePacket.push_back(static_cast<uint8_t>(status & 0xFFU));
+    responsePacket.push_back(static_cast<uint8_t>(status >> 8U));
+    onWire(requestPacket, responsePacket);
+}
+
 void SdkTest::onWire(const Bytes& requestPacket) {
     hid.expectWrite(GetParam().output(requestPacket));
 }

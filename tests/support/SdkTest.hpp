@@ -51,6 +51,8 @@ protected:
 
     /// Expects a request of one packet, given by its literal bytes, and answers it with one packet.
     void onWire(const Bytes& requestPacket, const Bytes& responsePacket);
+    /// Expects a request of one packet, and answers with @p status and nothing else.
+    void onCommand(uint16_t status, const Bytes& requestPacket);
     /// Expects a request that gets no answer.
     void onWire(const Bytes& requestPacket);
     /// Expects a request and answers it with a message that may take several packets.

@@ -16,6 +16,12 @@ constexpr uint8_t inputPullUp = 2;
 constexpr uint8_t inputPullDown = 3;
 constexpr uint8_t openDrain = 4;
 
+constexpr uint8_t rising = 0;
+constexpr uint8_t falling = 1;
+constexpr uint8_t bothEdges = 2;
+constexpr uint8_t lowLevel = 3;
+constexpr uint8_t highLevel = 4;
+
 constexpr uint8_t low = 0;
 constexpr uint8_t high = 1;
 
@@ -38,6 +44,13 @@ protected:
 
     std::vector<unsigned> arm(uint8_t pin, uint8_t trigger) {
         return firedPins({0x01, 0x00, 0x04, 0x14, pin, trigger});
+    }
+
+    /// Drives pin 0 to @p level and arms pin 1, which is wired to it; returns the pins that fired.
+    std::vector<unsigned> watch(uint8_t level, uint8_t trigger) {
+        configure(1, input);
+        configureOutput(0, level);
+        return arm(1, trigger);
     }
 
     unsigned level(uint8_t pin) {
@@ -236,67 +249,53 @@ TEST_F(GpioModel, AnInterruptIsANotificationWithThePinInTheEventByte) {
 }
 
 TEST_F(GpioModel, ARisingEdgeFiresOnTheWayUpOnly) {
-    configure(1, input);
-    configureOutput(0, high);
-    EXPECT_EQ(arm(1, 0), Pins{});
+    EXPECT_EQ(watch(high, rising), Pins{});
     EXPECT_EQ(write(0, high), Pins{});
     EXPECT_EQ(write(0, low), Pins{});
     EXPECT_EQ(write(0, high), Pins{1});
 }
 
 TEST_F(GpioModel, AFallingEdgeFiresOnTheWayDownOnly) {
-    configure(1, input);
-    configureOutput(0, low);
-    EXPECT_EQ(arm(1, 1), Pins{});
+    EXPECT_EQ(watch(low, falling), Pins{});
     EXPECT_EQ(write(0, low), Pins{});
     EXPECT_EQ(write(0, high), Pins{});
     EXPECT_EQ(write(0, low), Pins{1});
 }
 
 TEST_F(GpioModel, BothEdgesFireOnEveryChange) {
-    configure(1, input);
-    configureOutput(0, low);
-    EXPECT_EQ(arm(1, 2), Pins{});
+    EXPECT_EQ(watch(low, bothEdges), Pins{});
     EXPECT_EQ(write(0, high), Pins{1});
     EXPECT_EQ(write(0, high), Pins{});
     EXPECT_EQ(write(0, low), Pins{1});
 }
 
 TEST_F(GpioModel, ALowLevelFiresOnceWhenArmedAndOnceEachTimeItIsReached) {
-    configure(1, input);
-    configureOutput(0, low);
-    EXPECT_EQ(arm(1, 3), Pins{1});
+    EXPECT_EQ(watch(low, lowLevel), Pins{1});
     EXPECT_EQ(write(0, low), Pins{});
     EXPECT_EQ(write(0, high), Pins{});
     EXPECT_EQ(write(0, low), Pins{1});
     write(0, high);
-    EXPECT_EQ(arm(1, 3), Pins{});
+    EXPECT_EQ(arm(1, lowLevel), Pins{});
 }
 
 TEST_F(GpioModel, AHighLevelFiresOnceWhenArmedAndOnceEachTimeItIsReached) {
-    configure(1, input);
-    configureOutput(0, high);
-    EXPECT_EQ(arm(1, 4), Pins{1});
+    EXPECT_EQ(watch(high, highLevel), Pins{1});
     EXPECT_EQ(write(0, high), Pins{});
     EXPECT_EQ(write(0, low), Pins{});
     EXPECT_EQ(write(0, high), Pins{1});
     write(0, low);
-    EXPECT_EQ(arm(1, 4), Pins{});
+    EXPECT_EQ(arm(1, highLevel), Pins{});
 }
 
 TEST_F(GpioModel, ANewTriggerReplacesTheOldOne) {
-    configure(1, input);
-    configureOutput(0, low);
-    arm(1, 0);
-    arm(1, 1);
+    watch(low, rising);
+    arm(1, falling);
     EXPECT_EQ(write(0, high), Pins{});
     EXPECT_EQ(write(0, low), Pins{1});
 }
 
 TEST_F(GpioModel, ADisarmedPinStaysSilent) {
-    configure(1, input);
-    configureOutput(0, low);
-    arm(1, 2);
+    watch(low, bothEdges);
     EXPECT_EQ(response({0x01, 0x00, 0x05, 0x14, 1}), (Frame{0x01, 0x00, 0x05, 0x14, 0x00, 0x00}));
     EXPECT_EQ(write(0, high), Pins{});
     EXPECT_EQ(status({0x01, 0x00, 0x05, 0x14, 1}), 0x0000U);
@@ -305,14 +304,14 @@ TEST_F(GpioModel, ADisarmedPinStaysSilent) {
 TEST_F(GpioModel, BothPinsOfALineFireInAscendingOrder) {
     configure(3, input);
     configureOutput(2, low);
-    arm(3, 2);
-    arm(2, 2);
+    arm(3, bothEdges);
+    arm(2, bothEdges);
     EXPECT_EQ(write(2, high), (Pins{2, 3}));
 }
 
 TEST_F(GpioModel, ConfiguringAPinCanFireAnInterruptAndLeavesThePinArmed) {
     configure(4, input);
-    arm(4, 0);
+    arm(4, rising);
     EXPECT_EQ(frames({0x01, 0x00, 0x01, 0x14, 4, 2}),
               (std::vector<Frame>{
                   {0x01, 0x00, 0x01, 0x14, 0x00, 0x00},
