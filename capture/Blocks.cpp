@@ -117,7 +117,7 @@ void Blocks::copy(const uint8_t* values, size_t size) {
         return;
     }
     // A null pointer is allowed where there is nothing to copy.
-    std::copy_n(values, size, bytes.data() + used);
+    std::copy_n(values, size, bytes + used);
     used += size;
 }
 

@@ -5,7 +5,6 @@
 
 #include "capture/UsbRecord.hpp"
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -28,7 +27,7 @@ public:
 
     void record(const UsbRecord& record, const uint8_t* data, size_t size);
 
-    [[nodiscard]] const uint8_t* data() const { return bytes.data(); }
+    [[nodiscard]] const uint8_t* data() const { return bytes; }
     [[nodiscard]] size_t size() const { return used; }
 
 private:
@@ -40,7 +39,7 @@ private:
     void textOption(uint16_t code, const char* text);
     void endOptions();
 
-    std::array<uint8_t, capacity> bytes;
+    uint8_t bytes[capacity];
     size_t used = 0;
     size_t start = 0;
     bool overflowed = false;

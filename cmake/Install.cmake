@@ -45,4 +45,7 @@ if(VELTRASDK_BUILD_VIRTUAL_ADAPTER)
     install(TARGETS veltra-virtual-adapter-preload
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/veltra-virtual-adapter
         COMPONENT virtual_adapter)
+    install(TARGETS veltra-capture-preload
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/veltra
+        COMPONENT veltra)
 endif()
