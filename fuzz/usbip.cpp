@@ -23,7 +23,7 @@ ExportedDevice adapterFor(Input& input) {
     virtual_adapter::AdapterSettings settings;
     const auto& faults = virtual_adapter::faultNames();
     settings.identity = virtual_adapter::usbIdentities[input.number<bool>() ? 1 : 0];
-    settings.fault.kind = faults[input.byte() % faults.size()].kind;
+    settings.faults = {{faults[input.byte() % faults.size()].kind, {}}};
     return virtual_adapter::exportedAdapter(settings);
 }
 

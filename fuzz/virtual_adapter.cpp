@@ -1,27 +1,31 @@
 // SPDX-FileCopyrightText: 2026 The libveltrasdk authors
 // SPDX-License-Identifier: MIT
 
-// The virtual adapter's request side: reports of any content to both models, under every fault.
+// The virtual adapter's request side: reports of any content to both models, under any faults.
 #include "Input.hpp"
 
 #include "device/AdapterLink.hpp"
 
-#include <array>
+#include "faults/CommandNames.hpp"
+
+#include <algorithm>
 
 using fuzzing::Bytes;
 using fuzzing::Input;
 using fuzzing::require;
 using virtual_adapter::AdapterLink;
+using virtual_adapter::AdapterSettings;
+using virtual_adapter::Fault;
 using virtual_adapter::FaultKind;
 
 namespace {
 
 class Host {
 public:
-    Host(const virtual_adapter::AdapterVariant& model, FaultKind fault)
-        : link(model, "VA-0001", {fault, virtual_adapter::defaultFaultDelay}),
-          protocol(model.reportSize),
-          minFrameSize(fault == FaultKind::ShortFrame ? 5 : 6) {}
+    explicit Host(const AdapterSettings& settings)
+        : link(settings),
+          protocol(settings.identity.variant.reportSize),
+          minFrameSize(settings.hasFault(FaultKind::ShortFrame) ? 5 : 6) {}
 
     void write(const Bytes& report) {
         const bool wasOnBus = link.isOnBus();
@@ -55,8 +59,10 @@ public:
 
     /// Whatever was said, in the end every message has been sent to its last packet.
     void expectNothingHalfSaid() {
-        letTimePass(0xFF);
-        readAll();
+        while (const std::optional<AdapterLink::Time> due = link.nextInputDue()) {
+            now = std::max(now, *due);
+            readAll();
+        }
         require(link.inputReportCount() == 0, "every report comes due");
         require(message.empty(), "every message is complete");
     }
@@ -69,14 +75,36 @@ private:
     Bytes message;
 };
 
+/// A fault of any kind and place.
+Fault faultFrom(Input& input) {
+    const auto& faults = virtual_adapter::faultNames();
+    const auto& commands = virtual_adapter::commandNames();
+    Fault fault{faults[input.byte() % faults.size()].kind, {}};
+    fault.place.request = 1 + input.byte() % 8;
+    const uint8_t command = input.byte();
+    if (command < commands.size()) {
+        fault.place.command = virtual_adapter::findCommand(commands[command]);
+    }
+    return fault;
+}
+
+AdapterSettings settingsFrom(Input& input) {
+    AdapterSettings settings;
+    settings.identity = virtual_adapter::usbIdentities[input.number<bool>() ? 1 : 0];
+    for (unsigned left = input.byte() % 4; left > 0; --left) {
+        settings.faults.push_back(faultFrom(input));
+    }
+    if (input.number<bool>()) {
+        settings.latency = settings.identity.timeOfFrame;
+    }
+    return settings;
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Input input(data, size);
-    const auto& model = input.number<bool>() ? virtual_adapter::highSpeedVariant
-                                             : virtual_adapter::fullSpeedVariant;
-    const auto& faults = virtual_adapter::faultNames();
-    Host host(model, faults[input.byte() % faults.size()].kind);
+    Host host(settingsFrom(input));
     while (!input.isEmpty()) {
         switch (input.byte()) {
         case 0:

@@ -34,6 +34,8 @@ VELTRASDK_ENUM(VeltraStatus, uint16_t){
     VeltraStatus_DataNotAcknowledged = 0x0007,
     /** The I2C bus has no pull-up resistors: its lines never rise. */
     VeltraStatus_NoPullUp = 0x0008,
+    /** Something holds a line of the I2C bus low; initialising the controller may free it. */
+    VeltraStatus_BusStuck = 0x0009,
     /** I3C reserves the address: no device may have it. */
     VeltraStatus_AddressReserved = 0x0030,
     /** The address belongs to another device of the I3C bus. */
@@ -81,6 +83,8 @@ static inline const char* veltraStatusName(int16_t result) {
         return "DataNotAcknowledged";
     case VeltraStatus_NoPullUp:
         return "NoPullUp";
+    case VeltraStatus_BusStuck:
+        return "BusStuck";
     case VeltraStatus_AddressReserved:
         return "AddressReserved";
     case VeltraStatus_AddressInUse:

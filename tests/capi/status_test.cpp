@@ -14,11 +14,14 @@ extern "C" const char* statusNameInC(int16_t result);
 namespace {
 
 const std::map<uint16_t, std::string> names{
-    {0x0000, "Success"},          {0x0001, "UnknownCommand"},      {0x0002, "MalformedRequest"},
-    {0x0003, "InvalidParameter"}, {0x0004, "NoVoltage"},           {0x0005, "NotInitialised"},
-    {0x0006, "NotAcknowledged"},  {0x0007, "DataNotAcknowledged"}, {0x0008, "NoPullUp"},
-    {0x0030, "AddressReserved"},  {0x0031, "AddressInUse"},        {0x0032, "LengthAboveLimit"},
-    {0x2000, "NoResponse"},       {0x4000, "NotConnected"},        {0x6000, "UnexpectedResponse"},
+    {0x0000, "Success"},          {0x0001, "UnknownCommand"},
+    {0x0002, "MalformedRequest"}, {0x0003, "InvalidParameter"},
+    {0x0004, "NoVoltage"},        {0x0005, "NotInitialised"},
+    {0x0006, "NotAcknowledged"},  {0x0007, "DataNotAcknowledged"},
+    {0x0008, "NoPullUp"},         {0x0009, "BusStuck"},
+    {0x0030, "AddressReserved"},  {0x0031, "AddressInUse"},
+    {0x0032, "LengthAboveLimit"}, {0x2000, "NoResponse"},
+    {0x4000, "NotConnected"},     {0x6000, "UnexpectedResponse"},
     {0x8000, "InvalidArgument"},  {0xA000, "ShortResponse"},
 };
 

@@ -70,7 +70,7 @@ ROOMS = {
         "model/spi/SpiTarget.hpp",
         "model/i3c/I3cTarget.hpp",
     ),
-    "faults": ("bytes/", "model/Frame.hpp", "model/Outbox.hpp"),
+    "faults": ("bytes/", "model/Frame.hpp", "model/Outbox.hpp", "board/Board.hpp"),
     "device": ("bytes/", "model/Adapter.hpp", "model/AdapterVariant.hpp", "board/", "faults/"),
     "usbip": ("bytes/",),
     "socket": ("bytes/",),

@@ -36,7 +36,8 @@ constexpr int anHour = 3'600'000;
 
 AdapterSettings withFault(FaultKind kind, std::chrono::milliseconds delay = 0ms) {
     AdapterSettings settings;
-    settings.fault = {kind, delay};
+    settings.faults = {{kind, {}}};
+    settings.faultDelay = delay;
     return settings;
 }
 

@@ -33,7 +33,7 @@ AdapterSettings withSerial(const std::string& serialNumber) {
 
 AdapterSettings withFault(FaultKind kind) {
     AdapterSettings settings;
-    settings.fault.kind = kind;
+    settings.faults = {{kind, {}}};
     return settings;
 }
 

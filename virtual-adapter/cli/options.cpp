@@ -5,6 +5,7 @@
 
 #include <CLI/Error.hpp>
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace virtual_adapter {
@@ -44,12 +45,17 @@ std::vector<AdapterSettings> AdapterChoice::all() const {
 
 void addAdapterOptions(CLI::App& command, AdapterSettings& settings) {
     for (const SettingText& setting : settingTexts()) {
-        const auto read = [&setting, &settings](const std::string& text) {
-            readSetting(setting, setting.option, settings, text);
+        const auto read = [&setting, &settings](const std::vector<std::string>& texts) {
+            for (const std::string& text : texts) {
+                readSetting(setting, setting.option, settings, text);
+            }
         };
-        command.add_option_function<std::string>(setting.option, read, setting.help)
+        command.add_option_function<std::vector<std::string>>(setting.option, read, setting.help)
             ->type_name(setting.placeholder)
-            ->default_str(setting.write(settings));
+            ->default_str(setting.write(settings))
+            ->expected(1)
+            ->multi_option_policy(setting.repeats ? CLI::MultiOptionPolicy::TakeAll
+                                                  : CLI::MultiOptionPolicy::Throw);
     }
 }
 
@@ -65,7 +71,11 @@ void addAdapterOptions(CLI::App& command, AdapterChoice& choice) {
 }
 
 void refuseHostFaults(const AdapterSettings& settings) {
-    if (isHostFault(settings.fault.kind)) {
+    const bool hasOne =
+        std::any_of(settings.faults.begin(), settings.faults.end(), [](const Fault& fault) {
+            return spanOf(fault.kind) == FaultSpan::FromTheStart;
+        });
+    if (hasOne) {
         throw CLI::ValidationError(
             "--fault", "this one is the host's; only 'run' and 'serve --socket' have it");
     }
@@ -73,13 +83,7 @@ void refuseHostFaults(const AdapterSettings& settings) {
 
 void addAdapterOptionsOnRealHost(CLI::App& command, AdapterSettings& settings) {
     addAdapterOptions(command, settings);
-    std::string names;
-    for (const FaultName& fault : faultNames()) {
-        if (!isHostFault(fault.kind)) {
-            names += (names.empty() ? "" : ", ") + std::string(fault.name);
-        }
-    }
-    command.get_option("--fault")->description("What goes wrong: " + names);
+    command.get_option("--fault")->description(faultHelp(FaultsOf::Adapter));
 }
 
 } // namespace virtual_adapter

@@ -3,17 +3,38 @@
 
 #include "device/AdapterLink.hpp"
 
+#include "bytes/ByteReader.hpp"
+#include "faults/BusFaults.hpp"
+
 #include <algorithm>
 #include <iterator>
 #include <utility>
 
 namespace virtual_adapter {
 
-AdapterLink::AdapterLink(const AdapterVariant& variant, const std::string& serialNumber,
-                         const Fault& fault, Board board)
-    : adapter(variant, serialNumber, std::move(board)),
-      faults(fault),
-      protocol(variant.reportSize) {}
+namespace {
+
+/// The code of the command that a request asks for, if it has come that far.
+FaultSchedule::Code codeOf(const Frame& request) {
+    ByteReader reader(request);
+    reader.skip(2);
+    const uint16_t code = reader.u16();
+    return reader.overran() ? FaultSchedule::Code() : code;
+}
+
+bool beginsMessage(const Bytes& packet) {
+    constexpr unsigned firstPacketFlag = 0x1;
+    return !packet.empty() && (packet.front() & firstPacketFlag) != 0;
+}
+
+} // namespace
+
+AdapterLink::AdapterLink(AdapterSettings chosen)
+    : settings(std::move(chosen)),
+      adapter(settings.identity.variant, settings.serialNumber, settings.makeBoard()),
+      faults(settings.faults),
+      protocol(settings.identity.variant.reportSize),
+      input(settings.latency) {}
 
 bool AdapterLink::writeReport(const Bytes& report, Time now) {
     auto packet = report.begin();
@@ -25,57 +46,67 @@ bool AdapterLink::writeReport(const Bytes& report, Time now) {
         taken = takePacket(Bytes(packet, packetEnd), now);
         packet = packetEnd;
     } while (taken && packet != report.end());
-    if (!isOnBus()) {
-        forgetReportsAfter(now);
+    if (adapter.inBootMode()) {
+        input.hurry(now);
+    }
+    if (unplugged) {
+        input.forgetAfter(now);
     }
     return taken;
 }
 
 bool AdapterLink::takePacket(const Bytes& packet, Time now) {
-    unplugged = unplugged || faults.unplugsNow();
-    if (!isOnBus() || faults.stallsNow()) {
+    if (!isOnBus()) {
         return false;
     }
-    if (protocol.receiveUsbInTransferPackets(request, packet)) {
-        for (const OutgoingFrame& outgoing : faults.apply(adapter.handle(request))) {
-            send(outgoing, now);
+    // What a report begins is known before the adapter takes it.
+    Frame begun;
+    const bool isWhole = protocol.receiveUsbInTransferPackets(begun, packet);
+    if (beginsMessage(packet)) {
+        const FaultSet next = faults.next(codeOf(begun));
+        unplugged = next.has(FaultKind::Unplug);
+        stalled = next.has(FaultKind::Stall);
+    }
+    if (unplugged || stalled) {
+        return false;
+    }
+    input.hostWrites(now);
+    protocol.receiveUsbInTransferPackets(request, packet);
+    return !isWhole || carryOutRequest();
+}
+
+bool AdapterLink::carryOutRequest() {
+    const FaultSet striking = faults.begin(codeOf(request));
+    // A request whose first report did not tell its command.
+    unplugged = striking.has(FaultKind::Unplug);
+    stalled = striking.has(FaultKind::Stall);
+    if (!unplugged && !stalled) {
+        std::vector<CountedFrame> answer;
+        {
+            const BusFaults busFaults(adapter.getBoard(), striking);
+            answer = adapter.handle(request);
         }
-        request.clear();
+        send(frameFaults.apply(striking, std::move(answer)));
+        if (striking.has(FaultKind::LateResponse)) {
+            input.keepHostBehind(settings.identity.timeOfFrame);
+        }
     }
-    return true;
+    request.clear();
+    return !unplugged && !stalled;
 }
 
-void AdapterLink::send(const OutgoingFrame& outgoing, Time now) {
-    const Time due = now + outgoing.delay;
-    std::vector<Bytes> packets;
-    protocol.createUsbOutTransferPackets(packets, outgoing.frame);
-    for (Bytes& packet : packets) {
-        packet.resize(protocol.getEndpointSize());
-        inputReports.push_back({std::move(packet), due});
+void AdapterLink::send(const std::vector<OutgoingFrame>& frames) {
+    for (const OutgoingFrame& outgoing : frames) {
+        std::vector<Bytes> packets;
+        protocol.createUsbOutTransferPackets(packets, outgoing.frame);
+        for (Bytes& packet : packets) {
+            packet.resize(protocol.getEndpointSize());
+        }
+        input.send(std::move(packets),
+                   outgoing.isResponse ? InputQueue::Message::Response
+                                       : InputQueue::Message::Notification,
+                   outgoing.late ? settings.faultDelay : InputQueue::Duration(0));
     }
-}
-
-void AdapterLink::forgetReportsAfter(Time now) {
-    // What is behind a late report is late too.
-    inputReports.erase(std::find_if(inputReports.begin(), inputReports.end(),
-                                    [=](const InputReport& report) { return report.due > now; }),
-                       inputReports.end());
-}
-
-std::optional<Bytes> AdapterLink::takeInputReport(Time now) {
-    if (inputReports.empty() || inputReports.front().due > now) {
-        return std::nullopt;
-    }
-    Bytes report = std::move(inputReports.front().bytes);
-    inputReports.pop_front();
-    return report;
-}
-
-std::optional<AdapterLink::Time> AdapterLink::nextInputDue() const {
-    if (inputReports.empty()) {
-        return std::nullopt;
-    }
-    return inputReports.front().due;
 }
 
 } // namespace virtual_adapter

@@ -3,17 +3,15 @@
 
 #pragma once
 
-#include "board/FactoryBoard.hpp"
-#include "faults/FaultInjector.hpp"
+#include "device/AdapterSettings.hpp"
+#include "device/InputQueue.hpp"
+#include "faults/FaultSchedule.hpp"
+#include "faults/FrameFaults.hpp"
 #include "model/Adapter.hpp"
-#include "model/AdapterVariant.hpp"
 
 #include "driver/UsbTransferProtocol.hpp"
 
-#include <chrono>
-#include <deque>
 #include <optional>
-#include <string>
 
 namespace virtual_adapter {
 
@@ -23,45 +21,46 @@ namespace virtual_adapter {
 /// says what time it is. Only a write ever makes input reports.
 class AdapterLink {
 public:
-    using Time = std::chrono::steady_clock::time_point;
+    using Time = InputQueue::Time;
 
-    AdapterLink(const AdapterVariant& variant, const std::string& serialNumber,
-                const Fault& fault = {}, Board board = factoryBoard());
+    explicit AdapterLink(AdapterSettings chosen);
 
     /// Takes one output report, without a report identifier. A longer transfer counts as several
     /// reports, as it arrives in several USB packets. Returns false when the adapter does not take
     /// it: it has left the bus, or its endpoint is stalled.
     bool writeReport(const Bytes& report, Time now);
 
+    /// When the reports written so far have crossed the bus.
+    [[nodiscard]] Time outputArrival() const { return input.outputArrival(); }
+
     /// The oldest input report, once its time has come: full size, padded with zeros.
-    std::optional<Bytes> takeInputReport(Time now);
+    std::optional<Bytes> takeInputReport(Time now) { return input.take(now); }
 
     /// When the oldest input report's time comes; nothing while there is none.
-    [[nodiscard]] std::optional<Time> nextInputDue() const;
+    [[nodiscard]] std::optional<Time> nextInputDue() const { return input.nextDue(); }
 
     /// How many input reports are waiting to be taken.
-    [[nodiscard]] size_t inputReportCount() const { return inputReports.size(); }
+    [[nodiscard]] size_t inputReportCount() const { return input.size(); }
 
     /// Whether the adapter can be found. Unplugging and boot mode make it leave for good; input
     /// reports whose time has not come by then never come.
     [[nodiscard]] bool isOnBus() const { return !unplugged && !adapter.inBootMode(); }
 
 private:
-    struct InputReport {
-        Bytes bytes;
-        Time due;
-    };
-
     bool takePacket(const Bytes& packet, Time now);
-    void send(const OutgoingFrame& outgoing, Time now);
-    void forgetReportsAfter(Time now);
+    /// Returns false when a fault keeps the request from the adapter.
+    bool carryOutRequest();
+    void send(const std::vector<OutgoingFrame>& frames);
 
+    const AdapterSettings settings;
     Adapter adapter;
-    FaultInjector faults;
+    FaultSchedule faults;
+    FrameFaults frameFaults;
     UsbTransferProtocol protocol;
+    InputQueue input;
     Frame request;
-    std::deque<InputReport> inputReports;
     bool unplugged = false;
+    bool stalled = false;
 };
 
 } // namespace virtual_adapter

@@ -15,6 +15,8 @@ namespace virtual_adapter {
 namespace {
 
 constexpr unsigned maxFaultDelay = 3'600'000;
+constexpr unsigned maxLatency = 1'000'000;
+constexpr const char* noFault = "none";
 
 // A USB string descriptor has room for 126 UTF-16 units, the adapter's own identity strings for
 // 254 bytes.
@@ -25,14 +27,6 @@ std::string allowedModels() {
     std::string names;
     for (const UsbIdentity& identity : usbIdentities) {
         names += (names.empty() ? "" : ", ") + std::string(identity.variant.name);
-    }
-    return names;
-}
-
-std::string allowedFaults() {
-    std::string names;
-    for (const FaultName& fault : faultNames()) {
-        names += (names.empty() ? "" : ", ") + std::string(fault.name);
     }
     return names;
 }
@@ -71,46 +65,77 @@ std::string writeSerialNumber(const AdapterSettings& settings) {
 }
 
 void readFault(AdapterSettings& settings, const std::string& text) {
-    const std::vector<FaultName>& names = faultNames();
-    const auto found = std::find_if(names.begin(), names.end(),
-                                    [&](const FaultName& fault) { return fault.name == text; });
-    if (found == names.end()) {
-        throw std::invalid_argument("expected one of " + allowedFaults());
+    if (text == noFault) {
+        settings.faults.clear();
+        return;
     }
-    settings.fault.kind = found->kind;
+    settings.faults.push_back(parseFault(text));
 }
 
 std::string writeFault(const AdapterSettings& settings) {
-    const std::vector<FaultName>& names = faultNames();
-    return std::find_if(names.begin(), names.end(),
-                        [&](const FaultName& fault) { return fault.kind == settings.fault.kind; })
-        ->name;
+    std::string faults;
+    for (const Fault& fault : settings.faults) {
+        faults += (faults.empty() ? "" : " ") + textOf(fault);
+    }
+    return faults.empty() ? noFault : faults;
+}
+
+unsigned readNumber(const std::string& text, unsigned max, const char* unit) {
+    unsigned number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    if (error != std::errc() || stop != end || number > max) {
+        throw std::invalid_argument(std::string("expected ") + unit + " from 0 to " +
+                                    std::to_string(max));
+    }
+    return number;
 }
 
 void readFaultDelay(AdapterSettings& settings, const std::string& text) {
-    unsigned milliseconds = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, milliseconds);
-    if (error != std::errc() || stop != end || milliseconds > maxFaultDelay) {
-        throw std::invalid_argument("expected milliseconds from 0 to " +
-                                    std::to_string(maxFaultDelay));
-    }
-    settings.fault.delay = std::chrono::milliseconds(milliseconds);
+    settings.faultDelay =
+        std::chrono::milliseconds(readNumber(text, maxFaultDelay, "milliseconds"));
 }
 
 std::string writeFaultDelay(const AdapterSettings& settings) {
-    return std::to_string(settings.fault.delay.count());
+    return std::to_string(settings.faultDelay.count());
+}
+
+void readLatency(AdapterSettings& settings, const std::string& text) {
+    settings.latency = std::chrono::microseconds(readNumber(text, maxLatency, "microseconds"));
+}
+
+std::string writeLatency(const AdapterSettings& settings) {
+    return std::to_string(settings.latency.count());
 }
 
 } // namespace
 
-const std::array<SettingText, 4>& settingTexts() {
-    static const std::array<SettingText, 4> texts{{
-        {"--model", "NAME", "The adapter's model: " + allowedModels(), readModel, writeModel},
-        {"--serial", "TEXT", "The adapter's serial number", readSerialNumber, writeSerialNumber},
-        {"--fault", "NAME", "What goes wrong: " + allowedFaults(), readFault, writeFault},
-        {"--fault-delay", "MS", "How late the late response comes, in milliseconds", readFaultDelay,
-         writeFaultDelay},
+bool AdapterSettings::hasFault(FaultKind kind) const {
+    return std::any_of(faults.begin(), faults.end(),
+                       [=](const Fault& fault) { return fault.kind == kind; });
+}
+
+std::string faultHelp(FaultsOf whom) {
+    return "What goes wrong, and where: @N is the Nth request, @COMMAND the next of that command, "
+           "@COMMAND:N the Nth of that command; the third request unless told. Give it again for "
+           "another. NAME is one of " +
+           faultNameList(whom);
+}
+
+const std::array<SettingText, 5>& settingTexts() {
+    static const std::array<SettingText, 5> texts{{
+        {"--model", "NAME", "The adapter's model: " + allowedModels(), false, readModel,
+         writeModel},
+        {"--serial", "TEXT", "The adapter's serial number", false, readSerialNumber,
+         writeSerialNumber},
+        {"--fault", "NAME[@PLACE]", faultHelp(FaultsOf::AdapterAndHost), true, readFault,
+         writeFault},
+        {"--fault-delay", "MS", "How late the late response comes, in milliseconds", false,
+         readFaultDelay, writeFaultDelay},
+        {"--latency", "US",
+         "How long a report takes, in microseconds; 1000 at full speed and 125 at high speed are "
+         "those of real adapters",
+         false, readLatency, writeLatency},
     }};
     return texts;
 }

@@ -29,7 +29,7 @@ bool erase(std::deque<UsbTransfer>& transfers, uint64_t id) {
 } // namespace
 
 UsbDevice::UsbDevice(const AdapterSettings& settings, std::function<void(UsbResult)> receiver)
-    : link(settings.identity.variant, settings.serialNumber, settings.fault),
+    : link(settings),
       control(settings.identity, settings.serialNumber),
       completed(std::move(receiver)) {}
 

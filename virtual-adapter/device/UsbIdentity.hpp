@@ -6,6 +6,7 @@
 #include "model/AdapterVariant.hpp"
 
 #include <array>
+#include <chrono>
 #include <cstdint>
 #include <string>
 
@@ -19,6 +20,8 @@ struct UsbIdentity {
     /// Binary-coded decimal: 0x0100 is 1.0.
     uint16_t deviceRelease;
     const char* manufacturer;
+    /// How long a report takes to cross the bus.
+    std::chrono::microseconds timeOfFrame;
 };
 
 /// The full-speed variant's, then the high-speed variant's.

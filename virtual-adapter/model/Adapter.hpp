@@ -26,6 +26,9 @@ public:
     /// behind it the notifications that the request gave rise to.
     std::vector<CountedFrame> handle(const Frame& request);
 
+    /// What stands on the buses, for whoever changes it between two requests.
+    Board& getBoard() { return board; }
+
     [[nodiscard]] bool inBootMode() const { return dispatcher.inBootMode(); }
 
 private:

@@ -26,6 +26,8 @@ enum class Status : uint16_t {
     DataNotAcknowledged = 0x0007,
     /// The I2C bus has no pull-up resistors: its lines never rise.
     NoPullUp = 0x0008,
+    /// Something holds a line of the I2C bus low.
+    BusStuck = 0x0009,
     /// I3C reserves the address: no target may have it.
     AddressReserved = 0x0030,
     /// The address belongs to another device of the I3C bus.

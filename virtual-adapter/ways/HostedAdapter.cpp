@@ -17,8 +17,7 @@ constexpr size_t hidapiQueueLength = 32;
 constexpr size_t maxUnreadReports = 65'536;
 
 std::unique_ptr<AdapterLink> makeLink(const AdapterSettings& settings) {
-    return std::make_unique<AdapterLink>(settings.identity.variant, settings.serialNumber,
-                                         settings.fault);
+    return std::make_unique<AdapterLink>(settings);
 }
 
 } // namespace
@@ -88,7 +87,7 @@ void HostedAdapter::receive(Time now) {
     }
     while (auto report = link->takeInputReport(now)) {
         unread.push_back(std::move(*report));
-        if (settings.fault.kind == FaultKind::LostReports && unread.size() > hidapiQueueLength) {
+        if (settings.hasFault(FaultKind::LostReports) && unread.size() > hidapiQueueLength) {
             unread.pop_front();
         }
     }

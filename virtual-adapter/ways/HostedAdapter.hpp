@@ -26,9 +26,7 @@ public:
     [[nodiscard]] const AdapterSettings& adapterSettings() const { return settings; }
 
     /// Whether a program may read the adapter's strings and open it.
-    [[nodiscard]] bool isAccessible() const {
-        return settings.fault.kind != FaultKind::NoPermission;
-    }
+    [[nodiscard]] bool isAccessible() const { return !settings.hasFault(FaultKind::NoPermission); }
 
     [[nodiscard]] bool isOnBus() const { return isPluggedIn && link->isOnBus(); }
 

@@ -41,22 +41,20 @@ TEST(AdapterSettings, TheDefaultIsASoundFullSpeedAdapter) {
     EXPECT_EQ(setting("--serial").write(settings), "VA-0001");
     EXPECT_EQ(setting("--fault").write(settings), "none");
     EXPECT_EQ(setting("--fault-delay").write(settings), "1500");
+    EXPECT_EQ(setting("--latency").write(settings), "0");
 }
 
 TEST(AdapterSettings, WhatIsWrittenReadsAsItself) {
     const std::vector<std::pair<std::string, std::string>> values{
         {"--model", "high-speed"},
         {"--serial", "S\xC3\xA9rie \xF0\x9F\x98\x80"},
-        {"--fault", "late-response"},
-        {"--fault", "lost-response"},
-        {"--fault", "wrong-identifier"},
-        {"--fault", "short-frame"},
-        {"--fault", "unplug"},
-        {"--fault", "stall"},
-        {"--fault", "over-long-count"},
-        {"--fault", "notification-storm"},
+        {"--fault", "late-response@3"},
+        {"--fault", "stall@i2c-read:1"},
+        {"--fault", "over-long-count@i3c-set-target-device-configuration:7"},
         {"--fault", "no-permission"},
         {"--fault", "lost-reports"},
+        {"--latency", "0"},
+        {"--latency", "1000000"},
         {"--fault", "none"},
         {"--fault-delay", "0"},
         {"--fault-delay", "3600000"}};
@@ -75,9 +73,26 @@ TEST(AdapterSettings, AnUnknownModelIsRefusedWithTheKnownOnes) {
 }
 
 TEST(AdapterSettings, AnUnknownFaultIsRefusedWithTheKnownOnes) {
-    EXPECT_EQ(refusalOf("--fault", ""),
-              "expected one of none, late-response, lost-response, wrong-identifier, short-frame, "
-              "unplug, stall, over-long-count, notification-storm, no-permission, lost-reports");
+    EXPECT_EQ(refusalOf("--fault", "fire"),
+              "'fire' is no fault: expected one of " + virtual_adapter::faultNameList());
+    EXPECT_NE(refusalOf("--fault", ""), "accepted");
+}
+
+TEST(AdapterSettings, FaultsAddUpUntilThereIsToBeNone) {
+    AdapterSettings settings;
+    setting("--fault").read(settings, "stall@9");
+    setting("--fault").read(settings, "unplug@i2c-write");
+    EXPECT_EQ(setting("--fault").write(settings), "stall@9 unplug@i2c-write:1");
+    EXPECT_TRUE(settings.hasFault(virtual_adapter::FaultKind::Unplug));
+    EXPECT_FALSE(settings.hasFault(virtual_adapter::FaultKind::NoPermission));
+    setting("--fault").read(settings, "none");
+    EXPECT_TRUE(settings.faults.empty());
+}
+
+TEST(AdapterSettings, ALatencyIsAWholeNumberOfMicrosecondsUpToASecond) {
+    for (const char* const text : {"", "x", "1.5", "-1", "1000001"}) {
+        EXPECT_EQ(refusalOf("--latency", text), "expected microseconds from 0 to 1000000") << text;
+    }
 }
 
 TEST(AdapterSettings, ADelayIsAWholeNumberOfMillisecondsUpToAnHour) {

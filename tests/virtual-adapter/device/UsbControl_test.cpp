@@ -12,8 +12,10 @@ namespace {
 using Reply = std::optional<Bytes>;
 using SetupBytes = std::array<uint8_t, 8>;
 
-const UsbIdentity fullSpeed{fullSpeedVariant, 0x1209, 0x0001, 0x0100, "Veltra"};
-const UsbIdentity highSpeed{highSpeedVariant, 0x1209, 0x0002, 0x0100, "Veltra"};
+const UsbIdentity fullSpeed{fullSpeedVariant, 0x1209,   0x0001,
+                            0x0100,           "Veltra", std::chrono::milliseconds(1)};
+const UsbIdentity highSpeed{highSpeedVariant, 0x1209,   0x0002,
+                            0x0100,           "Veltra", std::chrono::microseconds(125)};
 const Reply stall;
 const Reply accepted = Bytes{};
 

@@ -12,8 +12,10 @@ using namespace virtual_adapter;
 
 namespace {
 
-const UsbIdentity fullSpeed{fullSpeedVariant, 0x1209, 0x0001, 0x0100, "Veltra"};
-const UsbIdentity highSpeed{highSpeedVariant, 0x1209, 0x0002, 0x0100, "Veltra"};
+const UsbIdentity fullSpeed{fullSpeedVariant, 0x1209,   0x0001,
+                            0x0100,           "Veltra", std::chrono::milliseconds(1)};
+const UsbIdentity highSpeed{highSpeedVariant, 0x1209,   0x0002,
+                            0x0100,           "Veltra", std::chrono::microseconds(125)};
 
 TEST(UsbDescriptors, TheDeviceDescriptorNamesTheModel) {
     EXPECT_EQ(deviceDescriptor(fullSpeed), (Bytes{18, 1, 0x00, 0x02, 0, 0, 0, 64, 0x09, 0x12, 0x01,

@@ -11,7 +11,8 @@ using namespace virtual_adapter;
 namespace {
 
 const UsbDevice::Time start{};
-const UsbIdentity fullSpeed{fullSpeedVariant, 0x1209, 0x0001, 0x0100, "Veltra"};
+const UsbIdentity fullSpeed{fullSpeedVariant, 0x1209,   0x0001,
+                            0x0100,           "Veltra", std::chrono::milliseconds(1)};
 const Bytes askForString3{0x17, 0x00, 0x05, 0x00, 0x07, 0x04, 0x03};
 const Bytes enterBootMode{0x13, 0x00, 0x05, 0x00, 0x02, 0x04};
 
@@ -23,8 +24,8 @@ Bytes string3Report() {
 
 class UsbDeviceTest : public testing::Test {
 protected:
-    explicit UsbDeviceTest(const Fault& fault = {})
-        : device({fullSpeed, "VA-01", fault},
+    explicit UsbDeviceTest(const std::vector<Fault>& faults = {})
+        : device({fullSpeed, "VA-01", faults, 1500ms, {}, virtual_adapter::factoryBoard},
                  [this](UsbResult result) { results.push_back(std::move(result)); }) {
         control(0, {0x00, 0x09, 1, 0, 0, 0, 0, 0});
         results.clear();
@@ -234,7 +235,7 @@ TEST_F(UsbDeviceTest, EnteringBootModeLeavesTheBus) {
 
 class FaultyUsbDeviceTest : public UsbDeviceTest {
 protected:
-    explicit FaultyUsbDeviceTest(FaultKind kind) : UsbDeviceTest(Fault{kind, 1500ms}) {
+    explicit FaultyUsbDeviceTest(FaultKind kind) : UsbDeviceTest({{kind, {}}}) {
         write(1, askForString3);
         write(2, askForString3);
         read(3);

@@ -3,13 +3,15 @@
 
 #include "device/AdapterLink.hpp"
 
+#include "virtual-adapter/settings.hpp"
+
 #include <gtest/gtest.h>
 
 using namespace std::chrono_literals;
 using virtual_adapter::AdapterLink;
+using virtual_adapter::AdapterSettings;
 using virtual_adapter::Bytes;
-using virtual_adapter::FaultKind;
-using virtual_adapter::fullSpeedVariant;
+using virtual_adapter::withFault;
 
 namespace {
 
@@ -51,37 +53,38 @@ protected:
 };
 
 TEST_F(FaultyLink, WithoutAFaultEveryResponseComesAtOnce) {
-    AdapterLink link(fullSpeedVariant, "VA-0001");
+    AdapterLink link{AdapterSettings()};
     EXPECT_EQ(reportsAfter(link, 4),
               (std::vector<Bytes>{response(1), response(2), response(3), response(4)}));
 }
 
 TEST_F(FaultyLink, ALateResponseHoldsBackWhatIsBehindIt) {
-    AdapterLink link(fullSpeedVariant, "VA-0001", {FaultKind::LateResponse, 40ms});
+    AdapterLink link(withFault("late-response", 40ms));
     EXPECT_EQ(reportsAfter(link, 4, start + 39ms), (std::vector<Bytes>{response(1), response(2)}));
     EXPECT_EQ(link.nextInputDue(), start + 40ms);
-    EXPECT_EQ(reportsUntil(link, start + 40ms), (std::vector<Bytes>{response(3), response(4)}));
+    EXPECT_EQ(reportsUntil(link, start + 40ms), (std::vector<Bytes>{response(3)}));
+    EXPECT_EQ(reportsUntil(link, start + 90ms), (std::vector<Bytes>{response(4)}));
 }
 
 TEST_F(FaultyLink, ALateResponseIsOneAndAHalfSecondsLateUnlessToldOtherwise) {
-    AdapterLink link(fullSpeedVariant, "VA-0001", {FaultKind::LateResponse});
+    AdapterLink link(withFault("late-response"));
     EXPECT_EQ(reportsAfter(link, 3).size(), 2U);
     EXPECT_EQ(link.nextInputDue(), start + 1500ms);
 }
 
 TEST_F(FaultyLink, ALostResponseIsTheThirdAndOnlyTheThird) {
-    AdapterLink link(fullSpeedVariant, "VA-0001", {FaultKind::LostResponse});
+    AdapterLink link(withFault("lost-response"));
     EXPECT_EQ(reportsAfter(link, 4), (std::vector<Bytes>{response(1), response(2), response(4)}));
 }
 
 TEST_F(FaultyLink, AWrongIdentifierIsOneHigher) {
-    AdapterLink link(fullSpeedVariant, "VA-0001", {FaultKind::WrongIdentifier});
+    AdapterLink link(withFault("wrong-identifier"));
     EXPECT_EQ(reportsAfter(link, 4),
               (std::vector<Bytes>{response(1), response(2), response(4), response(4)}));
 }
 
 TEST_F(FaultyLink, AShortFrameEndsInsideItsHeader) {
-    AdapterLink link(fullSpeedVariant, "VA-0001", {FaultKind::ShortFrame});
+    AdapterLink link(withFault("short-frame"));
     EXPECT_EQ(
         reportsAfter(link, 4),
         (std::vector<Bytes>{response(1), response(2),
@@ -89,7 +92,7 @@ TEST_F(FaultyLink, AShortFrameEndsInsideItsHeader) {
 }
 
 TEST_F(FaultyLink, UnpluggingOnTheThirdRequestIsForGood) {
-    AdapterLink link(fullSpeedVariant, "VA-0001", {FaultKind::Unplug});
+    AdapterLink link(withFault("unplug"));
     EXPECT_EQ(reportsAfter(link, 2), (std::vector<Bytes>{response(1), response(2)}));
     EXPECT_TRUE(link.isOnBus());
     EXPECT_FALSE(link.writeReport(request(3), start));
@@ -100,7 +103,7 @@ TEST_F(FaultyLink, UnpluggingOnTheThirdRequestIsForGood) {
 
 TEST_F(FaultyLink, BootModeLeavesNothingToComeLater) {
     const Bytes enterBootMode{0x13, 0x00, 0x04, 0x00, 0x02, 0x04};
-    AdapterLink link(fullSpeedVariant, "VA-0001", {FaultKind::LateResponse, 40ms});
+    AdapterLink link(withFault("late-response", 40ms));
     for (uint8_t identifier = 1; identifier <= 3; ++identifier) {
         EXPECT_TRUE(link.writeReport(request(identifier), start));
     }
@@ -112,7 +115,7 @@ TEST_F(FaultyLink, BootModeLeavesNothingToComeLater) {
 }
 
 TEST_F(FaultyLink, AStallRefusesReportsFromTheThirdRequestOn) {
-    AdapterLink link(fullSpeedVariant, "VA-0001", {FaultKind::Stall});
+    AdapterLink link(withFault("stall"));
     EXPECT_EQ(reportsAfter(link, 2), (std::vector<Bytes>{response(1), response(2)}));
     EXPECT_FALSE(link.writeReport(request(3), start));
     EXPECT_FALSE(link.writeReport(request(4), start));
@@ -120,22 +123,74 @@ TEST_F(FaultyLink, AStallRefusesReportsFromTheThirdRequestOn) {
 }
 
 TEST_F(FaultyLink, AStallStrikesTheFirstReportOfALongRequest) {
-    AdapterLink link(fullSpeedVariant, "VA-0001", {FaultKind::Stall});
+    AdapterLink link(withFault("stall"));
     reportsAfter(link, 2);
-    EXPECT_FALSE(link.writeReport({0x0D, 0x00, 0x03, 0x00, 0x07}, start));
+    EXPECT_FALSE(link.writeReport({0x11, 0x00, 0x03, 0x00, 0x07, 0x04}, start));
 }
 
 TEST_F(FaultyLink, AnOverLongCountStaysFromTheThirdResponseOn) {
-    AdapterLink link(fullSpeedVariant, "VA-0001", {FaultKind::OverLongCount});
+    AdapterLink link(withFault("over-long-count"));
     Bytes third = response(3);
     Bytes fourth = response(4);
     third[8] = fourth[8] = 0xFF;
     EXPECT_EQ(reportsAfter(link, 4), (std::vector<Bytes>{response(1), response(2), third, fourth}));
 }
 
+// --- Aimed faults -------------------------------------------------------------------------------
+
+/// A read of bus 0, which nobody has initialised.
+const Bytes i2cRead{0x3B, 0x00, 0x20, 0x00, 0x05, 0x09, 0, 1, 0, 0x50, 0, 0, 0, 0, 0, 0};
+const Bytes i2cReadRefused = padded({0x1B, 0x00, 0x20, 0x00, 0x05, 0x09, 0x04, 0x00});
+
+TEST_F(FaultyLink, AnAimedFaultStrikesTheNextRequestOfItsCommand) {
+    AdapterLink link(withFault("lost-response@i2c-read"));
+    EXPECT_EQ(reportsAfter(link, 3).size(), 3U);
+    EXPECT_TRUE(link.writeReport(i2cRead, start));
+    EXPECT_TRUE(reportsUntil(link, start).empty());
+    EXPECT_TRUE(link.writeReport(i2cRead, start));
+    EXPECT_EQ(reportsUntil(link, start), (std::vector<Bytes>{i2cReadRefused}));
+}
+
+TEST_F(FaultyLink, AnAimedFaultCountsTheRequestsOfItsCommandOnly) {
+    AdapterLink link(withFault("wrong-identifier@i2c-read:2"));
+    EXPECT_TRUE(link.writeReport(i2cRead, start));
+    EXPECT_EQ(reportsAfter(link, 3),
+              (std::vector<Bytes>{i2cReadRefused, response(1), response(2), response(3)}));
+    EXPECT_TRUE(link.writeReport(i2cRead, start));
+    EXPECT_EQ(reportsUntil(link, start),
+              (std::vector<Bytes>{padded({0x1B, 0x00, 0x21, 0x00, 0x05, 0x09, 0x04, 0x00})}));
+}
+
+TEST_F(FaultyLink, AnAimedUnplugKeepsTheFirstReportOfItsRequestFromTheAdapter) {
+    AdapterLink link(withFault("unplug@i2c-read"));
+    EXPECT_EQ(reportsAfter(link, 3).size(), 3U);
+    EXPECT_FALSE(link.writeReport({0x11, 0x00, 0x20, 0x00, 0x05, 0x09}, start));
+    EXPECT_FALSE(link.isOnBus());
+}
+
+TEST_F(FaultyLink, AnAimedStallKnowsACommandThatTheSecondReportTells) {
+    AdapterLink link(withFault("stall@get-usb-string:2"));
+    EXPECT_TRUE(link.writeReport(request(1), start));
+    EXPECT_TRUE(link.writeReport({0x09, 0x00, 0x02, 0x00}, start));
+    EXPECT_FALSE(link.writeReport({0x0E, 0x00, 0x07, 0x04, 0x01}, start));
+    EXPECT_FALSE(link.writeReport(request(3), start));
+    EXPECT_EQ(reportsUntil(link, start), (std::vector<Bytes>{response(1)}));
+}
+
+TEST_F(FaultyLink, SeveralFaultsStrikeEachAtItsPlace) {
+    AdapterSettings settings = withFault("lost-response@2");
+    settings.faults.push_back(virtual_adapter::parseFault("short-frame@4"));
+    settings.faults.push_back(virtual_adapter::parseFault("wrong-identifier@4"));
+    AdapterLink link(settings);
+    EXPECT_EQ(
+        reportsAfter(link, 5),
+        (std::vector<Bytes>{response(1), response(3),
+                            padded({0x17, 0x00, 0x05, 0x00, 0x07, 0x04, 0x00}), response(5)}));
+}
+
 TEST_F(FaultyLink, AFaultOfTheHostLeavesTheLinkAlone) {
-    for (const FaultKind kind : {FaultKind::NoPermission, FaultKind::LostReports}) {
-        AdapterLink link(fullSpeedVariant, "VA-0001", {kind});
+    for (const char* const fault : {"no-permission", "lost-reports"}) {
+        AdapterLink link(withFault(fault));
         EXPECT_EQ(reportsAfter(link, 3),
                   (std::vector<Bytes>{response(1), response(2), response(3)}));
     }

@@ -1,15 +1,15 @@
 // SPDX-FileCopyrightText: 2026 The libveltrasdk authors
 // SPDX-License-Identifier: MIT
 
-#include "faults/FaultInjector.hpp"
+#include "faults/FrameFaults.hpp"
 
 #include "virtual-adapter/AdapterFixture.hpp"
 
 using virtual_adapter::AdapterFixture;
-using virtual_adapter::Fault;
-using virtual_adapter::FaultInjector;
 using virtual_adapter::FaultKind;
+using virtual_adapter::FaultSet;
 using virtual_adapter::Frame;
+using virtual_adapter::FrameFaults;
 using virtual_adapter::OutgoingFrame;
 
 namespace {
@@ -32,21 +32,21 @@ protected:
              }) {
             EXPECT_EQ(status(request), 0x0000U) << testing::PrintToString(request);
         }
-        faults.apply({});
-        faults.apply({});
     }
 
-    /// What leaves the adapter from the third request on.
+    /// What leaves the adapter from the request on at which the fault struck.
     std::vector<Frame> spoilt(const Frame& request) {
         std::vector<Frame> frames;
-        for (const OutgoingFrame& outgoing : faults.apply(adapter.handle(request))) {
+        FaultSet striking;
+        striking.insert(FaultKind::OverLongCount);
+        for (const OutgoingFrame& outgoing : faults.apply(striking, adapter.handle(request))) {
             frames.push_back(outgoing.frame);
         }
         return frames;
     }
 
 private:
-    FaultInjector faults{Fault{FaultKind::OverLongCount}};
+    FrameFaults faults;
 };
 
 using Frames = std::vector<Frame>;

@@ -22,7 +22,8 @@ const Bytes enterBootMode{0x13, 0x00, 0x01, 0x00, 0x02, 0x04};
 
 AdapterSettings withFault(FaultKind kind, std::chrono::milliseconds delay = 0ms) {
     AdapterSettings settings;
-    settings.fault = {kind, delay};
+    settings.faults = {{kind, {}}};
+    settings.faultDelay = delay;
     return settings;
 }
 

@@ -120,7 +120,8 @@ TEST(UsbIpWay, BootModeEndsTheConnection) {
 
 TEST(UsbIpWay, BootModeThatHadToWaitEndsTheConnectionToo) {
     AdapterSettings settings;
-    settings.fault = {FaultKind::LateResponse, 40ms};
+    settings.faults = {{FaultKind::LateResponse, {}}};
+    settings.faultDelay = 40ms;
     ExportedDevice adapter = exportedAdapter(settings);
     Host host(adapter);
     for (uint8_t sequence : {uint8_t{2}, uint8_t{3}}) {

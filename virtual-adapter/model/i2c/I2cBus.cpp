@@ -12,14 +12,13 @@ void I2cBus::attach(uint8_t address, std::unique_ptr<I2cTarget> target) {
 }
 
 bool I2cBus::start(uint8_t address, I2cDirection direction) {
-    const auto target = targets.find(address);
-    const bool acknowledged = target != targets.end() && target->second->start(direction);
-    addressed = acknowledged ? target->second.get() : nullptr;
-    return acknowledged;
+    I2cTarget* const target = disturbance == Disturbance::NoAddress ? nullptr : targetAt(address);
+    addressed = target != nullptr && target->start(direction) ? target : nullptr;
+    return addressed != nullptr;
 }
 
 size_t I2cBus::write(const Bytes& bytes) {
-    return bytes.empty() ? 0 : addressed->writeMessage(bytes);
+    return bytes.empty() || disturbance == Disturbance::NoByte ? 0 : addressed->writeMessage(bytes);
 }
 
 Bytes I2cBus::read(size_t count) {

@@ -33,6 +33,17 @@ public:
     /// without its STOP.
     void cyclePower();
 
+    /// What keeps the targets' acknowledges from the controller.
+    enum class Disturbance { None, NoAddress, NoByte };
+    /// Disturbs every transfer, until told otherwise.
+    void disturb(Disturbance chosen) { disturbance = chosen; }
+
+    /// Something holds a line low: no transfer is possible until the bus is freed.
+    void holdLow() { heldLow = true; }
+    [[nodiscard]] bool isHeldLow() const { return heldLow; }
+    /// Nine clocks make a target let go of the line.
+    void free() { heldLow = false; }
+
     /// The target that stands at the address, or null.
     [[nodiscard]] I2cTarget* targetAt(uint8_t address) const;
 
@@ -43,6 +54,8 @@ private:
     std::map<uint8_t, std::unique_ptr<I2cTarget>> targets;
     std::set<uint16_t> tenBitTargets;
     I2cTarget* addressed = nullptr;
+    Disturbance disturbance = Disturbance::None;
+    bool heldLow = false;
 };
 
 } // namespace virtual_adapter

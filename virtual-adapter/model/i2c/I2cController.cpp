@@ -14,6 +14,7 @@ constexpr uint8_t lastScannedAddress = 0x77;
 
 void I2cController::init(Polling addressPolling) {
     bus.stop();
+    bus.free();
     polling = addressPolling;
     initialised = true;
 }
@@ -71,7 +72,10 @@ Status I2cController::readiness() const {
     if (!initialised) {
         return Status::NotInitialised;
     }
-    return pulledUp ? Status::Success : Status::NoPullUp;
+    if (!pulledUp) {
+        return Status::NoPullUp;
+    }
+    return bus.isHeldLow() ? Status::BusStuck : Status::Success;
 }
 
 Status I2cController::start(uint8_t address, I2cDirection direction) {

@@ -43,13 +43,13 @@ std::vector<I3cTarget*> I3cBus::powered() const {
 
 I3cTarget* I3cBus::withDynamicAddress(uint8_t address) const {
     return findTarget(powered(), [=](const I3cTarget* target) {
-        return address != 0 && target->dynamicAddress() == address;
+        return acknowledgesAddresses && address != 0 && target->dynamicAddress() == address;
     });
 }
 
 I3cTarget* I3cBus::unassigned(uint8_t staticAddress) const {
     return findTarget(powered(), [=](const I3cTarget* target) {
-        return staticAddress != 0 && target->dynamicAddress() == 0 &&
+        return acknowledgesAddresses && staticAddress != 0 && target->dynamicAddress() == 0 &&
                target->characteristics().staticAddress == staticAddress;
     });
 }
@@ -62,6 +62,11 @@ bool I3cBus::isLegacyAt(uint8_t address, I2cTransferRate rate) const {
     const auto fastest = fastestRates.find(address);
     // The enumerators count from the fastest rate down.
     return fastest != fastestRates.end() && rate >= fastest->second;
+}
+
+void I3cBus::disturb(I2cBus::Disturbance chosen) {
+    legacyBus.disturb(chosen);
+    acknowledgesAddresses = chosen != I2cBus::Disturbance::NoAddress;
 }
 
 void I3cBus::start(bool repeated) {

@@ -40,12 +40,17 @@ public:
     /// Sends a START, a repeated one inside a transfer, and the broadcast address.
     void start(bool repeated);
 
+    /// Disturbs every transfer to one target, until told otherwise: with `NoAddress` no target is
+    /// found at its address.
+    void disturb(I2cBus::Disturbance chosen);
+
     /// Takes the power away and gives it back.
     void cyclePower();
 
 private:
     std::vector<std::unique_ptr<I3cTarget>> targets;
     I2cBus legacyBus;
+    bool acknowledgesAddresses = true;
     /// By the address of the legacy device.
     std::map<uint8_t, I2cTransferRate> fastestRates;
 };
