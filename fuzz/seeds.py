@@ -168,19 +168,24 @@ def notifications():
 def virtual_adapter():
     every = b"".join(b"\x03" + two_parts(each) for each in REQUESTS[:-1])
     for model in range(2):
-        yield f"every-request-{model}", bytes([model, 0]) + every + b"\x02"
-        yield f"boot-mode-{model}", bytes([model, 0]) + (b"\x03" + two_parts(REQUESTS[-1])) * 2
-    for fault in range(11):
-        yield f"fault-{fault}", bytes([0, fault]) + (
-            b"\x03" + two_parts(REQUESTS[1]) + b"\x03" + two_parts(REQUESTS[0]) * 3 + b"\x02\x01\xff")
+        # No faults, without and with latency.
+        yield f"every-request-{model}", bytes([model, 0, 0]) + every + b"\x02"
+        yield f"slow-{model}", bytes([model, 0, 1]) + every + b"\x02\x01\xff\x02"
+        yield f"boot-mode-{model}", bytes([model, 0, 0]) + (b"\x03" + two_parts(REQUESTS[-1])) * 2
+    said = b"\x03" + two_parts(REQUESTS[1]) + (b"\x03" + two_parts(REQUESTS[0])) * 3 + b"\x02\x01\xff\x02"
+    for fault in range(16):
+        # At the third request; at the second one that asks for a string.
+        yield f"fault-{fault}", bytes([0, 1, fault, 2, 0xFF, 0]) + said
+        yield f"aimed-{fault}", bytes([1, 1, fault, 1, 3, 0]) + said
+        yield f"two-{fault}", bytes([0, 2, fault, 1, 0xFF, 0, 3, 0xFF, 0]) + said
     setup = b"\x03" + two_parts(REQUESTS[1])
     for number, each in enumerate(REQUESTS):
-        yield f"request-{number}", b"\x00\x00" + setup + b"\x03" + two_parts(each)
-        yield f"report-{number}", b"\x00\x00" + setup + b"\x00" + two_parts(packet(each))
-    yield "longest-read", b"\x00\x00" + setup + b"".join(
+        yield f"request-{number}", b"\x00\x00\x00" + setup + b"\x03" + two_parts(each)
+        yield f"report-{number}", b"\x00\x00\x00" + setup + b"\x00" + two_parts(packet(each))
+    yield "longest-read", b"\x00\x00\x00" + setup + b"".join(
         b"\x03" + two_parts(each) for each in (
             REQUESTS[3], frame("0100 0509 00 FFFF 51 02 00 00000000")))
-    yield "long-message", b"\x01\x00" + setup + b"\x03" + two_parts(REQUESTS[11]) + (
+    yield "long-message", b"\x01\x00\x00" + setup + b"\x03" + two_parts(REQUESTS[11]) + (
         b"\x03" + two_parts(frame("0100 0510 FFFF"), repeated(0xFFFF, 0x41)))
 
 
@@ -223,7 +228,7 @@ def usbip():
     yield "busy", b"\x00\x00\x00" + sent(IMPORT) + sent(IMPORT, host=1) + b"\x04" + sent(IMPORT, host=1)
     yield "pieces", b"\x00\x00\x00" + sent(IMPORT[:7], IMPORT[7:30], IMPORT[30:], configure[:20])
     yield "late", b"\x00\x01\x01" + sent(configure, write, write, write, read, read, read) + b"\x02\xff"
-    for fault in range(11):
+    for fault in range(16):
         yield f"fault-{fault}", bytes([0, fault, 1]) + sent(configure, *[read, write] * 4) + b"\x02\xff"
     yield "malformed", b"\x00\x00\x01" + sent(struct.pack(">I", 7) + bytes(44))
     yield "too-long", b"\x00\x00\x01" + sent(submit(1, 1, 0, 0x10001))
