@@ -45,17 +45,20 @@ std::vector<AdapterSettings> AdapterChoice::all() const {
 
 void addAdapterOptions(CLI::App& command, AdapterSettings& settings) {
     for (const SettingText& setting : settingTexts()) {
-        const auto read = [&setting, &settings](const std::vector<std::string>& texts) {
-            for (const std::string& text : texts) {
-                readSetting(setting, setting.option, settings, text);
-            }
+        const auto read = [&setting, &settings](const std::string& text) {
+            readSetting(setting, setting.option, settings, text);
         };
-        command.add_option_function<std::vector<std::string>>(setting.option, read, setting.help)
-            ->type_name(setting.placeholder)
+        const auto readEach = [read](const std::vector<std::string>& texts) {
+            std::for_each(texts.begin(), texts.end(), read);
+        };
+        CLI::Option* const option =
+            setting.repeats
+                ? command.add_option_function<std::vector<std::string>>(setting.option, readEach,
+                                                                        setting.help)
+                : command.add_option_function<std::string>(setting.option, read, setting.help);
+        option->type_name(setting.placeholder)
             ->default_str(setting.write(settings))
-            ->expected(1)
-            ->multi_option_policy(setting.repeats ? CLI::MultiOptionPolicy::TakeAll
-                                                  : CLI::MultiOptionPolicy::Throw);
+            ->allow_extra_args(false);
     }
 }
 

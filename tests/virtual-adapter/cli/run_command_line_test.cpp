@@ -50,7 +50,8 @@ TEST(RunCommandLine, EveryOptionTakesOneValueAndComesOnce) {
         {{"--serial"}, "--serial"},
         {{"--fault-delay"}, "--fault-delay"},
         {{"--model", "full-speed", "--model", "full-speed"}, "--model"},
-        {{"--model", "full-speed", "high-speed"}, "high-speed"}};
+        {{"--model", "full-speed", "high-speed"}, "high-speed"},
+        {{"--fault", "stall", "unplug"}, "unplug"}};
     for (const auto& [options, named] : cases) {
         const ProcessResult result = run(options, {hidProbe});
         EXPECT_EQ(result.status, refused) << testing::PrintToString(options);

@@ -182,7 +182,7 @@ TEST(Serve, AFaultOfTheAdapterIsTaken) {
 TEST(Attach, HelpNamesTheFaultsOfTheAdapterAlone) {
     const ProcessResult result = runProcess({VIRTUAL_ADAPTER, "attach", "--help"});
     EXPECT_EQ(result.status, 0);
-    EXPECT_THAT(result.output, HasSubstr("stall, over-long-count, notification-storm\n"));
+    EXPECT_THAT(result.output, HasSubstr("flipped-bit, stuck-bus, write-protected\n"));
 }
 
 TEST(Attach, WithoutTheKernelsModuleTheMessageSaysHowToLoadIt) {

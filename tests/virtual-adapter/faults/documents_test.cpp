@@ -15,7 +15,8 @@ using virtual_adapter::FaultSpan;
 namespace {
 
 /// The rows of a page's tables that the pattern matches: what its two groups hold.
-std::multimap<std::string, std::string> rowsOf(const std::string& page, const std::string& pattern) {
+std::multimap<std::string, std::string> rowsOf(const std::string& page,
+                                               const std::string& pattern) {
     std::ifstream file(std::string(DOCUMENTS) + "/virtual-adapter/" + page);
     EXPECT_TRUE(file.is_open());
     const std::regex row(pattern);
