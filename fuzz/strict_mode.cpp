@@ -185,6 +185,7 @@ void converse(uint8_t settings, int timeoutMs, UnreliableAdapter& adapter, Outag
     }
     std::atomic<size_t> running{scripts.size()};
     std::vector<std::thread> threads;
+    threads.reserve(scripts.size());
     for (const auto& script : scripts) {
         threads.emplace_back([&] {
             for (const Operation& operation : script) {
