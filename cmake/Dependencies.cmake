@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The libveltrasdk authors
 # SPDX-License-Identifier: MIT
-# What the library and the virtual adapter are built with. Whoever lacks something is told what to
+# What the library and the programs are built with. Whoever lacks something is told what to
 # type; the tests name what they need where they need it.
 set(HIDAPI_MIN_VERSION 0.13.1)
 
@@ -32,6 +32,17 @@ if(VELTRASDK_BUILD_VIRTUAL_ADAPTER)
                             "On Debian: sudo apt install libcli11-dev. Installed elsewhere: add "
                             "-D CLI11_DIR=DIRECTORY_OF_CLI11Config.cmake. To build without the "
                             "virtual adapter: add -D VELTRASDK_BUILD_VIRTUAL_ADAPTER=OFF "
+                            "-D BUILD_TESTING=OFF")
+    endif()
+endif()
+
+if(VELTRASDK_BUILD_VELTRA)
+    find_package(CLI11 QUIET)
+    find_package(nlohmann_json QUIET)
+    if(NOT CLI11_FOUND OR NOT nlohmann_json_FOUND)
+        message(FATAL_ERROR "The program veltra needs CLI11 and nlohmann-json, which CMake does not both "
+                            "find. On Debian: sudo apt install libcli11-dev nlohmann-json3-dev. "
+                            "To build without veltra: add -D VELTRASDK_BUILD_VELTRA=OFF "
                             "-D BUILD_TESTING=OFF")
     endif()
 endif()

@@ -38,6 +38,24 @@ install(FILES ${PROJECT_BINARY_DIR}/veltrasdk.pc
     DESTINATION ${veltrasdk_pkgconfig_directory}
     COMPONENT development)
 
+if(VELTRASDK_BUILD_VELTRA)
+    # Below another prefix than the system's the library is beside it.
+    if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+        file(RELATIVE_PATH library_directory
+            ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+        set_target_properties(veltra PROPERTIES INSTALL_RPATH $ORIGIN/${library_directory})
+    endif()
+    install(TARGETS veltra
+        RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+        COMPONENT veltra)
+    install(FILES ${PROJECT_SOURCE_DIR}/veltra/schema.json
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/veltra
+        COMPONENT veltra)
+    install(FILES ${PROJECT_SOURCE_DIR}/veltra/completion/veltra.bash
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+        RENAME veltra
+        COMPONENT veltra)
+endif()
 if(VELTRASDK_BUILD_VIRTUAL_ADAPTER)
     install(TARGETS veltra-virtual-adapter
         RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}

@@ -9,6 +9,7 @@ if(PROJECT_IS_TOP_LEVEL)
 endif()
 
 option(VELTRASDK_BUILD_VIRTUAL_ADAPTER "Build the virtual adapter" ${PROJECT_IS_TOP_LEVEL})
+option(VELTRASDK_BUILD_VELTRA "Build veltra, the program for the command line" ${PROJECT_IS_TOP_LEVEL})
 option(VELTRASDK_BUILD_EXAMPLES "Build the examples" ${PROJECT_IS_TOP_LEVEL})
 option(VELTRASDK_INSTALL "Install what is built, with its CMake package, pkg-config file and udev rule"
        ${PROJECT_IS_TOP_LEVEL})
@@ -21,9 +22,10 @@ option(VELTRASDK_COVERAGE "Instrument for gcov" OFF)
 option(VELTRASDK_FUZZ "Build the fuzz targets with libFuzzer; needs clang" OFF)
 set(VELTRASDK_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize= takes them")
 
-foreach(component IN ITEMS VELTRASDK_BUILD_VIRTUAL_ADAPTER VELTRASDK_BUILD_EXAMPLES VELTRASDK_INSTALL)
+foreach(component IN ITEMS VELTRASDK_BUILD_VIRTUAL_ADAPTER VELTRASDK_BUILD_VELTRA VELTRASDK_BUILD_EXAMPLES
+        VELTRASDK_INSTALL)
     if(VELTRASDK_BUILD_TESTS AND NOT ${component})
-        message(FATAL_ERROR "The tests run the virtual adapter, the examples and what is installed: "
+        message(FATAL_ERROR "The tests run the virtual adapter, veltra, the examples and what is installed: "
                             "add -D ${component}=ON, or -D VELTRASDK_BUILD_TESTS=OFF")
     endif()
 endforeach()

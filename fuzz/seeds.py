@@ -284,7 +284,20 @@ def capture():
     yield "other-file", b"\xd4\xc3\xb2\xa1" + bytes(20)
 
 
-TARGETS = (capture, packet_joining, operations, strict_mode, notifications, virtual_adapter, usbip)
+def veltra_words():
+    """One word or line of each kind, under the number of its reader; and a flash's tables."""
+    for kind, name, text in (
+        (0, "number", "0b101"), (0, "octal", "010"), (1, "bytes", "1\n0xff\nhex:00ff\nstr:text"),
+        (2, "descriptors", "w3@0x50\n0x10\n0xff+\nr5"), (3, "line", "set A='b c' \"$A\" ${A} # all"),
+        (4, "expectation", "01 ?? 04"), (5, "record", "static=0x48,dynamic=9,pid=0461000000aa,ibi=reject,legacy"),
+        (6, "code", "setmrl\nall\n64\n8"), (0, "clock", "12.5M"), (0, "voltage", "3.3"),
+    ):
+        yield name, bytes([kind]) + text.encode()
+    basic = bytes.fromhex("E52080FF FFFF1F00 00000000 00000000 EEFFFFFF FFFF0000 FFFF0000 0C200000 00000000")
+    yield "tables", b"\x07SFDP" + bytes.fromhex("000100FF 00000109 100000FF") + basic
+
+
+TARGETS = (capture, packet_joining, operations, strict_mode, notifications, virtual_adapter, usbip, veltra_words)
 
 for target in TARGETS:
     directory = pathlib.Path(sys.argv[1], target.__name__)

@@ -33,6 +33,8 @@ FLOORS = {
     "preload": ("hidapi.h",),
     "usbip": (),
     "capture": (),
+    # The public headers, which are the only way in for a program.
+    "veltra": (),
 }
 # The rooms of the virtual adapter and around it, and what each may include beside its own files:
 # whole rooms, or single files of one. A file belongs to the innermost room that it lies in.

@@ -1,0 +1,26 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace veltra {
+
+/// What only an adapter can tell; nothing where it cannot be asked at once.
+struct LiveValues {
+    std::function<std::vector<std::string>()> adapters;
+    /// As the commands take them, of the adapter that the words choose.
+    std::function<std::vector<std::string>(const std::string& device)> targets;
+};
+
+/// The words that may stand in the place of `words[index]`, by walking the grammar; `words[0]` is
+/// the program's name.
+std::vector<std::string> complete(const CLI::App& grammar, const std::vector<std::string>& words,
+                                  size_t index, const LiveValues& live);
+
+} // namespace veltra
