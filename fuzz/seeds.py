@@ -297,7 +297,56 @@ def veltra_words():
     yield "tables", b"\x07SFDP" + bytes.fromhex("000100FF 00000109 100000FF") + basic
 
 
-TARGETS = (capture, packet_joining, operations, strict_mode, notifications, virtual_adapter, usbip, veltra_words)
+def message(kind, content=b""):
+    return struct.pack("<IB", len(content) + 1, kind) + content
+
+
+def socket():
+    hello = message(1, frame("56564153 0100"))
+    opened = hello + message(3, b"\x01")
+    write = message(5, packet(REQUESTS[0]))
+    read = message(6, struct.pack("<i", 20))
+
+    def sent(*messages, client=0):
+        return b"".join(bytes([0x10 | client]) + two_parts(each) for each in messages)
+
+    def answered(client=0):
+        return bytes([client])
+
+    yield "list", b"\x00" + sent(hello + message(2))
+    yield "hold", b"\x00" + sent(hello + message(9))
+    yield "talk", b"\x00" + sent(opened) + answered() + sent(write) + answered() + sent(read)
+    yield "reader", b"\x00" + sent(opened) + sent(
+        hello + message(4, frame("01000000")), client=1) + answered(1) + sent(
+        message(6, b"\xff" * 4), client=1) + answered() + sent(write) + answered(1)
+    yield "late", b"\x00" + sent(opened) + answered() + sent(read) + b"\x02\x02"
+    yield "closed", b"\x00" + sent(opened) + answered() + sent(read) + b"\x04" + sent(opened)
+    yield "pieces", b"\x00" + sent(hello[:3], hello[3:], opened[11:14], opened[14:])
+    for name, text in (("reset", b"reset"), ("unplug", b"unplug"), ("nonsense", b"\xff;")):
+        yield f"tell-{name}", b"\x00" + sent(
+            hello + message(8, struct.pack("<H", 7) + b"VA-0001" + text))
+    yield "other-version", b"\x00" + sent(message(1, frame("56564153 0200")))
+    yield "too-long", b"\x00" + sent(hello + b"\xff\xff\xff\xff")
+
+    def text(value):
+        return struct.pack("<H", len(value)) + value.encode("utf-32-le")
+
+    adapter = frame("01 01 0912 0100 0001") + text("Veltra") + text("full-speed") + text("VA-0001")
+    for name, content in (
+        ("none", b"\x00"), ("one", b"\x01" + adapter), ("two", b"\x02" + adapter * 2),
+        ("fewer", b"\x03" + adapter), ("cut", b"\x01" + adapter[:-3]),
+        ("forbidden", b"\x01" + frame("01 00 0912 0100 0001 0000 0000 0000")),
+    ):
+        yield f"adapters-{name}", b"\x01\x82" + two_parts(content) + b"\x00\x00"
+    for name, content in (
+        ("whole", message(0x86, b"\x00" + bytes(64))), ("notice", message(0x90, b"hello\n")),
+        ("empty", bytes(5)), ("over-long", frame("ffffffff 86")), ("behind", message(0x86) * 2),
+    ):
+        yield f"reply-{name}", b"\x01\x86" + two_parts(content) + b"\x00\x00"
+
+
+TARGETS = (
+    capture, packet_joining, operations, strict_mode, notifications, virtual_adapter, usbip, socket, veltra_words)
 
 for target in TARGETS:
     directory = pathlib.Path(sys.argv[1], target.__name__)

@@ -27,6 +27,15 @@ struct Held {
 // a child before its first thread.
 Held held;
 
+int hold(const char* path) {
+    const int socket = virtual_adapter::greetAdapter(path);
+    virtual_adapter::ClientMessage message(virtual_adapter::ClientMessageKind::Hold);
+    if (socket >= 0) {
+        virtual_adapter::sendMessage(socket, message);
+    }
+    return socket;
+}
+
 } // namespace
 
 bool socketPath(unsigned number, char (&path)[maxSocketPath]) {
@@ -50,7 +59,7 @@ void holdAdapters() {
     held.count = 0;
     char path[maxSocketPath];
     while (held.count < maxHeld && socketPath(held.count + 1, path)) {
-        held.sockets[held.count++] = virtual_adapter::connectToAdapter(path);
+        held.sockets[held.count++] = hold(path);
     }
     for (unsigned i = 0; i < before.count; ++i) {
         if (before.sockets[i] >= 0) {

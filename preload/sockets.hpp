@@ -15,8 +15,8 @@ constexpr unsigned long maxSocketPath = 108;
 /// there are fewer. A path that is too long for a socket is stored empty.
 bool socketPath(unsigned number, char (&path)[maxSocketPath]);
 
-/// Connects this process to its adapters for as long as it lives, so that they live as long. What
-/// is held already, also by the process that this one was forked from, is let go.
+/// Makes the adapters live as long as this process, whatever becomes of its descriptors. What is
+/// held already, also by the process that this one was forked from, is let go.
 void holdAdapters();
 
 } // namespace preload

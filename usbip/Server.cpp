@@ -71,6 +71,10 @@ bool Server::serveOnce(const FileDescriptor& stop) {
         const bool unsent = !host.connection.output().empty();
         polled.push_back({host.socket.get(), eventsOf(host.connection.wantsInput(), unsent), 0});
     }
+    const size_t ofTask = polled.size();
+    if (beside != nullptr) {
+        beside->watch(polled, before);
+    }
     if (poll(polled.data(), polled.size(), millisecondsToWait(before)) < 0) {
         if (errno == EINTR) {
             return true;
@@ -79,6 +83,9 @@ bool Server::serveOnce(const FileDescriptor& stop) {
     }
 
     const Time now = limits.clock();
+    if (beside != nullptr) {
+        beside->react(polled.data() + ofTask, now);
+    }
     auto events = polled.begin() + 2;
     for (Host& host : hosts) {
         if (((events++)->revents & (POLLIN | POLLHUP | POLLERR)) != 0) {
@@ -96,12 +103,17 @@ bool Server::serveOnce(const FileDescriptor& stop) {
 
 int Server::millisecondsToWait(Time now) const {
     std::optional<Time> next = acceptAgain;
-    for (const Host& host : hosts) {
-        for (const std::optional<Time>& event : {host.deadline, host.connection.nextDue()}) {
-            if (event && (!next || *event < *next)) {
-                next = event;
-            }
+    const auto keepEarlier = [&next](const std::optional<Time>& event) {
+        if (event && (!next || *event < *next)) {
+            next = event;
         }
+    };
+    for (const Host& host : hosts) {
+        keepEarlier(host.deadline);
+        keepEarlier(host.connection.nextDue());
+    }
+    if (beside != nullptr) {
+        keepEarlier(beside->nextDue());
     }
     if (!next) {
         return -1;

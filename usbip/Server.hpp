@@ -5,6 +5,7 @@
 
 #include "usbip/Connection.hpp"
 #include "usbip/FileDescriptor.hpp"
+#include "usbip/PollTask.hpp"
 
 #include <chrono>
 #include <cstddef>
@@ -39,6 +40,9 @@ public:
     /// Plugs the device into the host at the other end of @p socket.
     void plugInto(FileDescriptor socket);
 
+    /// Looks after @p task too, which must outlive `run`.
+    void lookAfter(PollTask& task) { beside = &task; }
+
     enum class End { Stopped, NothingLeft };
 
     /// Returns when @p stop becomes readable, or nothing is left to serve. Throws
@@ -69,6 +73,7 @@ private:
 
     ExportedDevice exported;
     const ServerLimits limits;
+    PollTask* beside = nullptr;
     FileDescriptor listener;
     /// The oldest first.
     std::list<Host> hosts;

@@ -14,6 +14,7 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <stdexcept>
@@ -24,6 +25,9 @@ namespace virtual_adapter {
 namespace {
 
 using usbip::FileDescriptor;
+
+/// For the next program of a script to start.
+constexpr std::chrono::seconds patience{1};
 
 /// What the new process says first: where its socket is, or why there is none.
 constexpr char isReady = '+';
@@ -101,7 +105,7 @@ int beAdapters(const std::vector<AdapterSettings>& adapters, pid_t program, File
         SocketPlace place = SocketPlace::inDirectoryOfItsOwn();
         AdapterRack rack(adapters);
         SocketServer server(rack, place.takeListener());
-        server.endWithPrograms(program);
+        server.endWithPrograms(program, patience);
         server.passOn(std::move(messages));
         say(ready, isReady + place.path());
         ready.reset();

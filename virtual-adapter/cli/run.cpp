@@ -28,6 +28,9 @@ struct RunOptions {
 
 std::string joinedSocket(const std::string& path) {
     const std::string absolute = std::filesystem::absolute(path).lexically_normal();
+    if (absolute.find(':') != std::string::npos) {
+        fail(cannotSetUp, "a socket's path cannot hold a colon: " + absolute);
+    }
     const usbip::FileDescriptor socket(connectToAdapter(absolute.c_str()));
     if (!socket.isOpen()) {
         fail(cannotSetUp, "no adapter at " + absolute + ": " +
@@ -38,8 +41,9 @@ std::string joinedSocket(const std::string& path) {
 }
 
 std::string newSocket(const AdapterChoice& adapters) {
+    const std::vector<AdapterSettings> all = adapters.all();
     try {
-        return startAdapterProcess(adapters.all());
+        return startAdapterProcess(all);
     } catch (const std::runtime_error& error) {
         fail(cannotSetUp, error.what());
     }

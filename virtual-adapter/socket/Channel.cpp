@@ -131,34 +131,51 @@ bool sendMessage(int socket, ClientMessage& message) {
     return sendAll(socket, parts, message.restSize() > 0 ? 2 : 1);
 }
 
+ReplyStep nextReply(const uint8_t* bytes, size_t have, size_t capacity, ReplyKind kind,
+                    size_t& size) {
+    ByteReader head(bytes, have);
+    const size_t rest = head.u32();
+    const auto received = static_cast<ReplyKind>(head.u8());
+    size = messageHead;
+    if (head.overran()) {
+        return ReplyStep::Incomplete;
+    }
+    const bool isText = received == ReplyKind::Notice || received == ReplyKind::Refused;
+    if (rest < 1 || rest > capacity - messageSizeField || (received != kind && !isText)) {
+        return ReplyStep::Broken;
+    }
+    size = messageSizeField + rest;
+    if (have < size) {
+        return ReplyStep::Incomplete;
+    }
+    if (received != kind) {
+        return ReplyStep::Text;
+    }
+    return have == size ? ReplyStep::Wanted : ReplyStep::Broken;
+}
+
 bool receiveReply(int socket, ReplyKind kind, uint8_t* buffer, size_t capacity, Reply& reply) {
     size_t have = 0;
     for (;;) {
-        have = receive(socket, buffer, have, messageHead, capacity);
-        if (have < messageHead) {
+        size_t size = 0;
+        switch (nextReply(buffer, have, capacity, kind, size)) {
+        case ReplyStep::Incomplete:
+            have = receive(socket, buffer, have, size, capacity);
+            if (have < size) {
+                return false;
+            }
+            break;
+        case ReplyStep::Text:
+            print(buffer + messageHead, size - messageHead);
+            have -= size;
+            std::memmove(buffer, buffer + size, have);
+            break;
+        case ReplyStep::Wanted:
+            reply = {buffer + messageHead, size - messageHead};
+            return true;
+        case ReplyStep::Broken:
             return false;
         }
-        ByteReader head(buffer, have);
-        const size_t size = head.u32();
-        const auto received = static_cast<ReplyKind>(head.u8());
-        if (size < 1 || size > capacity - messageSizeField) {
-            return false;
-        }
-        const size_t end = messageSizeField + size;
-        have = receive(socket, buffer, have, end, capacity);
-        if (have < end) {
-            return false;
-        }
-        if (received == kind) {
-            reply = {buffer + messageHead, size - 1};
-            return have == end;
-        }
-        if (received != ReplyKind::Notice && received != ReplyKind::Refused) {
-            return false;
-        }
-        print(buffer + messageHead, size - 1);
-        have -= end;
-        std::memmove(buffer, buffer + end, have);
     }
 }
 

@@ -32,6 +32,22 @@ struct Reply {
     [[nodiscard]] ByteReader reader() const { return {data, size}; }
 };
 
+enum class ReplyStep {
+    /// More bytes must come.
+    Incomplete,
+    /// The reply that was waited for, and nothing behind it.
+    Wanted,
+    /// A text for people comes first.
+    Text,
+    /// None that can be: too long, of another kind, or with bytes behind it.
+    Broken,
+};
+
+/// What the first message among @p have bytes is to one who waits for @p kind and has room for
+/// @p capacity bytes. @p size is how long the message is, once that is known.
+ReplyStep nextReply(const uint8_t* bytes, size_t have, size_t capacity, ReplyKind kind,
+                    size_t& size);
+
 /// Waits for the reply of the given kind and stores it in @p buffer. Notices that come before it
 /// are printed on the standard error output. False when the connection has ended, when the reply
 /// is another one, or longer than @p capacity.

@@ -36,6 +36,7 @@ enum class ClientMessageKind : uint8_t {
     Read = 6,
     Close = 7,
     Tell = 8,
+    Hold = 9,
 };
 
 enum class ReplyKind : uint8_t {

@@ -90,6 +90,9 @@ void SocketConnection::answer(const MessageBuffer::Message& message, Time now) {
     case ClientMessageKind::Tell:
         tell(fields, now);
         break;
+    case ClientMessageKind::Hold:
+        holds = true;
+        break;
     default:
         refuse("a message is of no kind that there is");
         return;

@@ -37,8 +37,14 @@ public:
     /// Whether to receive: not while it has an answer to wait for or to take.
     [[nodiscard]] bool wantsInput() const { return !waiting && unsent.empty() && !over; }
 
+    /// Whether the client waits for a report.
+    [[nodiscard]] bool isReading() const { return waiting.has_value(); }
+
     /// Once what is to be sent is sent, the connection ends.
     [[nodiscard]] bool isOver() const { return over; }
+
+    /// Whether the client has asked that the adapters live as long as its process.
+    [[nodiscard]] bool holdsAdapters() const { return holds; }
 
     /// The client has gone: closes what it had open.
     void hangUp(Time now);
@@ -65,6 +71,7 @@ private:
     Bytes unsent;
     bool hasGreeted = false;
     bool over = false;
+    bool holds = false;
     bool isOwner = false;
     HostedAdapter* adapter = nullptr;
     HostedAdapter::Session session = 0;

@@ -22,9 +22,6 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-/// For the next program of a script to start.
-constexpr auto patience = 1s;
-
 /// Until descriptors may have become free elsewhere.
 constexpr auto acceptPause = 100ms;
 
@@ -60,16 +57,17 @@ void keepEarlier(std::optional<SocketServer::Time>& earliest,
 
 } // namespace
 
-void SocketServer::endWithPrograms(pid_t program) {
+void SocketServer::endWithPrograms(pid_t program, std::chrono::milliseconds patience) {
     endsWithPrograms = true;
+    patienceWithoutPrograms = patience;
     programs.add(program);
 }
 
 void SocketServer::run(const usbip::FileDescriptor& stop) {
     for (;;) {
         const Time now = Clock::now();
-        std::vector<pollfd> polled = whatToWaitFor(now);
-        polled.push_back({stop.get(), POLLIN, 0});
+        std::vector<pollfd> polled{{stop.get(), POLLIN, 0}};
+        watch(polled, now);
         const std::optional<Time> due = nextDue();
         const timespec wait = timeUntil(due.value_or(now), now);
         if (ppoll(polled.data(), polled.size(), due ? &wait : nullptr, nullptr) < 0) {
@@ -79,25 +77,25 @@ void SocketServer::run(const usbip::FileDescriptor& stop) {
             throw std::system_error(errno, std::generic_category(), "cannot wait for programs");
         }
         const Time then = Clock::now();
-        react(polled, then);
-        if (polled.back().revents != 0 || (deserted && *deserted + patience <= then)) {
+        react(polled.data() + 1, then);
+        if (polled.front().revents != 0 ||
+            (deserted && *deserted + patienceWithoutPrograms <= then)) {
             return;
         }
     }
 }
 
-std::vector<pollfd> SocketServer::whatToWaitFor(Time now) {
+void SocketServer::watch(std::vector<pollfd>& polled, Time now) {
     if (acceptAgain && *acceptAgain <= now) {
         acceptAgain.reset();
     }
-    std::vector<pollfd> polled{{listener.get(), static_cast<short>(acceptAgain ? 0 : POLLIN), 0}};
+    polled.push_back({listener.get(), static_cast<short>(acceptAgain ? 0 : POLLIN), 0});
     programs.watch(polled);
     for (Client& client : clients) {
         const int input = client.connection.wantsInput() ? POLLIN : 0;
         const int output = client.connection.output().empty() ? 0 : POLLOUT;
         polled.push_back({client.socket.get(), static_cast<short>(input | output), 0});
     }
-    return polled;
 }
 
 std::optional<SocketServer::Time> SocketServer::nextDue() const {
@@ -106,16 +104,17 @@ std::optional<SocketServer::Time> SocketServer::nextDue() const {
         keepEarlier(next, client.connection.nextDue());
     }
     if (deserted) {
-        keepEarlier(next, *deserted + patience);
+        keepEarlier(next, *deserted + patienceWithoutPrograms);
     }
     return next;
 }
 
-void SocketServer::react(const std::vector<pollfd>& polled, Time now) {
-    const auto events = programs.removeEnded(polled.begin() + 1);
+void SocketServer::react(const pollfd* events, Time now) {
+    const bool someoneConnects = (events->revents & POLLIN) != 0;
+    const pollfd* const ofClients = programs.removeEnded(events + 1);
     // Those who have gone first: what they had open is free for the others.
     for (const bool gone : {true, false}) {
-        auto event = events;
+        const pollfd* event = ofClients;
         for (Client& client : clients) {
             const auto happened = static_cast<unsigned>((event++)->revents);
             if (gone == ((happened & (POLLHUP | POLLERR)) != 0) && happened != 0) {
@@ -125,7 +124,7 @@ void SocketServer::react(const std::vector<pollfd>& polled, Time now) {
     }
     answer(now);
     removeGone();
-    if ((polled.front().revents & POLLIN) != 0) {
+    if (someoneConnects) {
         accept(now);
     }
     if (!endsWithPrograms || hasPrograms()) {
@@ -149,10 +148,7 @@ void SocketServer::accept(Time now) {
     if (!peer || !isMine(*peer)) {
         return;
     }
-    if (endsWithPrograms) {
-        programs.add(peer->pid);
-    }
-    clients.emplace_back(std::move(socket), rack);
+    clients.emplace_back(std::move(socket), peer->pid, rack);
 }
 
 void SocketServer::receive(Client& client, bool gone, Time now) {
@@ -164,6 +160,9 @@ void SocketServer::receive(Client& client, bool gone, Time now) {
         if (size > 0) {
             client.connection.receive(buffer.data(), static_cast<size_t>(size), now);
             addNotices(client.connection.output());
+            if (endsWithPrograms && client.connection.holdsAdapters()) {
+                programs.add(client.process);
+            }
         } else if (gone || (size == 0 && client.connection.wantsInput()) ||
                    (size < 0 && !wouldBlock())) {
             client.isGone = true;
@@ -176,19 +175,30 @@ void SocketServer::answer(Time now) {
     bool somethingWasSaid = true;
     while (somethingWasSaid) {
         somethingWasSaid = false;
+        // Reports before what says that their request is written: the thread that wrote it then
+        // seldom has to be put to sleep and woken.
         for (Client& client : clients) {
-            if (client.isGone) {
-                continue;
-            }
-            send(client, now);
-            if (client.connection.serve(now)) {
-                addNotices(client.connection.output());
-                send(client, now);
-                // It may have set others free.
-                somethingWasSaid = true;
-            }
+            somethingWasSaid =
+                (client.connection.isReading() && answer(client, now)) || somethingWasSaid;
+        }
+        for (Client& client : clients) {
+            somethingWasSaid = answer(client, now) || somethingWasSaid;
         }
     }
+}
+
+bool SocketServer::answer(Client& client, Time now) {
+    if (client.isGone) {
+        return false;
+    }
+    send(client, now);
+    if (!client.connection.serve(now)) {
+        return false;
+    }
+    addNotices(client.connection.output());
+    send(client, now);
+    // It may have set others free.
+    return true;
 }
 
 void SocketServer::send(Client& client, Time now) {

@@ -28,8 +28,7 @@ void WatchedPrograms::watch(std::vector<pollfd>& polled) const {
     }
 }
 
-std::vector<pollfd>::const_iterator
-WatchedPrograms::removeEnded(std::vector<pollfd>::const_iterator events) {
+const pollfd* WatchedPrograms::removeEnded(const pollfd* events) {
     for (auto each = programs.begin(); each != programs.end(); ++events) {
         each = events->revents != 0 ? programs.erase(each) : std::next(each);
     }

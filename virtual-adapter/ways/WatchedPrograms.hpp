@@ -26,7 +26,7 @@ public:
     void watch(std::vector<pollfd>& polled) const;
 
     /// Forgets those that have ended. Takes what `watch` appended; returns what is behind it.
-    std::vector<pollfd>::const_iterator removeEnded(std::vector<pollfd>::const_iterator events);
+    const pollfd* removeEnded(const pollfd* events);
 
 private:
     std::map<pid_t, usbip::FileDescriptor> programs;

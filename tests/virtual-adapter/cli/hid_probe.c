@@ -5,8 +5,10 @@
 
 #include <hidapi.h>
 
+#include <fcntl.h>
 #include <locale.h>
 #include <pthread.h>
+#include <signal.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -101,6 +103,27 @@ static void forkChildren(int count) {
     }
 }
 
+/* Waits until somebody opens the pipe of that name for writing. */
+static void waitForFile(const char* fifo) {
+    close(open(fifo, O_RDONLY));
+}
+
+/* Becomes a daemon that holds none of its starter's descriptors and prints into the file. */
+static void becomeDaemon(const char* file) {
+    for (int i = 0; i < 2; ++i) {
+        if (fork() != 0) {
+            _exit(0);
+        }
+        setsid();
+    }
+    for (int descriptor = (int)sysconf(_SC_OPEN_MAX) - 1; descriptor >= 0; --descriptor) {
+        close(descriptor);
+    }
+    open("/dev/null", O_RDONLY);
+    open(file, O_WRONLY);
+    dup2(STDOUT_FILENO, STDERR_FILENO);
+}
+
 static int play(const char* call) {
     if (strcmp(call, "init") == 0) {
         printf("init: %d\n", hid_init());
@@ -120,6 +143,12 @@ static int play(const char* call) {
         startHammering();
     } else if (strncmp(call, "fork ", 5) == 0) {
         forkChildren(atoi(call + 5));
+    } else if (strncmp(call, "daemon ", 7) == 0) {
+        becomeDaemon(call + 7);
+    } else if (strncmp(call, "raise ", 6) == 0) {
+        raise(atoi(call + 6));
+    } else if (strncmp(call, "wait ", 5) == 0) {
+        waitForFile(call + 5);
     } else if (strcmp(call, "leave") == 0) {
         _exit(0);
     } else {

@@ -25,20 +25,16 @@ public:
           stop(eventfd(0, EFD_CLOEXEC)),
           thread([this] { server.run(stop); }) {}
 
-    ~ServedAdapters() { end(); }
+    /// What the programs then see is an adapter that has crashed.
+    ~ServedAdapters() {
+        const uint64_t one = 1;
+        (void)!write(stop.get(), &one, sizeof one);
+        thread.join();
+    }
     ServedAdapters(const ServedAdapters&) = delete;
     ServedAdapters& operator=(const ServedAdapters&) = delete;
 
     [[nodiscard]] const std::string& path() const { return place.path(); }
-
-    /// What the programs then see is an adapter that has crashed, but for the connections.
-    void end() {
-        if (thread.joinable()) {
-            const uint64_t one = 1;
-            (void)!write(stop.get(), &one, sizeof one);
-            thread.join();
-        }
-    }
 
 private:
     TemporaryDirectory directory;
