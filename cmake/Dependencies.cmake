@@ -34,6 +34,20 @@ if(VELTRASDK_BUILD_VIRTUAL_ADAPTER)
                             "virtual adapter: add -D VELTRASDK_BUILD_VIRTUAL_ADAPTER=OFF "
                             "-D BUILD_TESTING=OFF")
     endif()
+    find_package(nlohmann_json QUIET)
+    if(NOT nlohmann_json_FOUND)
+        message(FATAL_ERROR "The virtual adapter needs nlohmann-json, which CMake does not find. "
+                            "On Debian: sudo apt install nlohmann-json3-dev")
+    endif()
+    pkg_check_modules(VELTRASDK_TOMLPLUSPLUS QUIET tomlplusplus>=3.3)
+    if(NOT VELTRASDK_TOMLPLUSPLUS_FOUND)
+        message(FATAL_ERROR "The virtual adapter needs toml++ 3.3 or later, which pkg-config does not "
+                            "find as tomlplusplus. On Debian: sudo apt install libtomlplusplus-dev")
+    endif()
+    # Its header alone, which is all of it.
+    add_library(veltrasdk_tomlplusplus INTERFACE)
+    target_include_directories(veltrasdk_tomlplusplus SYSTEM INTERFACE
+        ${VELTRASDK_TOMLPLUSPLUS_INCLUDE_DIRS})
 endif()
 
 if(VELTRASDK_BUILD_VELTRA)

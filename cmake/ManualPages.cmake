@@ -36,6 +36,8 @@ add_manual_page(serve "keep a virtual USB adapter at a socket, or export it over
 add_manual_page(attach "plug a virtual USB adapter into this machine's kernel")
 add_manual_page(tell "let something happen to a virtual USB adapter")
 
+add_manual_page(check "say what is wrong with a board of the virtual adapter")
+
 set(veltra_pages "")
 if(VELTRASDK_BUILD_VELTRA)
     add_page_of(veltra "" "drive a USB adapter for I3C, I2C, SPI, UART and GPIO" veltra_pages)

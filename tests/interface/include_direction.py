@@ -73,14 +73,20 @@ ROOMS = {
         "model/i3c/I3cTarget.hpp",
     ),
     "faults": ("bytes/", "model/Frame.hpp", "model/Outbox.hpp", "board/Board.hpp"),
+    # What of a board has input and output stands in these two.
+    "board/program": ("bytes/", "board/BoardDescription.hpp", "board/Setting.hpp"),
+    "board/file": ("bytes/", "board/"),
     "device": ("bytes/", "model/Adapter.hpp", "model/AdapterVariant.hpp", "board/", "faults/"),
     "usbip": ("bytes/",),
     "socket": ("bytes/",),
     "ways": ("bytes/", "device/", "socket/", "usbip/"),
-    "cli": ("device/", "faults/", "socket/", "usbip/", "ways/"),
     "preload": ("bytes/", "socket/", "capture/"),
     "capture": ("bytes/",),
+    "cli": ("board/BoardTable.hpp", "board/file/", "device/", "faults/", "socket/", "usbip/", "ways/"),
 }
+# Rooms without input or output, clock or thread, and what they would be had by.
+CLOSED = ("bytes", "model", "board", "board/parts", "faults")
+MEANS = ("fcntl.h", "filesystem", "fstream", "iostream", "poll.h", "pthread.h", "sys/", "thread", "unistd.h")
 # What makes the notification record of C that of the classes, and who may include it.
 RECORD_OF_CLASSES = "veltrasdk/Notification.hpp"
 NEED_RECORD = ("notification_queue.h", "veltrasdk.h")
@@ -103,6 +109,16 @@ def room_of(path):
     return max(rooms, key=len, default=None)
 
 
+def check_closed_rooms(root):
+    """What the rooms without input or output include of the means for it."""
+    house = root / "virtual-adapter"
+    for path, number, included in includes(house):
+        room = room_of(path.relative_to(house).as_posix()) or ""
+        closed = room in CLOSED or room.startswith("model/")
+        if closed and (included in MEANS or included.startswith("sys/")):
+            yield f"{path}:{number}: {room} has no input or output and must not include {included}"
+
+
 def check_rooms(root):
     """The includes between the rooms that their table does not have, and their number."""
     complaints = []
@@ -121,6 +137,7 @@ def check_rooms(root):
 
 def main(root):
     complaints, watched_rooms = check_rooms(root)
+    complaints += check_closed_rooms(root)
     watched = 0
     for floor, allowed in FLOORS.items():
         for path, number, included in includes(root / floor):

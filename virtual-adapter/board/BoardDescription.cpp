@@ -89,8 +89,8 @@ bool shareWires(const Placement& left, const Placement& right) {
     if (isOnI3c(left)) {
         return isOnI3c(right);
     }
-    const bool sameBus = !left.where.has("bus") || left.number("bus") == right.number("bus");
-    return left.place == right.place && sameBus;
+    return left.place == right.place &&
+           (!left.where.has("bus") || left.number("bus") == right.number("bus"));
 }
 
 bool overlap(const Placement& left, const Placement& right) {

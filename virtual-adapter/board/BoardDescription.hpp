@@ -42,6 +42,8 @@ struct Placement {
     SettingValues settings;
     /// By the name of the setting whose bytes are those of a file: its path.
     std::map<std::string, std::string> files;
+    /// The one of the board's file, in which programs start.
+    std::string directory;
     /// Of the board's file; 0 for a part that stands in none.
     size_t line = 0;
 };

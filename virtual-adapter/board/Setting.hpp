@@ -125,6 +125,11 @@ public:
         : values(given) {}
 
     void put(const std::string& name, SettingValue value) { values[name] = std::move(value); }
+    /// Null where there is none.
+    [[nodiscard]] const SettingValue* find(const std::string& name) const {
+        const auto found = values.find(name);
+        return found == values.end() ? nullptr : &found->second;
+    }
     [[nodiscard]] bool has(const std::string& name) const { return values.count(name) != 0; }
 
     /// The value, which must be there and of that type.

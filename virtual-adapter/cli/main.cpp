@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "cli/attach.hpp"
+#include "cli/check.hpp"
 #include "cli/failure.hpp"
 #include "cli/run.hpp"
 #include "cli/serve.hpp"
@@ -85,6 +86,7 @@ int runCommandLine(int argc, char** argv) {
     virtual_adapter::addRunCommand(app, program);
     virtual_adapter::addServeCommand(app);
     virtual_adapter::addAttachCommand(app);
+    virtual_adapter::addCheckCommand(app);
     virtual_adapter::addTellCommand(app);
 
     try {

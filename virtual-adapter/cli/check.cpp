@@ -1,0 +1,42 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
+#include "cli/check.hpp"
+
+#include "board/BoardTable.hpp"
+#include "board/file/BoardFile.hpp"
+
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+
+#include <iostream>
+#include <memory>
+#include <string>
+
+namespace virtual_adapter {
+
+namespace {
+
+/// Of a board's file that is not right.
+constexpr int notRight = 2;
+
+void check(const std::string& file) {
+    try {
+        std::cout << boardTable(BoardFile(file).description()) << std::flush;
+    } catch (const BoardFileError& error) {
+        std::cerr << error.what() << std::endl;
+        throw CLI::RuntimeError(notRight);
+    }
+}
+
+} // namespace
+
+void addCheckCommand(CLI::App& app) {
+    CLI::App& command =
+        *app.add_subcommand("check", "Say what is wrong with a board's file, or print its buses");
+    const auto file = std::make_shared<std::string>();
+    command.add_option("FILE", *file, "The board's file")->required();
+    command.callback([file] { check(*file); });
+}
+
+} // namespace virtual_adapter

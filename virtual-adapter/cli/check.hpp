@@ -1,0 +1,13 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include <CLI/App.hpp>
+
+namespace virtual_adapter {
+
+/// Adds the command that says whether a board's file is right, and what stands on that board.
+void addCheckCommand(CLI::App& app);
+
+} // namespace virtual_adapter
