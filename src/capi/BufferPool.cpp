@@ -3,28 +3,47 @@
 
 #include "capi/BufferPool.hpp"
 
+#include <utility>
+
 BufferPool::~BufferPool() {
     std::unique_lock<std::mutex> lock(mutex);
-    allReturned.wait(lock, [this] { return spare.size() == pooled.size(); });
+    if (stateOfFirst.exchange(State::Awaited) == State::Lent) {
+        ++lent;
+    }
+    returned.wait(lock, [this] { return lent == 0; });
 }
 
 OperationBuffers* BufferPool::take() {
-    const std::lock_guard<std::mutex> lock(mutex);
-    if (spare.empty()) {
-        spare.reserve(pooled.size() + 1);
-        pooled.push_back(std::make_unique<OperationBuffers>());
-        return pooled.back().get();
-    }
-    OperationBuffers* const buffers = spare.back();
-    spare.pop_back();
-    return buffers;
+    State expected = State::Free;
+    return stateOfFirst.compare_exchange_strong(expected, State::Lent) ? &first : takeOther();
 }
 
 void BufferPool::giveBack(OperationBuffers* buffers) {
-    // Told under the lock, as the pool may be gone once the last one is back.
-    const std::lock_guard<std::mutex> lock(mutex);
-    spare.push_back(buffers);
-    if (spare.size() == pooled.size()) {
-        allReturned.notify_one();
+    State expected = State::Lent;
+    // The pool may be gone once it has them back.
+    if (buffers != &first || !stateOfFirst.compare_exchange_strong(expected, State::Free)) {
+        giveBackLate(buffers);
     }
+}
+
+OperationBuffers* BufferPool::takeOther() {
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (spare == nullptr) {
+        spare = std::make_unique<OperationBuffers>();
+    }
+    OperationBuffers* const taken = spare.release();
+    spare = std::move(taken->next);
+    ++lent;
+    return taken;
+}
+
+void BufferPool::giveBackLate(OperationBuffers* buffers) {
+    // Told under the lock, for the same reason.
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (buffers != &first) {
+        buffers->next = std::move(spare);
+        spare.reset(buffers);
+    }
+    --lent;
+    returned.notify_one();
 }

@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -16,10 +17,13 @@ struct OperationBuffers {
     std::vector<uint8_t> subAddress;
     std::vector<uint8_t> sent;
     std::vector<uint8_t> received;
+
+    /// The pool's, while they are spare.
+    std::unique_ptr<OperationBuffers> next;
 };
 
-/// Lends buffers to the calls on one handle: always the same, or, where calls come from several
-/// threads, as many as there are calls at once. Its destructor waits until all have been returned.
+/// Lends buffers to the calls on one handle: always the same to one call at a time, and others to
+/// those beside it. Its destructor waits until all have been returned.
 class BufferPool {
 public:
     BufferPool() = default;
@@ -27,19 +31,11 @@ public:
     BufferPool(const BufferPool&) = delete;
     BufferPool& operator=(const BufferPool&) = delete;
 
-    /// Whether calls come from several threads; changed while there is none.
-    void setShared(bool shared) { isShared = shared; }
-
     /// Buffers for one call.
     class Loan {
     public:
-        explicit Loan(BufferPool& lender)
-            : pool(lender), lent(lender.isShared ? lender.take() : &lender.only) {}
-        ~Loan() {
-            if (lent != &pool.only) {
-                pool.giveBack(lent);
-            }
-        }
+        explicit Loan(BufferPool& lender) : pool(lender), lent(lender.take()) {}
+        ~Loan() { pool.giveBack(lent); }
         Loan(const Loan&) = delete;
         Loan& operator=(const Loan&) = delete;
 
@@ -53,12 +49,19 @@ public:
 private:
     OperationBuffers* take();
     void giveBack(OperationBuffers* buffers);
+    [[gnu::cold]] OperationBuffers* takeOther();
+    [[gnu::cold]] void giveBackLate(OperationBuffers* buffers);
 
-    OperationBuffers only;
-    std::atomic<bool> isShared{false};
+    /// Awaited: lent, and the destructor wants to be told.
+    enum class State { Free, Lent, Awaited };
+
+    OperationBuffers first;
+    std::atomic<State> stateOfFirst{State::Free};
+
+    // Guards everything below.
     std::mutex mutex;
-    std::vector<std::unique_ptr<OperationBuffers>> pooled;
-    // Has room for all that are pooled, so that giving back cannot fail.
-    std::vector<OperationBuffers*> spare;
-    std::condition_variable allReturned;
+    std::unique_ptr<OperationBuffers> spare;
+    // Of the others, and of the first once it is awaited.
+    size_t lent = 0;
+    std::condition_variable returned;
 };

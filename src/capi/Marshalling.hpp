@@ -22,15 +22,7 @@ inline bool isSubAddress(const uint8_t* bytes, uint8_t count) {
 }
 
 /// Copies an input buffer and returns the copy; the pointer of an empty one is not used.
-inline std::vector<uint8_t>& copyIn(std::vector<uint8_t>& copy, const uint8_t* bytes,
-                                    size_t count) {
-    if (count == 0) {
-        copy.clear();
-    } else {
-        copy.assign(bytes, bytes + count);
-    }
-    return copy;
-}
+std::vector<uint8_t>& copyIn(std::vector<uint8_t>& copy, const uint8_t* bytes, size_t count);
 
 /// Copies a result into the caller's buffer, whose capacity is the caller's business.
 inline void copyOut(const std::vector<uint8_t>& bytes, uint8_t* buffer) {

@@ -38,7 +38,6 @@ bool VeltraSDK_IsConnected(VeltraSDK_Handle* handle) {
 void VeltraSDK_SetStrict(VeltraSDK_Handle* handle, bool strict) {
     if (handle != nullptr) {
         handle->sdk->setStrict(strict);
-        handle->buffers.setShared(strict);
     }
 }
 

@@ -34,16 +34,17 @@ void CommunicationManager::disconnect() {
 bool CommunicationManager::writeReports(const Message& request, bool goesOn) {
     const UsbTransferProtocol framing = *protocol;
     const size_t size = request.size();
+    if (size == 0) {
+        return true;
+    }
     OutputReport report;
-    bool allWritten = true;
-    for (size_t offset = 0; offset < size; offset += framing.getPacketPayloadLength()) {
-        const size_t packetSize = framing.createPacket(report.packet(), request, offset);
-        if (!driver->sendReport(report, packetSize)) {
-            allWritten = false;
-            if (!goesOn) {
-                break;
-            }
-        }
+    const auto write = [&](size_t offset) {
+        return driver->sendReport(report, framing.createPacket(report.packet(), request, offset));
+    };
+    bool allWritten = write(0);
+    for (size_t offset = framing.getPacketPayloadLength(); offset < size && (allWritten || goesOn);
+         offset += framing.getPacketPayloadLength()) {
+        allWritten = write(offset) && allWritten;
     }
     return allWritten;
 }

@@ -19,13 +19,13 @@ class VeltraDriver;
 /// A link for whole messages: splits requests into reports, joins reports into messages.
 class CommunicationManager {
 public:
-    CommunicationManager();
+    [[gnu::cold]] CommunicationManager();
     ~CommunicationManager();
     CommunicationManager(const CommunicationManager&) = delete;
     CommunicationManager& operator=(const CommunicationManager&) = delete;
 
     /// Opens the adapter with this HID path and serial number; an empty string matches any.
-    bool connect(const std::string& path, const std::string& serialNumber);
+    [[gnu::cold]] bool connect(const std::string& path, const std::string& serialNumber);
 
     void disconnect();
 

@@ -24,12 +24,13 @@ bool UsbTransferProtocol::receiveUsbInTransferPackets(std::vector<uint8_t>& mess
     if (packet.size() < headerSize) {
         return false;
     }
-    const unsigned header = packet[0] | static_cast<unsigned>(packet[1]) << 8U;
+    const uint8_t* const bytes = packet.data();
+    const unsigned header = bytes[0] | static_cast<unsigned>(bytes[1]) << 8U;
     const size_t announced = header >> lengthShift & lengthMask;
     const size_t kept = (header & firstPacketFlag) != 0 ? 0 : message.size();
     const size_t length =
         std::min(std::min(announced, packet.size() - headerSize), maxMessageSize - kept);
     message.resize(kept + length);
-    std::copy_n(packet.data() + headerSize, length, message.data() + kept);
+    std::copy_n(bytes + headerSize, length, message.data() + kept);
     return (header & lastPacketFlag) != 0;
 }

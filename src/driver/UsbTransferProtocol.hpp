@@ -29,8 +29,7 @@ public:
         const size_t length = std::min(packetPayloadLength, remaining);
         unsigned header = static_cast<unsigned>(length) << lengthShift;
         uint8_t* const payload = packet + headerSize;
-        // Few messages have more than one.
-        if (__builtin_expect(offset == 0, 1) != 0) {
+        if (offset == 0) {
             header |= firstPacketFlag;
             // All of the array, for which there is room, so that the compiler knows its size.
             std::copy(message.head.begin(), message.head.end(), payload);

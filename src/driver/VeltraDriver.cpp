@@ -3,9 +3,9 @@
 
 #include "driver/VeltraDriver.hpp"
 
+#include "driver/utf8.hpp"
+
 #include <algorithm>
-#include <codecvt>
-#include <locale>
 #include <memory>
 #include <utility>
 
@@ -31,9 +31,7 @@ bool compareSerial(const std::string& serialNumber, const wchar_t* deviceSerial)
     if (deviceSerial == nullptr) {
         return false;
     }
-    // The default facet has 0x10FFFF as its largest code point and knows no byte-order mark.
-    std::wstring_convert<std::codecvt_utf8<wchar_t>> converter;
-    return converter.to_bytes(deviceSerial) == serialNumber;
+    return utf8(deviceSerial) == serialNumber;
 }
 
 VeltraDriver::~VeltraDriver() {

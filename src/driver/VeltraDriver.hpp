@@ -57,17 +57,17 @@ public:
 
     /// Opens the first known adapter whose HID path and serial number equal the arguments; an
     /// empty argument matches any. An open driver returns true at once.
-    bool open(const std::string& path, const std::string& serialNumber);
+    [[gnu::cold]] bool open(const std::string& path, const std::string& serialNumber);
 
     /// Stops the polling thread and closes the device. Must not be called from the callback.
-    void close();
+    [[gnu::cold]] void close();
 
     /// Only while open.
     [[nodiscard]] size_t getEndpointSize() const { return deviceCharacteristics->endpointSize; }
 
     /// Writes @p packet as one report, padded with zeros or cut to the report's size. Returns
     /// false when closed or when the write failed.
-    bool sendCommand(const std::vector<uint8_t>& packet);
+    [[gnu::cold]] bool sendCommand(const std::vector<uint8_t>& packet);
 
     /// The same for a packet that stands in the report already, at most a report's size of it.
     bool sendReport(OutputReport& report, size_t packetSize);
@@ -83,8 +83,8 @@ public:
 
 private:
     void pollingLoop();
-    void pausePolling(std::chrono::milliseconds pause);
-    void endPause();
+    [[gnu::cold]] void pausePolling(std::chrono::milliseconds pause);
+    [[gnu::cold]] void endPause();
 
     static const std::vector<MervoDeviceCharacteristics> mervoDeviceList;
 

@@ -5,11 +5,11 @@
 
 #include "driver/Hidapi.hpp"
 #include "driver/VeltraDriver.hpp"
+#include "driver/utf8.hpp"
 
 #include <algorithm>
-#include <codecvt>
-#include <locale>
 #include <optional>
+#include <stdexcept>
 #include <string>
 
 namespace {
@@ -21,10 +21,13 @@ void store(char (&room)[Capacity], const std::string& text) {
     *std::copy_n(text.begin(), length, room) = '\0';
 }
 
-std::string utf8(const wchar_t* text) {
-    // What cannot be converted is empty instead of thrown.
-    std::wstring_convert<std::codecvt_utf8<wchar_t>> converter(std::string{});
-    return text == nullptr ? std::string() : converter.to_bytes(text);
+/// Empty for what there is not, or cannot be converted.
+std::string serialNumber(const wchar_t* text) {
+    try {
+        return text == nullptr ? std::string() : utf8(text);
+    } catch (const std::range_error&) {
+        return {};
+    }
 }
 
 } // namespace
@@ -46,7 +49,7 @@ std::vector<VeltraSDK_AdapterInfo> pluggedInAdapters() {
         }
         VeltraSDK_AdapterInfo& adapter = adapters.emplace_back();
         store(adapter.path, info->path);
-        store(adapter.serialNumber, utf8(info->serial_number));
+        store(adapter.serialNumber, serialNumber(info->serial_number));
         adapter.reportSize = static_cast<uint16_t>(variant->endpointSize);
         adapter.accessible = info->serial_number != nullptr ||
                              info->manufacturer_string != nullptr ||

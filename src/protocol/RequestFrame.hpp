@@ -15,18 +15,18 @@
 class RequestFrame {
 public:
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): only what is sent is worth filling.
-    RequestFrame(uint16_t transactionId, CommandCode command) {
+    [[gnu::always_inline]] RequestFrame(uint16_t transactionId, CommandCode command) {
         u16(transactionId).u16(static_cast<uint16_t>(command));
     }
 
-    RequestFrame& u8(uint8_t value) {
+    [[gnu::always_inline]] RequestFrame& u8(uint8_t value) {
         frame.head[frame.headSize++] = value;
         return *this;
     }
-    RequestFrame& u16(uint16_t value) {
+    [[gnu::always_inline]] RequestFrame& u16(uint16_t value) {
         return u8(static_cast<uint8_t>(value & 0xFFU)).u8(static_cast<uint8_t>(value >> 8U));
     }
-    RequestFrame& u32(uint32_t value) {
+    [[gnu::always_inline]] RequestFrame& u32(uint32_t value) {
         return u16(static_cast<uint16_t>(value & 0xFFFFU)).u16(static_cast<uint16_t>(value >> 16U));
     }
     /// A 16-bit count field; it wraps, as the frame has no room for more.

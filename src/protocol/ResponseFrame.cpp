@@ -5,11 +5,6 @@
 
 #include <algorithm>
 
-void ResponseFrame::copyTo(std::vector<uint8_t>& destination) const {
-    destination.resize(size);
-    std::copy_n(data, size, destination.data());
-}
-
 void ResponseFrame::copyTo(std::vector<uint8_t>& destination, size_t offset, size_t count) const {
     destination.resize(count);
     copyTo(destination.data(), offset, count);

@@ -5,6 +5,7 @@
 
 #include "protocol/CommandCode.hpp"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -24,8 +25,13 @@ public:
 
     [[nodiscard]] uint16_t transactionId() const { return u16(0); }
     [[nodiscard]] CommandCode commandCode() const { return static_cast<CommandCode>(u16(2)); }
-    /// Identifier and command code: what a response has in common with its request.
-    [[nodiscard]] uint32_t header() const { return u16(0) | uint32_t{u16(2)} << 16U; }
+    /// Identifier and command code: what a response has in common with its request. 0, which no
+    /// request begins with, when it does not hold them.
+    [[nodiscard]] uint32_t header() const {
+        return holds(4) ? data[0] | uint32_t{data[1]} << 8U | uint32_t{data[2]} << 16U |
+                              uint32_t{data[3]} << 24U
+                        : 0;
+    }
     [[nodiscard]] uint16_t status() const { return u16(4); }
 
     [[nodiscard]] bool holds(size_t byteCount) const { return size >= byteCount; }
@@ -39,7 +45,10 @@ public:
     }
 
     /// Replaces the contents of @p destination by the frame.
-    void copyTo(std::vector<uint8_t>& destination) const;
+    void copyTo(std::vector<uint8_t>& destination) const {
+        destination.resize(size);
+        std::copy_n(data, size, destination.data());
+    }
     /// Replaces the contents of @p destination by @p count bytes.
     void copyTo(std::vector<uint8_t>& destination, size_t offset, size_t count) const;
     /// Fills @p count bytes at @p destination.

@@ -22,14 +22,15 @@
 /// transaction identifiers, strict mode and who takes notifications.
 class __attribute__((visibility("hidden"))) VeltraSDK::Engine {
 public:
-    explicit Engine(int timeoutMs);
-    ~Engine();
+    [[gnu::cold]] explicit Engine(int timeoutMs);
+    [[gnu::cold]] ~Engine();
     Engine(const Engine&) = delete;
     Engine& operator=(const Engine&) = delete;
 
-    bool connect(bool (VeltraAsyncSDK::*open)(const std::string&), const std::string& which);
-    void disconnect();
-    uint16_t enterBootMode();
+    [[gnu::cold]] bool connect(bool (VeltraAsyncSDK::*open)(const std::string&),
+                               const std::string& which);
+    [[gnu::cold]] void disconnect();
+    [[gnu::cold]] uint16_t enterBootMode();
 
     /// Whether the link is connected, wherever the adapter is.
     [[nodiscard]] bool hasLink() const { return asyncSdk.isConnected(); }
@@ -139,7 +140,7 @@ private:
                       BlockingApi::Judge judge);
 
     void handleNotification(const std::vector<uint8_t>& frame) const;
-    void handleReadError();
+    [[gnu::cold]] void handleReadError();
     void tellEndOf(bool openLink);
 
     BlockingApi blockingApi;

@@ -20,14 +20,14 @@ public:
     static constexpr int none = -1;
 
     /// Returns the new queue's descriptor, or none.
-    int open(size_t bytes);
+    [[gnu::cold]] int open(size_t bytes);
     [[nodiscard]] bool isOpen(int queue) const;
     /// Leaves the descriptor open and readable.
-    void close(int queue);
+    [[gnu::cold]] void close(int queue);
 
     /// For the polling thread: allocates nothing, and costs next to nothing without a queue.
     void put(NotificationKind kind, const uint8_t* frame, size_t size);
-    void putEndOfLink();
+    [[gnu::cold]] void putEndOfLink();
 
     /// Takes the oldest entry of @p queue; @p roomFor is told its record and says where the frame
     /// goes, and how much of it.

@@ -12,9 +12,10 @@ constexpr size_t maxOverlappingRequest = 512;
 
 } // namespace
 
-bool Outstanding::has(uint16_t transactionId) const {
-    return std::any_of(slots.begin(), slots.end(), [=](const Slot& slot) {
-        return slot.stage != Stage::Free && slot.transactionId == transactionId;
+bool Outstanding::hasTwin(const Slot& slot) const {
+    return std::any_of(slots.begin(), slots.end(), [&](const Slot& other) {
+        return &other != &slot && other.stage != Stage::Free &&
+               other.transactionId == slot.transactionId;
     });
 }
 

@@ -27,6 +27,7 @@ public:
         uint32_t header = 0;
         size_t requestSize = 0;
         size_t maxAnswerSize = 0;
+        bool isWritten = false;
         std::vector<uint8_t> response;
         std::condition_variable ended;
     };
@@ -53,8 +54,8 @@ public:
         return nullptr;
     }
 
-    /// Whether an operation has this identifier.
-    [[nodiscard]] bool has(uint16_t transactionId) const;
+    /// Whether another operation has the identifier of @p slot.
+    [[nodiscard]] bool hasTwin(const Slot& slot) const;
 
     /// Whether the request of @p slot may be written beside those on the wire, where a report has
     /// room for an answer of @p maxSizeInOneReport bytes.

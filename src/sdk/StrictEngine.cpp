@@ -12,54 +12,28 @@ constexpr int failedWriteWaitMs = 100;
 
 } // namespace
 
-inline void StrictEngine::tellWaiting() {
-    if (waiting != 0) {
-        changed.notify_all();
-    }
-}
-
-inline StrictEngine::Slot* StrictEngine::takeTurn() {
-    const bool isMyTurn = current == nullptr && waiting == 0 && !hasEnded();
-    Slot* slot = isMyTurn ? outstanding.findFree(overlap) : nullptr;
-    if (slot == nullptr) {
-        slot = waitForTurn();
-        if (slot == nullptr) {
-            return nullptr;
-        }
-    }
-    do {
-        slot->transactionId = transactionIds.next();
-    } while (inside > 1 && outstanding.has(slot->transactionId));
-    slot->stage = Stage::Preparing;
-    current = slot;
-    return slot;
-}
-
-inline void StrictEngine::release(Slot& slot) {
-    if (current == &slot) {
-        current = nullptr;
-    }
-    slot.stage = Stage::Free;
-    tellWaiting();
-}
-
-inline void StrictEngine::leave() {
-    --inside;
-    if (inside == 0 && isClosing) {
-        allLeft.notify_all();
-    }
-}
-
 /// An operation's stay inside, throughout which the mutex is held but for waiting and writing.
 class StrictEngine::Stay {
 public:
     explicit Stay(StrictEngine& strictEngine) : engine(strictEngine) {
-        ++engine.inside;
-        slot = engine.takeTurn();
+        const bool isAlone = ++engine.inside == 1;
+        slot =
+            isAlone && !engine.hasEnded() ? engine.outstanding.findFree(1) : engine.waitForTurn();
+        if (slot != nullptr) {
+            engine.current = slot;
+            slot->stage = Stage::Preparing;
+            slot->transactionId = engine.transactionIds.next();
+            if (!isAlone) {
+                engine.makeUnique(*slot);
+            }
+        }
     }
     ~Stay() {
         if (slot != nullptr) {
-            engine.release(*slot);
+            if (engine.current == slot) {
+                engine.current = nullptr;
+            }
+            slot->stage = Stage::Free;
         }
         engine.leave();
     }
@@ -80,33 +54,18 @@ uint16_t StrictEngine::transact(size_t maxAnswerSize, SendRequest sendRequest, J
     if (stay.slot == nullptr) {
         return ResultCode_NotConnected;
     }
-    stay.slot->maxAnswerSize = maxAnswerSize;
-    const uint16_t sent = sendRequest(stay.slot->transactionId);
-    return sent == ResultCode_Success ? judge(ResponseFrame(stay.slot->response)) : sent;
-}
-
-template <typename Condition>
-void StrictEngine::wait(const Condition& condition) {
-    ++waiting;
-    BlockingApi::waitFor(changed, mutex, BlockingApi::noTimeout, condition);
-    --waiting;
-}
-
-StrictEngine::Slot* StrictEngine::waitForTurn() {
-    const uint64_t turn = nextTurn++;
-    Slot* slot = nullptr;
-    wait([&] {
-        if (!hasEnded() && current == nullptr && turn == servedTurns) {
-            slot = outstanding.findFree(overlap);
-        }
-        return slot != nullptr || hasEnded();
-    });
-    ++servedTurns;
-    return slot;
-}
-
-void StrictEngine::waitToGo(const Slot& slot) {
-    wait([&] { return hasEnded() || outstanding.mayGo(slot, link.maxSizeInOneReport()); });
+    Slot& slot = *stay.slot;
+    slot.maxAnswerSize = maxAnswerSize;
+    const uint16_t sent = sendRequest(slot.transactionId);
+    if (sent != ResultCode_Success) {
+        return sent;
+    }
+    BlockingApi::waitFor(slot.ended, mutex, slot.isWritten ? timeoutMs : failedWriteWaitMs,
+                         [&] { return slot.stage == Stage::Answered || hasEnded(); });
+    if (slot.stage == Stage::Answered) {
+        return judge(ResponseFrame(slot.response));
+    }
+    return hasEnded() ? ResultCode_NotConnected : ResultCode_NoResponse;
 }
 
 uint16_t StrictEngine::send(const RequestFrame& request) {
@@ -124,16 +83,42 @@ uint16_t StrictEngine::send(const RequestFrame& request) {
     }
     slot.stage = Stage::OnWire;
     mutex.unlock();
-    const bool written = link.writeRequest(request.message());
+    const bool isWritten = link.writeRequest(request.message());
     mutex.lock();
+    slot.isWritten = isWritten;
     current = nullptr;
     tellWaiting();
-    BlockingApi::waitFor(slot.ended, mutex, written ? timeoutMs : failedWriteWaitMs,
-                         [&] { return slot.stage == Stage::Answered || hasEnded(); });
-    if (slot.stage == Stage::Answered) {
-        return ResultCode_Success;
+    return ResultCode_Success;
+}
+
+StrictEngine::Slot* StrictEngine::waitForTurn() {
+    const uint64_t turn = nextTurn++;
+    Slot* slot = nullptr;
+    wait([&] {
+        if (!hasEnded() && current == nullptr && turn == servedTurns) {
+            slot = outstanding.findFree(overlap);
+        }
+        return slot != nullptr || hasEnded();
+    });
+    ++servedTurns;
+    return slot;
+}
+
+void StrictEngine::makeUnique(Slot& slot) {
+    while (outstanding.hasTwin(slot)) {
+        slot.transactionId = transactionIds.next();
     }
-    return hasEnded() ? ResultCode_NotConnected : ResultCode_NoResponse;
+}
+
+void StrictEngine::waitToGo(const Slot& slot) {
+    wait([&] { return hasEnded() || outstanding.mayGo(slot, link.maxSizeInOneReport()); });
+}
+
+template <typename Condition>
+void StrictEngine::wait(const Condition& condition) {
+    ++waiting;
+    BlockingApi::waitFor(changed, mutex, BlockingApi::noTimeout, condition);
+    --waiting;
 }
 
 uint16_t StrictEngine::sendUnanswered(const RequestFrame& request) {
@@ -149,6 +134,21 @@ uint16_t StrictEngine::sendUnanswered(const RequestFrame& request) {
     const bool isUnplugged =
         BlockingApi::waitFor(gone, mutex, failedWriteWaitMs, [this] { return isGone; });
     return isUnplugged ? ResultCode_NotConnected : ResultCode_NoResponse;
+}
+
+void StrictEngine::tellWaiting() {
+    if (waiting != 0) {
+        changed.notify_all();
+    }
+}
+
+void StrictEngine::leave() {
+    --inside;
+    if (inside != 0) {
+        tellWaiting();
+    } else if (isClosing) {
+        allLeft.notify_all();
+    }
 }
 
 void StrictEngine::handleResponse(ResponseFrame response) {

@@ -33,8 +33,8 @@ public:
     /// has at most @p maxAnswerSize bytes, or why there is none.
     uint16_t transact(size_t maxAnswerSize, SendRequest sendRequest, Judge judge);
 
-    /// Writes the request of the operation that has the turn and waits for its answer; the result
-    /// says why there is none. A request of anybody else is only written.
+    /// Writes the request of the operation that has the turn, which the mutex is held for, and
+    /// passes the turn on. A request of anybody else is written, and the result says whether.
     uint16_t send(const RequestFrame& request) override;
 
     /// Takes a response; runs on the polling thread.
@@ -86,17 +86,16 @@ private:
     using Stage = Outstanding::Stage;
     class Stay;
 
-    Slot* takeTurn();
     // Threads seldom meet.
     [[gnu::cold]] Slot* waitForTurn();
+    [[gnu::cold]] void makeUnique(Slot& slot);
     [[gnu::cold]] void waitToGo(const Slot& slot);
+    [[gnu::cold]] uint16_t sendUnanswered(const RequestFrame& request);
     template <typename Condition>
     void wait(const Condition& condition);
     void tellWaiting();
-    void release(Slot& slot);
     void leave();
-    uint16_t sendUnanswered(const RequestFrame& request);
-    void wakeAll();
+    [[gnu::cold]] void wakeAll();
     [[nodiscard]] bool hasEnded() const { return isClosing || isGone; }
 
     const int timeoutMs;

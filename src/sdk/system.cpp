@@ -25,7 +25,7 @@ uint16_t VeltraSDK::getUsbString(std::vector<uint8_t>& text, uint8_t index) {
     });
 }
 
-uint16_t VeltraSDK::getDeviceInfo(DeviceInfo& info) {
+[[gnu::cold]] uint16_t VeltraSDK::getDeviceInfo(DeviceInfo& info) {
     if (!engine->hasLink()) {
         return ResultCode_NotConnected;
     }

@@ -23,7 +23,8 @@ TEST(ResponseFrame, IdentifierCommandCodeAndStatusAreLittleEndian) {
 TEST(ResponseFrame, TheHeaderIsTheFirstFourBytesInLittleEndianOrder) {
     const Bytes bytes{0x34, 0x12, 0x07, 0x04, 0xCD, 0xAB};
     EXPECT_EQ(ResponseFrame(bytes).header(), 0x04071234U);
-    EXPECT_EQ(ResponseFrame(bytes.data(), 3).header(), 0x00071234U);
+    EXPECT_EQ(ResponseFrame(bytes.data(), 4).header(), 0x04071234U);
+    EXPECT_EQ(ResponseFrame(bytes.data(), 3).header(), 0U);
 }
 
 TEST(ResponseFrame, ValuesAreReadInEitherByteOrder) {

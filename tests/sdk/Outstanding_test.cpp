@@ -44,15 +44,17 @@ TEST_F(OutstandingTest, ThereAreAsManyPlacesAsMayOverlap) {
 }
 
 TEST_F(OutstandingTest, AnIdentifierIsTakenUntilItsPlaceIsFree) {
-    EXPECT_FALSE(outstanding.has(0));
     Outstanding::Slot& slot = take(7);
+    EXPECT_FALSE(outstanding.hasTwin(slot));
+    const Outstanding::Slot& twin = take(7);
+    const Outstanding::Slot& other = take(8);
     for (const Stage stage : {Stage::Preparing, Stage::OnWire, Stage::Answered}) {
         slot.stage = stage;
-        EXPECT_TRUE(outstanding.has(7));
-        EXPECT_FALSE(outstanding.has(8));
+        EXPECT_TRUE(outstanding.hasTwin(twin));
+        EXPECT_FALSE(outstanding.hasTwin(other));
     }
     slot.stage = Stage::Free;
-    EXPECT_FALSE(outstanding.has(7));
+    EXPECT_FALSE(outstanding.hasTwin(twin));
 }
 
 TEST_F(OutstandingTest, SmallRequestsGoBesideEachOther) {
