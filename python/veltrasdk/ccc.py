@@ -80,7 +80,7 @@ def _word(name: str, what: str, value: int) -> int:
 
 
 class TargetCcc(_Ccc):
-    """The codes that are addressed to one target; made as :attr:`I3cTarget.ccc`."""
+    """The codes that are addressed to one target; made as ``I3cTarget.ccc``."""
 
     def _query(self, name: str, defining_byte: int | None) -> bytes:
         reply, count = buffer(MAX_REPLY), ctypes.c_uint8()
@@ -179,7 +179,7 @@ class TargetCcc(_Ccc):
 
 
 class BroadcastCcc(_Ccc):
-    """The codes that are for every target, or for one without a dynamic address; made as :attr:`I3cBus.ccc`."""
+    """The codes that are for every target, or for one without a dynamic address; made as ``I3cBus.ccc``."""
 
     def __init__(self, link: Link, turns: Turns) -> None:
         super().__init__(link, turns, BROADCAST)

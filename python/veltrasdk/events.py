@@ -149,6 +149,11 @@ class Events:
         return self._descriptor
 
     @property
+    def closed(self) -> bool:
+        """Whether this program has ended the events: closed them or their adapter."""
+        return self._ended == ""
+
+    @property
     def lost(self) -> int:
         """How many events of any kind were lost so far: for want of room here or in the library."""
         return self._lost

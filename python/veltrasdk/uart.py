@@ -23,6 +23,8 @@ class Uart:
 
     Received bytes are kept from then on, up to 100,000 notifications of the adapter. Each object receives every
     byte, whoever else reads. It is a context manager that closes itself.
+
+    :ivar events: the consumer that receives them; :meth:`read` takes from it.
     """
 
     def __init__(
@@ -30,11 +32,11 @@ class Uart:
     ) -> None:
         self._adapter = adapter
         self._received = bytearray()
-        self._events = adapter.events("uart")
+        self.events = adapter.events("uart")
         try:
             self._set("UartInit", baud_rate, parity, data_bits, stop_bits, rts_cts)
         except BaseException:
-            self._events.close()
+            self.events.close()
             raise
 
     def __enter__(self) -> "Uart":
@@ -83,7 +85,7 @@ class Uart:
         until = None if timeout is None else time.monotonic() + timeout
         while len(self._received) < length:
             left = None if until is None else max(0.0, until - time.monotonic())
-            events = self._events.wait(left)
+            events = self.events.wait(left)
             if not events:
                 break
             for event in events:
@@ -95,8 +97,8 @@ class Uart:
     @property
     def lost(self) -> int:
         """How many events of the adapter were lost so far."""
-        return self._events.lost
+        return self.events.lost
 
     def close(self) -> None:
         """Keeps received bytes no longer. The UART stays initialised."""
-        self._events.close()
+        self.events.close()

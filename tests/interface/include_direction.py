@@ -5,7 +5,8 @@
 
 A floor includes its own files, the public headers and the listed files of the floor beneath it.
 The virtual adapter shares the packet framing and the command codes with the library, no more; its
-rooms and those around it know each other as their table says.
+rooms and those around it know each other as their table says. The Python package imports the standard
+library and itself alone; what stands on its core is not imported there.
 """
 
 import pathlib
@@ -87,6 +88,15 @@ ROOMS = {
 # Rooms without input or output, clock or thread, and what they would be had by.
 CLOSED = ("bytes", "model", "board", "board/parts", "faults")
 MEANS = ("fcntl.h", "filesystem", "fstream", "iostream", "poll.h", "pthread.h", "sys/", "thread", "unistd.h")
+# What stands on the core of the Python package, and what of it each may import; the core has no entry.
+PYTHON = {
+    "aio": ("veltrasdk",),
+    "compat": ("veltrasdk",),
+    "parts": ("veltrasdk.parts",),  # a program of its own, which needs no library
+    "virtual": ("veltrasdk",),
+    "pytest_plugin": ("veltrasdk.virtual", "pytest"),
+}
+IMPORT = re.compile(r"\s*(?:from|import) ([\w.]+)(?: import ([\w, ]+|\()?)?(?:  #.*)?")
 # What makes the notification record of C that of the classes, and who may include it.
 RECORD_OF_CLASSES = "veltrasdk/Notification.hpp"
 NEED_RECORD = ("notification_queue.h", "veltrasdk.h")
@@ -135,9 +145,38 @@ def check_rooms(root):
     return complaints, watched
 
 
+def imports(package):
+    """Each imported module of the Python package with its file; what is imported from the package by its name."""
+    for path in sorted(package.rglob("*.py")):
+        for line in path.read_text().splitlines():
+            if match := IMPORT.fullmatch(line):
+                names = match[2].split(",") if match[1] == package.name and match[2] not in (None, "(") else [""]
+                for name in names:
+                    yield path, f"{match[1]}.{name.strip()}".rstrip(".")
+
+
+def check_python(root):
+    """The imports of the Python package that it must not have, and the number of all."""
+    complaints = []
+    watched = 0
+    package = root / "python/veltrasdk"
+    for path, imported in imports(package):
+        first, *inner = imported.split(".")
+        if first in sys.stdlib_module_names:
+            continue
+        watched += 1
+        room = path.relative_to(package).parts[0].removesuffix(".py")
+        in_core = first == package.name and not set(inner[:1]) & set(PYTHON)
+        if not (imported.startswith(PYTHON[room]) if room in PYTHON else in_core):
+            complaints.append(f"{path}: {room} must not import {imported}")
+    return complaints, watched
+
+
 def main(root):
     complaints, watched_rooms = check_rooms(root)
     complaints += check_closed_rooms(root)
+    of_python, watched_imports = check_python(root)
+    complaints += of_python
     watched = 0
     for floor, allowed in FLOORS.items():
         for path, number, included in includes(root / floor):
@@ -154,9 +193,9 @@ def main(root):
         if path.suffix == ".h" and not included.endswith(".h"):
             complaints.append(f"{path}:{number}: a C header must not include {included}")
 
-    print(f"{watched} includes between the floors, {watched_rooms} between the rooms")
+    print(f"{watched} includes between the floors, {watched_rooms} between the rooms, {watched_imports} imports")
     print("\n".join(complaints))
-    return bool(complaints) or not watched or not watched_rooms
+    return bool(complaints) or not (watched and watched_rooms and watched_imports)
 
 
 if __name__ == "__main__":
