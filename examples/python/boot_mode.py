@@ -3,8 +3,8 @@
 # SPDX-License-Identifier: MIT
 """Sends the adapter into its boot mode, where it waits for new firmware."""
 
-from veltrasdk import Adapter
+import veltrasdk
 
-with Adapter() as adapter:
-    adapter.call("EnterBootMode")
+with veltrasdk.Adapter() as adapter:
+    adapter.enter_boot_mode()
     print("The adapter has left its application firmware; the link is closed.")

@@ -3,10 +3,10 @@
 # SPDX-License-Identifier: MIT
 """Prints the library's version and the adapter's five identity strings."""
 
-from veltrasdk import Adapter, library
+import veltrasdk
 
-print("libveltrasdk", library.VeltraSDK_GetVersion().decode())
-with Adapter() as adapter:
+print("libveltrasdk", veltrasdk.library_version())
+with veltrasdk.Adapter() as adapter:
     print("Adapter:")
-    for index, text in enumerate(adapter.device_info(), start=1):
-        print(f"  string {index}: {text.decode(errors='replace')}")
+    for index, text in enumerate(adapter.strings(), start=1):
+        print(f"  string {index}: {text}")

@@ -9,7 +9,8 @@ Each block is a whole program; the flags compile and link it. Blocks in other la
 are not programs. A file without a program fails: then it should not be listed as one with some.
 
 A text block that follows a program in the same section, commands that build it aside, is what the
-program prints, to the letter. In a guide every program is followed by one.
+program prints, to the letter. In a guide every program is followed by one. Tests in Python are run by pytest, without
+anything around it, and print how many have passed.
 """
 
 import os
@@ -22,6 +23,8 @@ import tempfile
 document, virtual_adapter, c_compiler, cxx_compiler, python_path, *flags = sys.argv[1:]
 
 FENCED_BLOCK = re.compile(r"^```(\w+)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
+TESTS = re.compile("^def test_", re.MULTILINE)
+SYSTEM_PYTHON = "/usr/bin/python3"  # which has pytest
 IN_GUIDE = pathlib.Path(document).parent.name == "guides"
 
 
@@ -30,7 +33,7 @@ def build(language, source, directory):
     if language == "python":
         script = directory / "block.py"
         script.write_text(source)
-        return [sys.executable, str(script)]
+        return [virtual_adapter, "run", "--", SYSTEM_PYTHON, str(script)]
     compiler, suffix, standard = {
         "c": (c_compiler, ".c", "c11"),
         "cpp": (cxx_compiler, ".cpp", "c++17"),
@@ -43,7 +46,7 @@ def build(language, source, directory):
         + flags,
         check=True,
     )
-    return [str(program)]
+    return [virtual_adapter, "run", "--", str(program)]
 
 
 def shown_output(text, position):
@@ -59,14 +62,28 @@ def shown_output(text, position):
     return None
 
 
+def run_tests(source, directory, environment):
+    """Returns pytest's closing line, without the time."""
+    (directory / "block_test.py").write_text(source)
+    environment |= {"VELTRA_VIRTUAL_ADAPTER": virtual_adapter, "PYTEST_DISABLE_PLUGIN_AUTOLOAD": "1"}
+    command = [SYSTEM_PYTHON, "-m", "pytest", "-q", "-p", "veltrasdk.pytest_plugin", "-p", "no:cacheprovider", "."]
+    printed = subprocess.run(
+        command, cwd=directory, env=environment, timeout=120, stdout=subprocess.PIPE, text=True, check=False
+    ).stdout
+    print(printed, flush=True)
+    return printed.splitlines()[-1].split(" in ")[0] + "\n"
+
+
 def run(language, source):
     """Returns what the program prints on standard output."""
-    environment = dict(os.environ, PYTHONPATH=python_path)
+    environment = dict(os.environ, PYTHONPATH=python_path, PYTHONDONTWRITEBYTECODE="1")
     if language == "python":
         # The interpreter itself leaves memory behind; C and C++ keep the leak check.
         environment["ASAN_OPTIONS"] = "detect_leaks=0"
     with tempfile.TemporaryDirectory() as name:
-        command = [virtual_adapter, "run", "--", *build(language, source, pathlib.Path(name))]
+        if language == "python" and TESTS.search(source):
+            return run_tests(source, pathlib.Path(name), environment)
+        command = build(language, source, pathlib.Path(name))
         return subprocess.run(
             command, check=True, env=environment, timeout=120, stdout=subprocess.PIPE, text=True
         ).stdout
