@@ -16,7 +16,7 @@ class _Process:
     """What holds for the whole process."""
 
     def __init__(self) -> None:
-        self.lock = threading.Lock()
+        self.lock = threading.RLock()  # a finaliser may run where it is held
         self.library: ctypes.CDLL | None = None
         self.users = 0  # of hidapi: open adapters, and enumerations under way
         self.forked_in_use = False
@@ -25,7 +25,7 @@ class _Process:
         """In the child: libusb does not survive a fork while it is used."""
         self.forked_in_use = self.forked_in_use or self.users > 0
         self.users = 0
-        self.lock = threading.Lock()  # another thread of the parent may have held it
+        self.lock = threading.RLock()  # another thread of the parent may have held it
 
 
 _process = _Process()

@@ -203,8 +203,8 @@ class Events:
         """Takes what is wanted of what came. For the dispatcher."""
         with self._changed:
             wanted = [event for event in events if event.kind in self._kinds]
-            room = MAX_WAITING - len(self._waiting)
-            self._lost += lost + max(0, len(wanted) - room)
+            room = max(0, MAX_WAITING - len(self._waiting))
+            self._lost += lost + len(wanted[room:])
             self._waiting.extend(wanted[:room])
             if wanted:
                 self._set_readable()

@@ -133,6 +133,19 @@ def test_an_adapter_that_is_not_open_says_so() -> None:
     asyncio.run(run())
 
 
+def test_a_closed_adapter_refuses_everything() -> None:
+    async def run() -> None:
+        async with veltrasdk.aio.Adapter(voltage=3.3) as adapter:
+            bus = await adapter.i2c(0)
+        for _ in range(2):
+            with pytest.raises(veltrasdk.DisconnectedError, match="the adapter is closed"):
+                await bus.scan()
+        with pytest.raises(veltrasdk.DisconnectedError, match="the adapter is closed"):
+            adapter.events()
+
+    asyncio.run(run())
+
+
 def test_what_cannot_be_opened_is_told() -> None:
     with pytest.raises(veltrasdk.NotFoundError):
         with_adapter(None, serial="BENCH-7")  # type: ignore[arg-type]

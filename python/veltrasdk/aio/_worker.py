@@ -9,6 +9,8 @@ from collections.abc import Callable, Coroutine
 from functools import wraps
 from typing import Any, Concatenate, Generic, ParamSpec, TypeVar
 
+from veltrasdk.errors import DisconnectedError
+
 Given = ParamSpec("Given")
 Result = TypeVar("Result")
 Same = TypeVar("Same")
@@ -21,6 +23,7 @@ class Worker:
 
     def __init__(self) -> None:
         self._jobs: queue.SimpleQueue[Job | None] = queue.SimpleQueue()
+        self._stopped = False
         threading.Thread(target=_work, args=(self._jobs,), name="veltrasdk aio", daemon=True).start()
 
     def __del__(self) -> None:
@@ -28,6 +31,7 @@ class Worker:
 
     def stop(self) -> None:
         """Ends the thread behind what it has to do."""
+        self._stopped = True
         self._jobs.put(None)
 
     async def run(self, job: Callable[[], Result]) -> Result:
@@ -35,7 +39,11 @@ class Worker:
 
         A wait that is cancelled ends at once: a job that has begun is carried out to its end, and its result
         dropped; one that has not is not begun.
+
+        :raises DisconnectedError: when the thread has been ended.
         """
+        if self._stopped:
+            raise DisconnectedError("aio", "the adapter is closed")
         loop = asyncio.get_running_loop()
         future: asyncio.Future[Result] = loop.create_future()
         self._jobs.put((loop, future, job))
