@@ -6,6 +6,7 @@ import os
 import pathlib
 import subprocess
 import sys
+from collections.abc import Callable
 
 import pytest
 
@@ -104,6 +105,12 @@ def test_an_adapter_ends_with_the_process_that_started_it() -> None:
     for file in socket.parent.iterdir():
         file.unlink()
     socket.parent.rmdir()
+
+
+def test_the_fixture_looks_for_the_program_where_the_tests_have_it(veltra_board: Callable[..., Board]) -> None:
+    board = veltra_board(serial="BENCH-8")
+    with board.adapter() as adapter:
+        assert adapter.strings()[2] == "BENCH-8"
 
 
 OTHERS_TESTS = """
