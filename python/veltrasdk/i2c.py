@@ -126,30 +126,28 @@ class I2cBus:
 
         :returns: what each :class:`Read` has read.
         """
-        steps = [self._step(message) for message in messages]
-        for write, read in zip(messages, messages[1:]):
+        steps: list[tuple[int, bytes, int | None]] = []  # address, bytes to write, bytes to read
+        for message in messages:
+            address = _checks.address("i2c.transfer", message.address)
+            if isinstance(message, Write):
+                steps.append((address, _checks.data("i2c.transfer", message.data), None))
+                continue
+            length = _checks.number("i2c.transfer", "the length", message.length, _checks.MAX_LENGTH)
             # The adapter does a short write and the read behind it as one.
-            if isinstance(write, Write) and isinstance(read, Read) and write.address == read.address:
-                at = next(i for i, step in enumerate(steps) if step[0] is write)
-                if 1 <= len(steps[at][1]) <= MAX_REGISTER_BYTES:
-                    steps[at : at + 2] = [(read, steps[at][1])]
+            before, data, read = steps[-1] if steps else (None, b"", None)
+            if before == address and read is None and 1 <= len(data) <= MAX_REGISTER_BYTES:
+                steps[-1] = address, data, length
+            else:
+                steps.append((address, b"", length))
         results = []
         with self._turns.alone():
-            for place, (message, data) in enumerate(steps, 1):
+            for place, (address, data, read) in enumerate(steps, 1):
                 held = place < len(steps)
-                if isinstance(message, Read):
-                    results.append(self._read(message.address, data, message.length, held))
+                if read is None:
+                    self._write(address, b"", data, held)
                 else:
-                    self._write(message.address, b"", data, held)
+                    results.append(self._read(address, data, read, held))
         return results
-
-    @staticmethod
-    def _step(message: Write | Read) -> tuple[Write | Read, bytes]:
-        _checks.address("i2c.transfer", message.address)
-        if isinstance(message, Read):
-            _checks.number("i2c.transfer", "the length", message.length, _checks.MAX_LENGTH)
-            return message, b""
-        return message, _checks.data("i2c.transfer", message.data)
 
     def _read(self, address: int, first: bytes, length: int, held: bool) -> bytes:
         size = _checks.number("i2c.read", "the length", length, _checks.MAX_LENGTH)
