@@ -376,6 +376,8 @@ class VeltraStatus(IntEnum):
     DATA_NOT_ACKNOWLEDGED = 7
     #: The I2C bus has no pull-up resistors: its lines never rise.
     NO_PULL_UP = 8
+    #: Something holds a line of the I2C bus low; initialising the controller may free it.
+    BUS_STUCK = 9
     #: I3C reserves the address: no device may have it.
     ADDRESS_RESERVED = 0x30
     #: The address belongs to another device of the I3C bus.
@@ -582,6 +584,7 @@ STATUS_NAMES: dict[int, str] = {
     6: "NotAcknowledged",
     7: "DataNotAcknowledged",
     8: "NoPullUp",
+    9: "BusStuck",
     0x30: "AddressReserved",
     0x31: "AddressInUse",
     0x32: "LengthAboveLimit",

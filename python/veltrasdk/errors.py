@@ -19,6 +19,7 @@ _MEANINGS: dict[int, str] = {
     VeltraStatus.NOT_ACKNOWLEDGED: "not acknowledged",
     VeltraStatus.DATA_NOT_ACKNOWLEDGED: "data not acknowledged",
     VeltraStatus.NO_PULL_UP: "the bus has no pull-up resistors",
+    VeltraStatus.BUS_STUCK: "something holds a line of the bus low",
     VeltraStatus.INVALID_PARAMETER: "the adapter refuses a value",
     VeltraStatus.LENGTH_ABOVE_LIMIT: "longer than the target's maximum write length",
     VeltraStatus.ADDRESS_IN_USE: "the address belongs to another device",
@@ -30,6 +31,7 @@ _CURES: dict[tuple[str, int], str] = {
     ("i3c", VeltraStatus.NO_VOLTAGE): "Say which your board takes: adapter.i3c(voltage=1.8)",
     ("", VeltraStatus.NO_VOLTAGE): "Say which your board takes: Adapter(voltage=3.3)",
     ("i2c", VeltraStatus.NO_PULL_UP): 'Switch the adapter\'s on: adapter.i2c(0, pull_up="4k7")',
+    ("i2c", VeltraStatus.BUS_STUCK): "Initialising the controller may free it: adapter.i2c(0)",
     ("i3c", VeltraStatus.NOT_INITIALISED): "Initialise the bus: i3c.init()",
 }
 
