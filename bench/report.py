@@ -152,6 +152,11 @@ def times(build, json_file):
         yield f"wrong of 2,000 reads behind a late response, 1 ms{title}", wrong, 0
     for timeout, title in ((5000, "5 s"), (-1, "none")):
         yield f"unplug to the end of an operation, time-out {title}, ms", by_name[f"unplug/{timeout}"]["max_us"] / 1000, 250
+    capture = build / "bench/bench_capture"
+    if capture.exists():  # not in a build without the programs around the library
+        for line in run(capture).splitlines():
+            name, value = line.split()
+            yield f"capturing, us per {name.rpartition('_')[2]}-byte report", float(value), 5
     yield "disconnect, 99th percentile, ms", by_name["disconnect"]["p99_us"] / 1000, 105
 
 

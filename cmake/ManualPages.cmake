@@ -34,6 +34,7 @@ add_manual_page("" "stand-in for a USB adapter for I3C, I2C, SPI, UART and GPIO"
 add_manual_page(run "start a program that finds a virtual USB adapter")
 add_manual_page(serve "keep a virtual USB adapter at a socket, or export it over USB/IP")
 add_manual_page(attach "plug a virtual USB adapter into this machine's kernel")
+add_manual_page(replay "start a program with an adapter that answers as a captured one did")
 add_manual_page(tell "let something happen to a virtual USB adapter")
 
 add_manual_page(check "say what is wrong with a board of the virtual adapter")

@@ -1,8 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The libveltrasdk authors
 // SPDX-License-Identifier: MIT
 
-// What a file may hold that is given out for a capture; and what is read can be written again.
+// What a file may hold that is given out for a capture: what is read can be written again, and
+// played back.
 #include "Input.hpp"
+
+#include "replay/ReplayLink.hpp"
 
 #include "capture/Blocks.hpp"
 #include "capture/readCapture.hpp"
@@ -22,6 +25,27 @@ auto contentOf(const CapturedRecord& captured) {
     return std::make_tuple(record.id, record.event, record.transfer, record.endpoint, record.device,
                            record.bus, record.hasSetup, record.length, record.setup, record.time,
                            captured.data);
+}
+
+/// A program that sends every request as it was recorded; last, one more.
+void playBack(const virtual_adapter::Recording& recording) {
+    virtual_adapter::ReplayLink link(recording, [](const std::string&) {});
+    const UsbTransferProtocol framing(recording.settings.identity.variant.reportSize);
+    const auto send = [&](const Bytes& frame) {
+        std::vector<Bytes> packets;
+        framing.createUsbOutTransferPackets(packets, frame);
+        for (const Bytes& packet : packets) {
+            link.writeReport(packet, {});
+        }
+        while (const auto report = link.takeInputReport({})) {
+            require(report->size() == framing.getEndpointSize(), "a report is a whole one");
+        }
+    };
+    for (const virtual_adapter::RecordedRequest& request : recording.requests) {
+        send(request.frame);
+    }
+    send({0x01, 0x00, 0xFF, 0xFF});
+    link.missing();
 }
 
 } // namespace
@@ -45,6 +69,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         const Capture again = capture::readCapture(written);
         require(!again.isCut && again.records.size() == 1, "a written record is read");
         require(contentOf(again.records[0]) == contentOf(record), "it is read as it was");
+    }
+    for (const virtual_adapter::Recording& recording : virtual_adapter::recordingsOf(captured)) {
+        playBack(recording);
     }
     return 0;
 }

@@ -78,12 +78,14 @@ ROOMS = {
     "board/program": ("bytes/", "board/BoardDescription.hpp", "board/Setting.hpp"),
     "board/file": ("bytes/", "board/"),
     "device": ("bytes/", "model/Adapter.hpp", "model/AdapterVariant.hpp", "board/", "faults/"),
+    "replay": ("bytes/", "device/", "model/Frame.hpp", "capture/"),
     "usbip": ("bytes/",),
     "socket": ("bytes/",),
     "ways": ("bytes/", "device/", "socket/", "usbip/"),
     "preload": ("bytes/", "socket/", "capture/"),
     "capture": ("bytes/",),
-    "cli": ("board/BoardTable.hpp", "board/file/", "device/", "faults/", "socket/", "usbip/", "ways/"),
+    "cli": (
+        "board/BoardTable.hpp", "board/file/", "device/", "faults/", "replay/", "socket/", "usbip/", "ways/"),
 }
 # Rooms without input or output, clock or thread, and what they would be had by.
 CLOSED = ("bytes", "model", "board", "board/parts", "faults")

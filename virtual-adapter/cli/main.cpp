@@ -4,6 +4,7 @@
 #include "cli/attach.hpp"
 #include "cli/check.hpp"
 #include "cli/failure.hpp"
+#include "cli/replay.hpp"
 #include "cli/run.hpp"
 #include "cli/serve.hpp"
 #include "cli/tell.hpp"
@@ -67,15 +68,18 @@ std::string complaintAboutSeparator(const CLI::App& app, char** argv, char** end
     if (program == end) {
         return {};
     }
-    return std::string("-- is missing in front of the program; type: veltra-virtual-adapter run ") +
-           (program - argv > 2 ? "[OPTIONS] " : "") + "-- " + *program +
+    const std::string command = argv[1];
+    const std::string between = command == "replay" ? "FILE " : "[OPTIONS] ";
+    return "-- is missing in front of the program; type: veltra-virtual-adapter " + command + " " +
+           (program - argv > 2 ? between : "") + "-- " + *program +
            (end - program > 1 ? " ..." : "");
 }
 
 int runCommandLine(int argc, char** argv) {
     // What follows -- is another program's command line.
     char** const end = argv + argc;
-    const bool runs = argc > 1 && argv[1] == std::string("run");
+    const bool runs =
+        argc > 1 && (argv[1] == std::string("run") || argv[1] == std::string("replay"));
     char** const separator = runs ? std::find(argv, end, std::string("--")) : end;
     const std::vector<std::string> program(std::min(separator + 1, end), end);
 
@@ -88,6 +92,7 @@ int runCommandLine(int argc, char** argv) {
     virtual_adapter::addAttachCommand(app);
     virtual_adapter::addCheckCommand(app);
     virtual_adapter::addTellCommand(app);
+    virtual_adapter::addReplayCommand(app, program);
 
     try {
         app.parse(static_cast<int>(separator - argv), argv);

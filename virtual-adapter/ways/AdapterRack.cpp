@@ -8,22 +8,32 @@
 #include <algorithm>
 #include <iterator>
 #include <stdexcept>
+#include <utility>
 
 namespace virtual_adapter {
 
 AdapterRack::AdapterRack(const std::vector<AdapterSettings>& chosen) {
-    if (chosen.size() > maxAdapters) {
+    for (const AdapterSettings& settings : chosen) {
+        requireRoomFor(settings);
+        hosted.emplace_back(settings);
+    }
+}
+
+void AdapterRack::add(const AdapterSettings& settings, HostedAdapter::MakeLink switchOn) {
+    requireRoomFor(settings);
+    hosted.emplace_back(settings, std::move(switchOn));
+}
+
+void AdapterRack::requireRoomFor(const AdapterSettings& settings) const {
+    if (hosted.size() == maxAdapters) {
         throw std::invalid_argument("at most " + std::to_string(maxAdapters) +
                                     " adapters stand side by side");
     }
-    for (const AdapterSettings& settings : chosen) {
-        for (const HostedAdapter& other : hosted) {
-            if (other.adapterSettings().serialNumber == settings.serialNumber) {
-                throw std::invalid_argument("two adapters have the serial number " +
-                                            settings.serialNumber);
-            }
+    for (const HostedAdapter& other : hosted) {
+        if (other.adapterSettings().serialNumber == settings.serialNumber) {
+            throw std::invalid_argument("two adapters have the serial number " +
+                                        settings.serialNumber);
         }
-        hosted.emplace_back(settings);
     }
 }
 

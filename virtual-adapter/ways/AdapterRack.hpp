@@ -17,6 +17,9 @@ public:
     /// Throws std::invalid_argument when two have the same serial number, or there are too many.
     explicit AdapterRack(const std::vector<AdapterSettings>& chosen);
 
+    /// Adds one that @p switchOn switches on. Throws as the constructor.
+    void add(const AdapterSettings& settings, HostedAdapter::MakeLink switchOn);
+
     [[nodiscard]] std::list<HostedAdapter>& adapters() { return hosted; }
 
     /// Null when there is none: the first is 1.
@@ -31,6 +34,8 @@ public:
                      HostedAdapter::Time now);
 
 private:
+    void requireRoomFor(const AdapterSettings& settings) const;
+
     std::list<HostedAdapter> hosted;
     HostedAdapter::Session lastSession = 0;
 };

@@ -3,6 +3,8 @@
 
 #include "ways/HostedAdapter.hpp"
 
+#include "device/AdapterLink.hpp"
+
 #include <utility>
 
 namespace virtual_adapter {
@@ -16,14 +18,17 @@ constexpr size_t hidapiQueueLength = 32;
 /// reads must not take all memory.
 constexpr size_t maxUnreadReports = 65'536;
 
-std::unique_ptr<AdapterLink> makeLink(const AdapterSettings& settings) {
-    return std::make_unique<AdapterLink>(settings);
+HostedAdapter::MakeLink linkMaker(const AdapterSettings& settings) {
+    return [settings] { return std::make_unique<AdapterLink>(settings); };
 }
 
 } // namespace
 
 HostedAdapter::HostedAdapter(const AdapterSettings& chosen)
-    : settings(chosen), link(makeLink(chosen)) {}
+    : HostedAdapter(chosen, linkMaker(chosen)) {}
+
+HostedAdapter::HostedAdapter(const AdapterSettings& chosen, MakeLink switchOn)
+    : settings(chosen), makeLink(std::move(switchOn)), link(makeLink()) {}
 
 bool HostedAdapter::open(Session session) {
     if (openSession != 0 || !isAccessible() || !isOnBus()) {
@@ -62,7 +67,7 @@ std::optional<Bytes> HostedAdapter::read(Time now) {
 }
 
 void HostedAdapter::reset() {
-    link = makeLink(settings);
+    link = makeLink();
     unread.clear();
     isPluggedIn = true;
 }

@@ -3,11 +3,12 @@
 
 #pragma once
 
-#include "device/AdapterLink.hpp"
 #include "device/AdapterSettings.hpp"
+#include "device/ReportLink.hpp"
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -17,11 +18,14 @@ namespace virtual_adapter {
 /// the opener has not read. It has no thread, no clock and no lock.
 class HostedAdapter {
 public:
-    using Time = AdapterLink::Time;
+    using Time = ReportLink::Time;
+    /// Switches the adapter on.
+    using MakeLink = std::function<std::unique_ptr<ReportLink>()>;
     /// What tells one opening from the next; 0 is none.
     using Session = uint32_t;
 
     explicit HostedAdapter(const AdapterSettings& chosen);
+    HostedAdapter(const AdapterSettings& chosen, MakeLink switchOn);
 
     [[nodiscard]] const AdapterSettings& adapterSettings() const { return settings; }
 
@@ -67,7 +71,8 @@ private:
     void receive(Time now);
 
     AdapterSettings settings;
-    std::unique_ptr<AdapterLink> link;
+    MakeLink makeLink;
+    std::unique_ptr<ReportLink> link;
     std::deque<Bytes> unread;
     Session openSession = 0;
     bool isPluggedIn = true;

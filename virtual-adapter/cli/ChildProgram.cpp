@@ -1,0 +1,115 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
+#include "cli/ChildProgram.hpp"
+
+#include <CLI/Error.hpp>
+
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <exception>
+#include <system_error>
+
+namespace virtual_adapter {
+
+namespace {
+
+constexpr int passedOn[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGUSR1, SIGUSR2, SIGCONT};
+
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): the handler has no argument.
+volatile pid_t childOfHandler = 0;
+
+void passOn(int signal, siginfo_t* information, void* /*context*/) {
+    // What the kernel sends, it has sent to the whole foreground: the child has it already.
+    if (information->si_code <= 0) {
+        kill(childOfHandler, signal);
+    }
+}
+
+void passSignalsOn(pid_t child) {
+    childOfHandler = child;
+    struct sigaction action {};
+    action.sa_sigaction = passOn;
+    action.sa_flags = SA_SIGINFO | SA_RESTART;
+    for (const int signal : passedOn) {
+        struct sigaction inherited {};
+        sigaction(signal, nullptr, &inherited);
+        if (inherited.sa_handler != SIG_IGN) {
+            sigaction(signal, &action, nullptr);
+        }
+    }
+    (void)std::signal(SIGPIPE, SIG_IGN);
+}
+
+[[noreturn]] void become(const std::function<void()>& start) {
+    int status = EXIT_FAILURE;
+    try {
+        start();
+    } catch (const CLI::RuntimeError& failure) {
+        status = failure.get_exit_code();
+    } catch (const std::exception&) {
+    }
+    _exit(status);
+}
+
+} // namespace
+
+ChildProgram::ChildProgram(const std::function<void()>& start) {
+    // None is lost between the child's start and the handlers.
+    sigset_t signals;
+    sigset_t before;
+    sigemptyset(&signals);
+    for (const int signal : passedOn) {
+        sigaddset(&signals, signal);
+    }
+    pthread_sigmask(SIG_BLOCK, &signals, &before);
+    child = fork();
+    if (child == 0) {
+        pthread_sigmask(SIG_SETMASK, &before, nullptr);
+        become(start);
+    }
+    const int error = errno;
+    if (child > 0) {
+        passSignalsOn(child);
+        ended = usbip::FileDescriptor(static_cast<int>(syscall(SYS_pidfd_open, child, 0)));
+    }
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    if (child < 0 || !ended.isOpen()) {
+        throw std::system_error(error, std::generic_category(), "cannot start a process");
+    }
+}
+
+void ChildProgram::send(int signal) const {
+    // Once it has ended there is nobody to get it.
+    syscall(SYS_pidfd_send_signal, ended.get(), signal, nullptr, 0);
+}
+
+int ChildProgram::wait() {
+    int status = 0;
+    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    killedBy = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+    return WEXITSTATUS(status);
+}
+
+void ChildProgram::dieAsItDid() const {
+    if (killedBy == 0) {
+        return;
+    }
+    // The program's own memory image is the one to look at.
+    const rlimit none{};
+    setrlimit(RLIMIT_CORE, &none);
+    (void)std::signal(killedBy, SIG_DFL);
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, killedBy);
+    pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+    (void)raise(killedBy);
+}
+
+} // namespace virtual_adapter

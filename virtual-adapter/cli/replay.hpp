@@ -1,0 +1,16 @@
+// SPDX-FileCopyrightText: 2026 The libveltrasdk authors
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include <CLI/App.hpp>
+
+#include <string>
+#include <vector>
+
+namespace virtual_adapter {
+
+/// Adds the command that starts @p program with an adapter that answers from a capture.
+void addReplayCommand(CLI::App& app, const std::vector<std::string>& program);
+
+} // namespace virtual_adapter
