@@ -345,8 +345,45 @@ def socket():
         yield f"reply-{name}", b"\x01\x86" + two_parts(content) + b"\x00\x00"
 
 
+def board_file():
+    root = pathlib.Path(__file__).parent.parent
+    i2c = "board = 1\n[[i2c]]\nbus = 0\naddress = 0x20\npart = "
+    yield "factory", (root / "docs/virtual-adapter/factory-board.toml").read_bytes()
+    for name, text in {
+        "registers": i2c + '"registers"\nregisters = 16\nwidth = 2\nauto_increment = false\n'
+                           'contents = { 0x01 = "hex:6061", 2 = 7, 3 = "str:a" }\n'
+                           'read_only = ["0x01", "0x02-0x03", 4]\nwritable_bits = { 0x05 = "hex:0ff0" }\n',
+        "spi": 'board = 1\n[[spi]]\nchip_select = 0\npart = "registers"\nregisters = 64\nread_bits = 0xC0\n'
+               'dummy_bytes = 1\nmodes = [1, 2]\n[[spi]]\nchip_select = 1\npart = "nor-flash"\nsize = 65536\n'
+               'jedec_id = "hex:ef4018"\n',
+        "i3c": 'board = 1\nreplace = false\n[[i3c]]\npart = "registers"\nstatic_address = 0x68\n'
+               'pid = "0461000000aa"\nbcr = 0x26\nmax_write = 8\nmax_read = 16\nmax_ibi_payload = 8\n'
+               'hdr_ddr = true\ncontents = { 0x00 = 1 }\n',
+        "file": i2c + '"24c04"\ncontents = "@missing"\nwrite_protected = true\n',
+        "program": i2c + '"program"\ncommand = ["sh", "-c", "exit 1"]\n',
+        "at": 'board = 1\n[gpio]\nwires = [[0, 1, 2]]\n[[at]]\nrequest = 7\ntell = "gpio drive 4 1"\n',
+        "nesting": "board = 1\n" + "a." * 40 + "a = " + "[" * 40,
+        "strings": 'board = 1\nx = ["""a\\"\n""", \'\'\'b.\n\'\'\', \'c\', "d\\""] # .\n',
+    }.items():
+        yield name, text.encode()
+
+
+def part_answers():
+    for kind, answers in enumerate((
+        (b'{"veltra-part":1}', b'{"veltra-part":2}'),
+        (b'{"ack":true}', b'{"ack":1}'),
+        (b'{"ack":2}', b'{"ack":-1}', b'{"ack":300}'),
+        (b'{"data":"0011"}', b'{"data":"001"}', b'{"data":1}'),
+        (b"{}", b"[]", b""),
+        (b"{}", b'{"error":"no such setting"}', b'{"error":"\xff"}'),
+    )):
+        for number, answer in enumerate(answers):
+            yield f"{kind}-{number}", bytes([kind, 2]) + answer
+
+
 TARGETS = (
-    capture, packet_joining, operations, strict_mode, notifications, virtual_adapter, usbip, socket, veltra_words)
+    board_file, capture, notifications, operations, packet_joining, part_answers, socket, strict_mode, usbip,
+    veltra_words, virtual_adapter)
 
 for target in TARGETS:
     directory = pathlib.Path(sys.argv[1], target.__name__)
