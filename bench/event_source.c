@@ -1,10 +1,10 @@
 /* SPDX-FileCopyrightText: 2026 The libveltrasdk authors */
 /* SPDX-License-Identifier: MIT */
 
-/* A stand-in for hidapi with one adapter, which sends an event a millisecond from the first read on,
-   whoever reads or not: a UART notification that carries its number and the time at which it was due.
-   As in hidapi, 32 unread ones are kept and the oldest is dropped. bench/python_events.py loads it in
-   front of the library. */
+/* A stand-in for hidapi with one adapter, which sends an event a millisecond from the first read
+   on, whoever reads or not: a UART notification that carries its number and the time at which it
+   was due. As in hidapi, 32 unread ones are kept and the oldest is dropped. bench/python_events.py
+   loads it in front of the library. */
 #include <hidapi.h>
 
 #include <stdbool.h>
@@ -47,9 +47,13 @@ static void waitUntil(int64_t time) {
     }
 }
 
-EXPORT int hid_init(void) { return 0; }
+EXPORT int hid_init(void) {
+    return 0;
+}
 
-EXPORT int hid_exit(void) { return 0; }
+EXPORT int hid_exit(void) {
+    return 0;
+}
 
 EXPORT struct hid_device_info* hid_enumerate(unsigned short vendor, unsigned short product) {
     (void)vendor;
@@ -66,14 +70,18 @@ EXPORT struct hid_device_info* hid_enumerate(unsigned short vendor, unsigned sho
     return info;
 }
 
-EXPORT void hid_free_enumeration(struct hid_device_info* info) { free(info); }
+EXPORT void hid_free_enumeration(struct hid_device_info* info) {
+    free(info);
+}
 
 EXPORT hid_device* hid_open_path(const char* wanted) {
     memset(&device, 0, sizeof device);
     return strcmp(wanted, path) == 0 ? &device : NULL;
 }
 
-EXPORT void hid_close(hid_device* closed) { (void)closed; }
+EXPORT void hid_close(hid_device* closed) {
+    (void)closed;
+}
 
 EXPORT int hid_write(hid_device* to, const unsigned char* data, size_t length) {
     (void)to;
@@ -81,7 +89,8 @@ EXPORT int hid_write(hid_device* to, const unsigned char* data, size_t length) {
     return (int)length;
 }
 
-EXPORT int hid_read_timeout(hid_device* from, unsigned char* data, size_t length, int milliseconds) {
+EXPORT int hid_read_timeout(hid_device* from, unsigned char* data, size_t length,
+                            int milliseconds) {
     const int64_t called = now();
     if (from->began == 0) {
         from->began = called;
@@ -97,8 +106,9 @@ EXPORT int hid_read_timeout(hid_device* from, unsigned char* data, size_t length
         return 0;
     }
     waitUntil(due);
-    /* Header of a packet that is first and last, a frame of 24 bytes: identifier 0, code 0x1081, two
-       bytes that are not used, the count, the event's number and the time at which it was due. */
+    /* Header of a packet that is first and last, a frame of 24 bytes: identifier 0, code 0x1081,
+       two bytes that are not used, the count, the event's number and the time at which it was due.
+     */
     const uint8_t head[] = {24 << 2 | 3, 0, 0, 0, 0x81, 0x10, 0, 0, 16, 0};
     const int64_t payload[] = {from->next, due};
     memset(data, 0, length);
