@@ -6,6 +6,8 @@
 #include "cli/TerminationSignals.hpp"
 #include "cli/announce.hpp"
 #include "cli/options.hpp"
+#include "ways/SocketPlace.hpp"
+#include "ways/SocketServer.hpp"
 #include "ways/usbip.hpp"
 
 #include "usbip/Server.hpp"
@@ -32,17 +34,27 @@ void attach(const AdapterSettings& settings) {
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) {
         throw std::system_error(errno, std::generic_category(), "cannot make a pair of sockets");
     }
-    usbip::ExportedDevice adapter = exportedAdapter(settings);
+    const auto inUse = std::make_shared<UsbDevice*>(nullptr);
+    usbip::ExportedDevice adapter = exportedAdapter(settings, inUse);
     const usbip::Speed speed = adapter.description.speed;
     usbip::Server server(std::move(adapter));
     server.plugInto(usbip::FileDescriptor(ends[0]));
     usbip::FileDescriptor kernelsEnd(ends[1]);
 
+    SocketPlace place = SocketPlace::inDirectoryOfItsOwn();
+    AdapterRack rack({});
+    rack.addTold(settings.serialNumber, [inUse](const std::string& stimulus, HostedAdapter::Time) {
+        return tellDevice(*inUse, stimulus);
+    });
+    SocketServer told(rack, place.takeListener());
+    server.lookAfter(told);
+
     const usbip::Vhci controller;
     const unsigned port = controller.plugIn(kernelsEnd, speed);
     kernelsEnd.reset();
     announce("Plugged the " + std::string(settings.identity.variant.name) + " adapter " +
-             settings.serialNumber + " into vhci port " + std::to_string(port));
+             settings.serialNumber + " into vhci port " + std::to_string(port) + ", told at " +
+             place.path());
     // When the kernel has let go by itself, the port may be another device's already.
     if (server.run(stop) == usbip::Server::End::Stopped) {
         controller.pullOut(port);

@@ -28,9 +28,10 @@ bool erase(std::deque<UsbTransfer>& transfers, uint64_t id) {
 
 } // namespace
 
-UsbDevice::UsbDevice(const AdapterSettings& settings, std::function<void(UsbResult)> receiver)
-    : link(settings),
-      control(settings.identity, settings.serialNumber),
+UsbDevice::UsbDevice(const AdapterSettings& chosen, std::function<void(UsbResult)> receiver)
+    : settings(chosen),
+      link(std::make_unique<AdapterLink>(chosen)),
+      control(chosen.identity, chosen.serialNumber),
       completed(std::move(receiver)) {}
 
 void UsbDevice::submit(UsbTransfer transfer, Time now) {
@@ -64,12 +65,16 @@ void UsbDevice::serve(Time now) {
 }
 
 std::optional<UsbDevice::Time> UsbDevice::nextDue() const {
-    return pendingInput.empty() ? std::nullopt : link.nextInputDue();
+    return pendingInput.empty() ? std::nullopt : link->nextInputDue();
 }
 
 void UsbDevice::acceptOutput(bool accept, Time now) {
     acceptsOutput = accept;
     serve(now);
+}
+
+void UsbDevice::reset() {
+    link = std::make_unique<AdapterLink>(settings);
 }
 
 void UsbDevice::unplug() {
@@ -81,7 +86,7 @@ void UsbDevice::unplug() {
 void UsbDevice::submitControl(const UsbTransfer& transfer, Time now) {
     std::optional<Bytes> reply =
         control.handle(transfer.setup, transfer.data, [&](const Bytes& report) {
-            return hasRoomForAnswers() && link.writeReport(report, now);
+            return hasRoomForAnswers() && link->writeReport(report, now);
         });
     if (!reply) {
         end(transfer, UsbStatus::Stalled);
@@ -107,16 +112,16 @@ bool UsbDevice::serveOneOutput(Time now) {
     }
     const UsbTransfer transfer = std::move(pendingOutput.front());
     pendingOutput.pop_front();
-    if (link.writeReport(transfer.data, now)) {
+    if (link->writeReport(transfer.data, now)) {
         end(transfer, UsbStatus::Completed, transfer.data.size());
     } else {
-        end(transfer, link.isOnBus() ? UsbStatus::Stalled : UsbStatus::Unplugged);
+        end(transfer, link->isOnBus() ? UsbStatus::Stalled : UsbStatus::Unplugged);
     }
     return true;
 }
 
 bool UsbDevice::serveOneInput(Time now) {
-    std::optional<Bytes> report = pendingInput.empty() ? std::nullopt : link.takeInputReport(now);
+    std::optional<Bytes> report = pendingInput.empty() ? std::nullopt : link->takeInputReport(now);
     if (!report) {
         return false;
     }
@@ -132,7 +137,7 @@ bool UsbDevice::serveOneInput(Time now) {
 }
 
 bool UsbDevice::hasRoomForAnswers() const {
-    return link.inputReportCount() <= maxUnreadReports;
+    return link->inputReportCount() <= maxUnreadReports;
 }
 
 bool UsbDevice::isUsable(uint8_t endpointAddress) const {

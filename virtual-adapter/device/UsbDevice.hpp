@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <memory>
 #include <optional>
 
 namespace virtual_adapter {
@@ -58,7 +59,7 @@ class UsbDevice {
 public:
     using Time = AdapterLink::Time;
 
-    UsbDevice(const AdapterSettings& settings, std::function<void(UsbResult)> receiver);
+    UsbDevice(const AdapterSettings& chosen, std::function<void(UsbResult)> receiver);
 
     /// Starts a transfer. It ends at once or stays pending until the device can serve it.
     void submit(UsbTransfer transfer, Time now);
@@ -75,10 +76,13 @@ public:
     /// While false, output transfers stay pending, as at an endpoint that answers NAK for ever.
     void acceptOutput(bool accept, Time now);
 
+    /// The adapter behind the device begins anew, as switched on; the host's transfers stay.
+    void reset();
+
     /// Leaves the bus; every pending transfer ends.
     void unplug();
 
-    [[nodiscard]] bool isOnBus() const { return !unplugged && link.isOnBus(); }
+    [[nodiscard]] bool isOnBus() const { return !unplugged && link->isOnBus(); }
 
 private:
     void submitControl(const UsbTransfer& transfer, Time now);
@@ -92,7 +96,8 @@ private:
     void end(const UsbTransfer& transfer, UsbStatus status, size_t actualLength = 0,
              Bytes data = {});
 
-    AdapterLink link;
+    const AdapterSettings settings;
+    std::unique_ptr<AdapterLink> link;
     UsbControl control;
     std::function<void(UsbResult)> completed;
     std::deque<UsbTransfer> pendingInput;

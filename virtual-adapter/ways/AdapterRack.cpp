@@ -12,16 +12,41 @@
 
 namespace virtual_adapter {
 
+namespace {
+
+std::string tellHosted(HostedAdapter& adapter, const std::string& stimulus,
+                       HostedAdapter::Time now) {
+    if (stimulus == "reset") {
+        adapter.reset();
+    } else if (stimulus == "unplug") {
+        adapter.unplug(now);
+    } else if (stimulus == "plug") {
+        adapter.plug();
+    } else {
+        return "'" + stimulus + "' is no stimulus: expected reset, unplug or plug";
+    }
+    return {};
+}
+
+} // namespace
+
 AdapterRack::AdapterRack(const std::vector<AdapterSettings>& chosen) {
     for (const AdapterSettings& settings : chosen) {
         requireRoomFor(settings);
-        hosted.emplace_back(settings);
+        addHosted(hosted.emplace_back(settings));
     }
 }
 
 void AdapterRack::add(const AdapterSettings& settings, HostedAdapter::MakeLink switchOn) {
     requireRoomFor(settings);
-    hosted.emplace_back(settings, std::move(switchOn));
+    addHosted(hosted.emplace_back(settings, std::move(switchOn)));
+}
+
+void AdapterRack::addHosted(HostedAdapter& adapter) {
+    addTold(adapter.adapterSettings().serialNumber,
+            [&adapter](const std::string& stimulus, HostedAdapter::Time now) {
+                return tellHosted(adapter, stimulus, now);
+            });
 }
 
 void AdapterRack::requireRoomFor(const AdapterSettings& settings) const {
@@ -46,26 +71,16 @@ HostedAdapter* AdapterRack::find(unsigned number) {
 
 std::string AdapterRack::tell(const std::string& serialNumber, const std::string& stimulus,
                               HostedAdapter::Time now) {
-    const auto found =
-        std::find_if(hosted.begin(), hosted.end(), [&](const HostedAdapter& adapter) {
-            return serialNumber.empty() || adapter.adapterSettings().serialNumber == serialNumber;
-        });
-    if (found == hosted.end()) {
+    const auto found = std::find_if(told.begin(), told.end(), [&](const Told& adapter) {
+        return serialNumber.empty() || adapter.serialNumber == serialNumber;
+    });
+    if (found == told.end()) {
         return "no adapter has the serial number " + serialNumber;
     }
-    if (serialNumber.empty() && hosted.size() > 1) {
+    if (serialNumber.empty() && told.size() > 1) {
         return "there are several adapters; say which: --serial TEXT";
     }
-    if (stimulus == "reset") {
-        found->reset();
-    } else if (stimulus == "unplug") {
-        found->unplug(now);
-    } else if (stimulus == "plug") {
-        found->plug();
-    } else {
-        return "'" + stimulus + "' is no stimulus: expected reset, unplug or plug";
-    }
-    return {};
+    return found->tell(stimulus, now);
 }
 
 } // namespace virtual_adapter

@@ -5,8 +5,10 @@
 
 #include "ways/HostedAdapter.hpp"
 
+#include <functional>
 #include <list>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace virtual_adapter {
@@ -22,6 +24,14 @@ public:
 
     [[nodiscard]] std::list<HostedAdapter>& adapters() { return hosted; }
 
+    /// Returns what is wrong with the stimulus; nothing once it is done.
+    using Teller = std::function<std::string(const std::string& stimulus, HostedAdapter::Time now)>;
+
+    /// One more that can be told, opened here or plugged in elsewhere.
+    void addTold(const std::string& serialNumber, Teller teller) {
+        told.push_back({serialNumber, std::move(teller)});
+    }
+
     /// Null when there is none: the first is 1.
     HostedAdapter* find(unsigned number);
 
@@ -34,9 +44,16 @@ public:
                      HostedAdapter::Time now);
 
 private:
+    struct Told {
+        std::string serialNumber;
+        Teller tell;
+    };
+
     void requireRoomFor(const AdapterSettings& settings) const;
+    void addHosted(HostedAdapter& adapter);
 
     std::list<HostedAdapter> hosted;
+    std::vector<Told> told;
     HostedAdapter::Session lastSession = 0;
 };
 

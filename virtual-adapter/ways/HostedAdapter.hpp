@@ -52,6 +52,9 @@ public:
     /// Writes one output report without a report identifier.
     bool write(const Bytes& report, Time now);
 
+    /// When the reports written so far have reached the adapter.
+    [[nodiscard]] Time outputArrival() const { return link->outputArrival(); }
+
     /// The oldest report that nobody has read.
     std::optional<Bytes> read(Time now);
 

@@ -23,6 +23,10 @@ bool SocketConnection::serve(Time now) {
     if (waiting) {
         serveRead(now);
     }
+    if (delayed && delayed->due <= now) {
+        send(delayed->bytes);
+        delayed.reset();
+    }
     while (wantsInput()) {
         const auto message = input.next();
         if (!message) {
@@ -37,6 +41,9 @@ bool SocketConnection::serve(Time now) {
 }
 
 std::optional<SocketConnection::Time> SocketConnection::nextDue() const {
+    if (delayed) {
+        return delayed->due;
+    }
     if (!waiting) {
         return std::nullopt;
     }
@@ -53,6 +60,7 @@ void SocketConnection::hangUp(Time now) {
     }
     isOwner = false;
     waiting.reset();
+    delayed.reset();
 }
 
 void SocketConnection::answer(const MessageBuffer::Message& message, Time now) {
@@ -163,13 +171,18 @@ void SocketConnection::join(ByteReader& fields) {
 }
 
 void SocketConnection::write(const Bytes& report, Time now) {
-    Outcome outcome = Outcome::Gone;
-    if (adapter != nullptr && adapter->isOpenAs(session)) {
-        const bool written =
-            !report.empty() && report.size() <= maxWriteSize && adapter->write(report, now);
-        outcome = written ? Outcome::Done : Outcome::Refused;
+    if (adapter == nullptr || !adapter->isOpenAs(session)) {
+        send(replyOf(ReplyKind::Written, Outcome::Gone));
+        return;
     }
-    send(replyOf(ReplyKind::Written, outcome));
+    const bool written =
+        !report.empty() && report.size() <= maxWriteSize && adapter->write(report, now);
+    const Bytes reply = replyOf(ReplyKind::Written, written ? Outcome::Done : Outcome::Refused);
+    if (written && adapter->outputArrival() > now) {
+        delayed = DelayedReply{reply, adapter->outputArrival()};
+    } else {
+        send(reply);
+    }
 }
 
 void SocketConnection::startRead(ByteReader& fields, Time now) {

@@ -35,7 +35,9 @@ public:
     Bytes& output() { return unsent; }
 
     /// Whether to receive: not while it has an answer to wait for or to take.
-    [[nodiscard]] bool wantsInput() const { return !waiting && unsent.empty() && !over; }
+    [[nodiscard]] bool wantsInput() const {
+        return !waiting && !delayed && unsent.empty() && !over;
+    }
 
     /// Whether the client waits for a report.
     [[nodiscard]] bool isReading() const { return waiting.has_value(); }
@@ -53,6 +55,12 @@ private:
     struct WaitingRead {
         /// Nothing for one without limit.
         std::optional<Time> until;
+    };
+
+    /// What is answered when the report has crossed the bus.
+    struct DelayedReply {
+        Bytes bytes;
+        Time due;
     };
 
     void answer(const MessageBuffer::Message& message, Time now);
@@ -76,6 +84,7 @@ private:
     HostedAdapter* adapter = nullptr;
     HostedAdapter::Session session = 0;
     std::optional<WaitingRead> waiting;
+    std::optional<DelayedReply> delayed;
 };
 
 } // namespace virtual_adapter

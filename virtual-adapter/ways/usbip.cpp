@@ -28,11 +28,25 @@ usbip::Status statusOf(UsbStatus status) {
 
 class PluggedInAdapter : public usbip::Device {
 public:
-    PluggedInAdapter(const AdapterSettings& settings, Receiver receiver)
-        : device(settings, [receiver = std::move(receiver)](UsbResult result) {
+    PluggedInAdapter(const AdapterSettings& settings, DeviceInUse itsUse, Receiver receiver)
+        : inUse(std::move(itsUse)),
+          device(settings, [receiver = std::move(receiver)](UsbResult result) {
               receiver({result.id, statusOf(result.status), result.actualLength,
                         std::move(result.data)});
-          }) {}
+          }) {
+        if (inUse) {
+            *inUse = &device;
+        }
+    }
+
+    ~PluggedInAdapter() override {
+        if (inUse) {
+            *inUse = nullptr;
+        }
+    }
+
+    PluggedInAdapter(const PluggedInAdapter&) = delete;
+    PluggedInAdapter& operator=(const PluggedInAdapter&) = delete;
 
     void submit(usbip::Transfer transfer, usbip::Time now) override {
         device.submit({transfer.id, transfer.endpointAddress,
@@ -47,6 +61,7 @@ public:
     [[nodiscard]] bool isOnBus() const override { return device.isOnBus(); }
 
 private:
+    DeviceInUse inUse;
     UsbDevice device;
 };
 
@@ -65,12 +80,26 @@ usbip::Description describe(const UsbIdentity& identity) {
 
 } // namespace
 
-usbip::ExportedDevice exportedAdapter(const AdapterSettings& settings) {
+usbip::ExportedDevice exportedAdapter(const AdapterSettings& settings, DeviceInUse inUse) {
     return {describe(settings.identity),
-            [settings](usbip::Device::Receiver receiver) {
-                return std::make_unique<PluggedInAdapter>(settings, std::move(receiver));
+            [settings, inUse](usbip::Device::Receiver receiver) {
+                return std::make_unique<PluggedInAdapter>(settings, inUse, std::move(receiver));
             },
             false};
+}
+
+std::string tellDevice(UsbDevice* device, const std::string& stimulus) {
+    if (device == nullptr) {
+        return "the adapter is not plugged in";
+    }
+    if (stimulus == "reset") {
+        device->reset();
+    } else if (stimulus == "unplug") {
+        device->unplug();
+    } else {
+        return "'" + stimulus + "' is no stimulus here: expected reset or unplug";
+    }
+    return {};
 }
 
 } // namespace virtual_adapter

@@ -4,12 +4,23 @@
 #pragma once
 
 #include "device/AdapterSettings.hpp"
+#include "device/UsbDevice.hpp"
 
 #include "usbip/Device.hpp"
 
+#include <memory>
+#include <string>
+
 namespace virtual_adapter {
 
-/// The adapter as a USB device that USB/IP takes to a host. Every host gets a fresh one.
-usbip::ExportedDevice exportedAdapter(const AdapterSettings& settings);
+/// The device that a host has; null while none does.
+using DeviceInUse = std::shared_ptr<UsbDevice*>;
+
+/// The adapter as a USB device that USB/IP takes to a host. Every host gets a fresh one, which is
+/// the one in @p inUse meanwhile.
+usbip::ExportedDevice exportedAdapter(const AdapterSettings& settings, DeviceInUse inUse = nullptr);
+
+/// Lets the device feel @p stimulus. Returns what is wrong with it; nothing once it is done.
+std::string tellDevice(UsbDevice* device, const std::string& stimulus);
 
 } // namespace virtual_adapter

@@ -112,6 +112,23 @@ TEST_F(SocketConnectionTest, AReadWaitsUntilItsTimeIsOver) {
     EXPECT_EQ(client.connection.nextDue(), std::nullopt);
 }
 
+TEST_F(SocketConnectionTest, AWriteIsAnsweredWhenItHasCrossedTheBus) {
+    AdapterSettings slow;
+    slow.latency = 1ms;
+    AdapterRack another({slow});
+    Client writer(another);
+    Client waiter(another);
+    EXPECT_EQ(writer.say(hello + open1), opened1);
+    EXPECT_EQ(waiter.say(hello + join1), joined);
+    EXPECT_EQ(waiter.say(readForEver), Bytes());
+    EXPECT_EQ(writer.say(write), Bytes());
+    EXPECT_EQ(writer.connection.nextDue(), start + 1ms);
+    EXPECT_EQ(writer.heard(start + 1ms), written);
+    EXPECT_EQ(waiter.heard(start + 1ms), Bytes());
+    EXPECT_EQ(waiter.connection.nextDue(), start + 2ms);
+    EXPECT_EQ(waiter.heard(start + 2ms), response());
+}
+
 TEST_F(SocketConnectionTest, ClosingEndsAWaitingRead) {
     client.say(open1);
     reader.say(join1);

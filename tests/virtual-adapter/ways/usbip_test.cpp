@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <utility>
 
 using namespace std::chrono_literals;
@@ -152,6 +153,23 @@ TEST(UsbIpWay, TheNextHostGetsAFreshAdapter) {
     }
     const Host host(adapter);
     EXPECT_FALSE(host.connection.isOver());
+}
+
+TEST(UsbIpWay, TheDeviceInUseIsTold) {
+    const auto inUse = std::make_shared<virtual_adapter::UsbDevice*>(nullptr);
+    EXPECT_EQ(virtual_adapter::tellDevice(*inUse, "reset"), "the adapter is not plugged in");
+    ExportedDevice adapter = exportedAdapter(AdapterSettings(), inUse);
+    {
+        const Host host(adapter);
+        ASSERT_NE(*inUse, nullptr);
+        EXPECT_EQ(virtual_adapter::tellDevice(*inUse, "plug"),
+                  "'plug' is no stimulus here: expected reset or unplug");
+        EXPECT_EQ(virtual_adapter::tellDevice(*inUse, "reset"), "");
+        EXPECT_TRUE((*inUse)->isOnBus());
+        EXPECT_EQ(virtual_adapter::tellDevice(*inUse, "unplug"), "");
+        EXPECT_FALSE((*inUse)->isOnBus());
+    }
+    EXPECT_EQ(*inUse, nullptr);
 }
 
 } // namespace
