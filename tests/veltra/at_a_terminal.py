@@ -118,11 +118,12 @@ class AtATerminal(unittest.TestCase):
         self.assertEqual((status, rest), (130, "veltra: watch: interrupted\r\n"))
 
     def test_an_adapter_in_use_is_said_to_be_so(self):
-        holder = Terminal(VIRTUAL_ADAPTER, "run", "--", "sh", "-c",
-                          f"{VELTRA} -V 3.3 watch gpio & until {VELTRA} info 2>&1 | grep 'in use'; do :; done; kill $!")
-        holder.wait_for(b"veltra: info: the adapter at 1-1:1.0 is in use. "
-                        b"One program at a time can have it: end the other one\r\n")
-        holder.end()
+        both = Terminal(VIRTUAL_ADAPTER, "run", "--", "sh", "-c",
+                        f"{VELTRA} -V 3.3 watch gpio | {{ read -r ready; echo $ready; {VELTRA} info; }}")
+        both.wait_for(b"ready\r\nveltra: info: the adapter at 1-1:1.0 is in use. "
+                      b"One program at a time can have it: end the other one\r\n")
+        os.killpg(both.program.pid, signal.SIGTERM)
+        both.end()
 
 
 class Completion(unittest.TestCase):
