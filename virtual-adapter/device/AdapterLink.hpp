@@ -25,8 +25,7 @@ public:
     /// adapter does not take it when it has left the bus, or its endpoint is stalled.
     bool writeReport(const Bytes& report, Time now) override;
 
-    /// When the reports written so far have crossed the bus.
-    [[nodiscard]] Time outputArrival() const { return input.outputArrival(); }
+    [[nodiscard]] Time outputArrival() const override { return input.outputArrival(); }
 
     std::optional<Bytes> takeInputReport(Time now) override { return input.take(now); }
 

@@ -27,6 +27,9 @@ public:
     /// not take it.
     virtual bool writeReport(const Bytes& report, Time now) = 0;
 
+    /// When the reports written so far have crossed the bus; long ago where no time is kept.
+    [[nodiscard]] virtual Time outputArrival() const { return {}; }
+
     /// The oldest input report, once its time has come: full size, padded with zeros.
     virtual std::optional<Bytes> takeInputReport(Time now) = 0;
 
