@@ -2,6 +2,7 @@
 # SPDX-License-Identifier: MIT
 """The short examples. tests/examples compares what those print that need nobody beside them."""
 
+import io
 import pathlib
 import re
 import runpy
@@ -22,34 +23,42 @@ def test_a_short_example_has_less_than_30_lines(name: str) -> None:
     assert len((EXAMPLES / f"{name}.py").read_text().splitlines()) < 30
 
 
-def test_the_watcher_prints_each_event(monkeypatch: pytest.MonkeyPatch, capsys: pytest.CaptureFixture[str]) -> None:
+class Printed(io.StringIO):
+    """Standard output; tells when the first line has been printed."""
+
+    def __init__(self) -> None:
+        super().__init__()
+        self.has_line = threading.Event()
+
+    def write(self, text: str) -> int:
+        """Takes a text."""
+        count = super().write(text)
+        if "\n" in text:
+            self.has_line.set()
+        return count
+
+
+def test_the_watcher_prints_each_event(monkeypatch: pytest.MonkeyPatch) -> None:
     opened: list[veltrasdk.Adapter] = []
-    is_open = threading.Event()
+    printed = Printed()
 
     class Watched(veltrasdk.Adapter):
         """Lets the test drive the pins that the example watches."""
 
         def events(self, *kinds: str) -> veltrasdk.Events:
             opened.append(self)
-            is_open.set()
             return super().events(*kinds)
 
     def drive() -> None:
-        assert is_open.wait(SECONDS)
+        assert printed.has_line.wait(SECONDS)
         for pin in (0, 2):
-            opened[0].gpio(pin).configure("out", value=1)
-        while "watching" not in (printed := capsys.readouterr().out):
-            pass
-        shown.append(printed)
-        opened[0].gpio(0).value = 0
-        opened[0].gpio(2).value = 0
+            opened[0].gpio(pin).configure("out", value=0)
 
-    shown: list[str] = []
     driving = threading.Thread(target=drive)
     driving.start()
     monkeypatch.setattr(veltrasdk, "Adapter", Watched)
     monkeypatch.setattr(sys, "argv", ["gpio_watcher.py", "2"])
+    monkeypatch.setattr(sys, "stdout", printed)
     runpy.run_path(str(EXAMPLES / "gpio_watcher.py"), run_name="__main__")
     driving.join(SECONDS)
-    printed = "".join(shown) + capsys.readouterr().out
-    assert re.fullmatch(r"watching 1 3\n\d+\.\d{6} pin 1 is 0\n\d+\.\d{6} pin 3 is 0\n", printed)
+    assert re.fullmatch(r"watching 1 3\n\d+\.\d{6} pin 1 is 0\n\d+\.\d{6} pin 3 is 0\n", printed.getvalue())
