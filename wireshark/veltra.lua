@@ -94,6 +94,7 @@ local statuses = {
     [0x0006] = "NotAcknowledged",
     [0x0007] = "DataNotAcknowledged",
     [0x0008] = "NoPullUp",
+    [0x0009] = "BusStuck",
     [0x0030] = "AddressReserved",
     [0x0031] = "AddressInUse",
     [0x0032] = "LengthAboveLimit",
