@@ -15,8 +15,8 @@ std::string someProcessor() {
     cpu_set_t allowed;
     CPU_ZERO(&allowed);
     sched_getaffinity(0, sizeof allowed, &allowed);
-    int number = 0;
-    while (number < CPU_SETSIZE && !CPU_ISSET(number, &allowed)) {
+    size_t number = 0;
+    while (number < size_t{CPU_SETSIZE} && !CPU_ISSET(number, &allowed)) {
         ++number;
     }
     return std::to_string(number);
