@@ -189,6 +189,41 @@ def virtual_adapter():
         b"\x03" + two_parts(frame("0100 0510 FFFF"), repeated(0xFFFF, 0x41)))
 
 
+STIMULI = """
+gpio drive 4 1
+gpio drive 4 release
+i2c 0 0x48 set temperature 85.5
+i2c 0 0x50 set write_protected true
+i2c 0 0x50 nack address 2
+i2c 0 0x50 nack data:3
+i3c fffe00301000 interrupt 0a1b
+i3c 0x08 interrupt
+i3c 0x0A leave
+i3c fffe00401000 join
+uart receive 1 0x02 hex:0304 str:a b
+fault lost-response@i2c-read:2
+fault stuck-bus@4
+fault none
+reset
+unplug
+plug
+gpio drive 9 1
+""".strip().splitlines()
+
+
+def stimuli():
+    started = b"".join(b"\x00" + two_parts(packet(each)) for each in REQUESTS[:-1])
+    for number, line in enumerate(STIMULI):
+        told = b"\x01" + run(line.encode())
+        yield f"told-{number}", b"\x00" + started + told + b"\x00" + two_parts(packet(REQUESTS[6]))
+        yield f"first-{number}", b"\x00" + told + started
+        yield f"scheduled-{number}", b"\x01\x05" + run(line.encode()) + started
+    for number, fault in enumerate(("stall", "unplug@2", "late-response@i2c-read",
+                                    "lost-response@i3c-ccc-transfer:12", "lost-reports", "stall@x")):
+        yield f"fault-{number}", b"\x01\x00" + run(fault.encode()) + started
+    yield "every-line", b"\x00" + started + b"".join(b"\x01" + run(each.encode()) for each in STIMULI)
+
+
 LIST = frame("0111 8005 00000000")
 IMPORT = frame("0111 8003 00000000") + b"1-1".ljust(32, b"\0")
 
@@ -382,8 +417,8 @@ def part_answers():
 
 
 TARGETS = (
-    board_file, capture, notifications, operations, packet_joining, part_answers, socket, strict_mode, usbip,
-    veltra_words, virtual_adapter)
+    board_file, capture, notifications, operations, packet_joining, part_answers, socket, stimuli, strict_mode,
+    usbip, veltra_words, virtual_adapter)
 
 for target in TARGETS:
     directory = pathlib.Path(sys.argv[1], target.__name__)

@@ -77,7 +77,8 @@ ROOMS = {
     # What of a board has input and output stands in these two.
     "board/program": ("bytes/", "board/BoardDescription.hpp", "board/Setting.hpp"),
     "board/file": ("bytes/", "board/"),
-    "device": ("bytes/", "model/Adapter.hpp", "model/AdapterVariant.hpp", "board/", "faults/"),
+    "stimuli": ("bytes/", "faults/Fault.hpp"),
+    "device": ("bytes/", "model/Adapter.hpp", "model/AdapterVariant.hpp", "board/", "faults/", "stimuli/"),
     "replay": ("bytes/", "device/", "model/Frame.hpp", "capture/"),
     "usbip": ("bytes/",),
     "socket": ("bytes/",),
@@ -85,7 +86,8 @@ ROOMS = {
     "preload": ("bytes/", "socket/", "capture/"),
     "capture": ("bytes/",),
     "cli": (
-        "board/BoardTable.hpp", "board/file/", "device/", "faults/", "replay/", "socket/", "usbip/", "ways/"),
+        "board/BoardTable.hpp", "board/file/", "device/", "faults/", "replay/", "socket/", "stimuli/", "usbip/",
+        "ways/"),
 }
 # Rooms without input or output, clock or thread, and what they would be had by.
 CLOSED = ("bytes", "model", "board", "board/parts", "faults")

@@ -43,9 +43,10 @@ void attach(const AdapterSettings& settings) {
 
     SocketPlace place = SocketPlace::inDirectoryOfItsOwn();
     AdapterRack rack({});
-    rack.addTold(settings.serialNumber, [inUse](const std::string& stimulus, HostedAdapter::Time) {
-        return tellDevice(*inUse, stimulus);
-    });
+    rack.addTold(settings.serialNumber,
+                 [inUse](const std::string& stimulus, HostedAdapter::Time now) {
+                     return tellDevice(*inUse, stimulus, now);
+                 });
     SocketServer told(rack, place.takeListener());
     server.lookAfter(told);
 

@@ -7,6 +7,7 @@
 #include "cli/program.hpp"
 
 #include "socket/Channel.hpp"
+#include "stimuli/Stimulus.hpp"
 #include "usbip/FileDescriptor.hpp"
 
 #include <array>
@@ -71,6 +72,18 @@ void tell(const TellOptions& options) {
 
 } // namespace
 
+namespace {
+
+std::string stimulusHelp() {
+    std::string forms;
+    for (const std::string& form : stimulusForms()) {
+        forms += (forms.empty() ? "" : "; ") + form;
+    }
+    return "What happens: " + forms;
+}
+
+} // namespace
+
 void addTellCommand(CLI::App& app) {
     CLI::App& command = *app.add_subcommand("tell", "Let something happen to an adapter that runs");
     const auto options = std::make_shared<TellOptions>();
@@ -79,9 +92,7 @@ void addTellCommand(CLI::App& app) {
         .add_option("--serial", options->serialNumber,
                     "Which adapter, where several stand at the socket")
         ->type_name("TEXT");
-    command.add_option("STIMULUS", options->words, "What happens: reset, unplug, plug")
-        ->required()
-        ->type_name("");
+    command.add_option("STIMULUS", options->words, stimulusHelp())->required()->type_name("");
     command.callback([options] { tell(*options); });
 }
 

@@ -4,10 +4,12 @@
 #include "device/AdapterLink.hpp"
 
 #include "bytes/ByteReader.hpp"
+#include "device/BoardStimuli.hpp"
 #include "faults/BusFaults.hpp"
 
 #include <algorithm>
 #include <iterator>
+#include <stdexcept>
 #include <utility>
 
 namespace virtual_adapter {
@@ -27,11 +29,16 @@ bool beginsMessage(const Bytes& packet) {
     return !packet.empty() && (packet.front() & firstPacketFlag) != 0;
 }
 
+std::unique_ptr<Adapter> makeAdapter(const AdapterSettings& settings) {
+    return std::make_unique<Adapter>(settings.identity.variant, settings.serialNumber,
+                                     settings.makeBoard());
+}
+
 } // namespace
 
 AdapterLink::AdapterLink(AdapterSettings chosen)
     : settings(std::move(chosen)),
-      adapter(settings.identity.variant, settings.serialNumber, settings.makeBoard()),
+      adapter(makeAdapter(settings)),
       faults(settings.faults),
       protocol(settings.identity.variant.reportSize),
       input(settings.latency) {}
@@ -46,7 +53,7 @@ bool AdapterLink::writeReport(const Bytes& report, Time now) {
         taken = takePacket(Bytes(packet, packetEnd), now);
         packet = packetEnd;
     } while (taken && packet != report.end());
-    if (adapter.inBootMode()) {
+    if (adapter->inBootMode()) {
         input.hurry(now);
     }
     if (unplugged) {
@@ -63,8 +70,9 @@ bool AdapterLink::takePacket(const Bytes& packet, Time now) {
     Frame begun;
     const bool isWhole = protocol.receiveUsbInTransferPackets(begun, packet);
     if (beginsMessage(packet)) {
+        runSchedule(now);
         const FaultSet next = faults.next(codeOf(begun));
-        unplugged = next.has(FaultKind::Unplug);
+        unplugged = unplugged || next.has(FaultKind::Unplug);
         stalled = next.has(FaultKind::Stall);
     }
     if (unplugged || stalled) {
@@ -83,8 +91,8 @@ bool AdapterLink::carryOutRequest() {
     if (!unplugged && !stalled) {
         std::vector<CountedFrame> answer;
         {
-            const BusFaults busFaults(adapter.getBoard(), striking);
-            answer = adapter.handle(request);
+            const BusFaults busFaults(adapter->getBoard(), striking);
+            answer = adapter->handle(request);
         }
         send(frameFaults.apply(striking, std::move(answer)));
         if (striking.has(FaultKind::LateResponse)) {
@@ -93,6 +101,70 @@ bool AdapterLink::carryOutRequest() {
     }
     request.clear();
     return !unplugged && !stalled;
+}
+
+std::string AdapterLink::tell(const std::string& line, Time now) {
+    try {
+        return apply(parseStimulus(line), now);
+    } catch (const std::invalid_argument& error) {
+        return error.what();
+    }
+}
+
+std::string AdapterLink::apply(const Stimulus& stimulus, Time now) {
+    const bool plugs = std::holds_alternative<PlugStimulus>(stimulus) && !isOnBus();
+    if (plugs || std::holds_alternative<ResetStimulus>(stimulus)) {
+        reset();
+        return {};
+    }
+    if (std::holds_alternative<UnplugStimulus>(stimulus)) {
+        unplugged = true;
+        input.forgetAfter(now);
+        return {};
+    }
+    if (const auto* const wanted = std::get_if<FaultRequest>(&stimulus)) {
+        if (wanted->fault) {
+            return faults.add(*wanted->fault);
+        }
+        faults.clear();
+        return {};
+    }
+    const std::string complaint = stimulateBoard(*adapter, stimulus);
+    const std::vector<OutgoingFrame> said =
+        frameFaults.applyToNotifications(adapter->takeNotifications());
+    if (isOnBus()) {
+        input.leaveNotBefore(now);
+        send(said);
+    }
+    return complaint;
+}
+
+void AdapterLink::reset() {
+    adapter = makeAdapter(settings);
+    faults = FaultSchedule(settings.faults);
+    frameFaults = {};
+    input = InputQueue(settings.latency);
+    request.clear();
+    unplugged = false;
+    stalled = false;
+    lastScheduled = 0;
+}
+
+void AdapterLink::runSchedule(Time now) {
+    const size_t next = faults.requestCount() + 1;
+    if (next == lastScheduled) {
+        return;
+    }
+    lastScheduled = next;
+    for (const ScheduledStimulus& scheduled : settings.schedule) {
+        const std::string complaint =
+            scheduled.request == next ? apply(scheduled.stimulus, now) : "";
+        if (!complaint.empty() && settings.complain) {
+            settings.complain("before request " + std::to_string(next) + ": " + complaint);
+        }
+    }
+    // After a reset this request is the first.
+    lastScheduled = faults.requestCount() + 1;
 }
 
 void AdapterLink::send(const std::vector<OutgoingFrame>& frames) {

@@ -12,7 +12,9 @@
 
 #include "driver/UsbTransferProtocol.hpp"
 
+#include <memory>
 #include <optional>
+#include <string>
 
 namespace virtual_adapter {
 
@@ -27,6 +29,8 @@ public:
 
     [[nodiscard]] Time outputArrival() const override { return input.outputArrival(); }
 
+    std::string tell(const std::string& line, Time now) override;
+
     std::optional<Bytes> takeInputReport(Time now) override { return input.take(now); }
 
     [[nodiscard]] std::optional<Time> nextInputDue() const override { return input.nextDue(); }
@@ -35,16 +39,20 @@ public:
     [[nodiscard]] size_t inputReportCount() const { return input.size(); }
 
     /// Unplugging and boot mode make it leave for good.
-    [[nodiscard]] bool isOnBus() const override { return !unplugged && !adapter.inBootMode(); }
+    [[nodiscard]] bool isOnBus() const override { return !unplugged && !adapter->inBootMode(); }
 
 private:
+    std::string apply(const Stimulus& stimulus, Time now);
+    /// As switched on: the board as described, nothing sent, no request counted.
+    void reset();
+    void runSchedule(Time now);
     bool takePacket(const Bytes& packet, Time now);
     /// Returns false when a fault keeps the request from the adapter.
     bool carryOutRequest();
     void send(const std::vector<OutgoingFrame>& frames);
 
     const AdapterSettings settings;
-    Adapter adapter;
+    std::unique_ptr<Adapter> adapter;
     FaultSchedule faults;
     FrameFaults frameFaults;
     UsbTransferProtocol protocol;
@@ -52,6 +60,8 @@ private:
     Frame request;
     bool unplugged = false;
     bool stalled = false;
+    /// The request for which the schedule has been looked at.
+    size_t lastScheduled = 0;
 };
 
 } // namespace virtual_adapter

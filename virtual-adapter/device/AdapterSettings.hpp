@@ -6,6 +6,7 @@
 #include "board/FactoryBoard.hpp"
 #include "device/UsbIdentity.hpp"
 #include "faults/Fault.hpp"
+#include "stimuli/Stimulus.hpp"
 
 #include <array>
 #include <chrono>
@@ -27,6 +28,10 @@ struct AdapterSettings {
     std::chrono::microseconds latency{0};
     /// Makes the board that the adapter has when it is switched on.
     std::function<Board()> makeBoard = factoryBoard;
+    /// What happens to the adapter of its own accord.
+    std::vector<ScheduledStimulus> schedule;
+    /// Is told why something of the schedule cannot be; may be empty.
+    std::function<void(const std::string& complaint)> complain;
 
     [[nodiscard]] bool hasFault(FaultKind kind) const;
 };

@@ -5,6 +5,7 @@
 
 #include "bytes/Bytes.hpp"
 
+#include <algorithm>
 #include <chrono>
 #include <cstddef>
 #include <deque>
@@ -27,6 +28,9 @@ public:
 
     /// The host writes an output report.
     void hostWrites(Time now);
+
+    /// What is sent from now on leaves no earlier.
+    void leaveNotBefore(Time now) { outputArrives = std::max(outputArrives, now); }
 
     /// When the last output report has reached the adapter.
     [[nodiscard]] Time outputArrival() const { return outputArrives; }

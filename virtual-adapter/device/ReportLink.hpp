@@ -7,13 +7,14 @@
 
 #include <chrono>
 #include <optional>
+#include <string>
 
 namespace virtual_adapter {
 
 /// An adapter's two interrupt endpoints: output reports in, input reports out.
 ///
 /// It has no thread, no clock and no lock: whoever carries the reports serialises the calls and
-/// says what time it is. Only a write ever makes input reports.
+/// says what time it is. Only a write and a stimulus ever make input reports.
 class ReportLink {
 public:
     using Time = std::chrono::steady_clock::time_point;
@@ -35,6 +36,10 @@ public:
 
     /// When the oldest input report's time comes; nothing while there is none.
     [[nodiscard]] virtual std::optional<Time> nextInputDue() const = 0;
+
+    /// Lets something happen to the adapter between two requests: a line of words, as
+    /// stimuli/Stimulus.hpp has them. Returns an empty text, or what is wrong with it.
+    virtual std::string tell(const std::string& line, Time now) = 0;
 
     /// Whether the adapter can be found. Input reports whose time has not come when it leaves
     /// never come.

@@ -77,6 +77,12 @@ void UsbDevice::reset() {
     link = std::make_unique<AdapterLink>(settings);
 }
 
+std::string UsbDevice::tell(const std::string& stimulus, Time now) {
+    std::string complaint = link->tell(stimulus, now);
+    serve(now);
+    return complaint;
+}
+
 void UsbDevice::unplug() {
     unplugged = true;
     endAll(pendingInput, UsbStatus::Unplugged);

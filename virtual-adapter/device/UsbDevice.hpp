@@ -79,6 +79,9 @@ public:
     /// The adapter behind the device begins anew, as switched on; the host's transfers stay.
     void reset();
 
+    /// Lets something else happen to the adapter, as `AdapterLink::tell`.
+    std::string tell(const std::string& stimulus, Time now);
+
     /// Leaves the bus; every pending transfer ends.
     void unplug();
 

@@ -28,6 +28,9 @@ public:
 
     /// What stands on the buses, for whoever changes it between two requests.
     Board& getBoard() { return board; }
+    Dispatcher& getDispatcher() { return dispatcher; }
+    /// What has been said meanwhile.
+    std::vector<CountedFrame> takeNotifications() { return outbox.take(); }
 
     [[nodiscard]] bool inBootMode() const { return dispatcher.inBootMode(); }
 

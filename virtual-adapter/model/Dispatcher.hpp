@@ -30,6 +30,11 @@ public:
     /// Carries the command out whose payload @p request reads.
     Answer answer(CommandCode code, ByteReader& request);
 
+    // What the world around the adapter reaches.
+    Uart& getUart() { return uart; }
+    Gpio& getGpio() { return gpio; }
+    I3cController& getI3cController() { return i3cController; }
+
     [[nodiscard]] bool inBootMode() const { return system.inBootMode(); }
 
 private:

@@ -161,4 +161,8 @@ std::optional<ReplayLink::Time> ReplayLink::nextInputDue() const {
     return reports.empty() ? std::nullopt : std::optional<Time>(Time());
 }
 
+std::string ReplayLink::tell(const std::string& /*line*/, Time /*now*/) {
+    return "a recording is played, to which nothing happens that was not recorded";
+}
+
 } // namespace virtual_adapter

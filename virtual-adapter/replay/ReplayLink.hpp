@@ -30,6 +30,7 @@ public:
     bool writeReport(const Bytes& report, Time now) override;
     std::optional<Bytes> takeInputReport(Time now) override;
     [[nodiscard]] std::optional<Time> nextInputDue() const override;
+    std::string tell(const std::string& line, Time now) override;
     [[nodiscard]] bool isOnBus() const override { return !hasLeft; }
 
     /// The first recorded request that has not been sent, in words; empty when all have.

@@ -23,7 +23,7 @@ std::string tellHosted(HostedAdapter& adapter, const std::string& stimulus,
     } else if (stimulus == "plug") {
         adapter.plug();
     } else {
-        return "'" + stimulus + "' is no stimulus: expected reset, unplug or plug";
+        return adapter.tell(stimulus, now);
     }
     return {};
 }

@@ -66,6 +66,12 @@ std::optional<Bytes> HostedAdapter::read(Time now) {
     return report;
 }
 
+std::string HostedAdapter::tell(const std::string& stimulus, Time now) {
+    const std::string complaint = link->tell(stimulus, now);
+    receive(now);
+    return complaint;
+}
+
 void HostedAdapter::reset() {
     link = makeLink();
     unread.clear();

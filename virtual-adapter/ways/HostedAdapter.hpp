@@ -61,6 +61,9 @@ public:
     /// When a report comes that is not there yet.
     [[nodiscard]] std::optional<Time> nextDue() const { return link->nextInputDue(); }
 
+    /// Lets something else happen to the adapter, as `AdapterLink::tell`.
+    std::string tell(const std::string& stimulus, Time now);
+
     /// Begins anew, on the bus: as switched on.
     void reset();
 

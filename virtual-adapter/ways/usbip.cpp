@@ -88,7 +88,7 @@ usbip::ExportedDevice exportedAdapter(const AdapterSettings& settings, DeviceInU
             false};
 }
 
-std::string tellDevice(UsbDevice* device, const std::string& stimulus) {
+std::string tellDevice(UsbDevice* device, const std::string& stimulus, UsbDevice::Time now) {
     if (device == nullptr) {
         return "the adapter is not plugged in";
     }
@@ -96,8 +96,10 @@ std::string tellDevice(UsbDevice* device, const std::string& stimulus) {
         device->reset();
     } else if (stimulus == "unplug") {
         device->unplug();
+    } else if (stimulus == "plug") {
+        return "the kernel plugs in: start attach again";
     } else {
-        return "'" + stimulus + "' is no stimulus here: expected reset or unplug";
+        return device->tell(stimulus, now);
     }
     return {};
 }

@@ -21,6 +21,6 @@ using DeviceInUse = std::shared_ptr<UsbDevice*>;
 usbip::ExportedDevice exportedAdapter(const AdapterSettings& settings, DeviceInUse inUse = nullptr);
 
 /// Lets the device feel @p stimulus. Returns what is wrong with it; nothing once it is done.
-std::string tellDevice(UsbDevice* device, const std::string& stimulus);
+std::string tellDevice(UsbDevice* device, const std::string& stimulus, UsbDevice::Time now);
 
 } // namespace virtual_adapter

@@ -22,10 +22,18 @@ Bytes string3Report() {
     return report;
 }
 
+AdapterSettings settingsWith(const std::vector<Fault>& faults) {
+    AdapterSettings settings;
+    settings.identity = fullSpeed;
+    settings.serialNumber = "VA-01";
+    settings.faults = faults;
+    return settings;
+}
+
 class UsbDeviceTest : public testing::Test {
 protected:
     explicit UsbDeviceTest(const std::vector<Fault>& faults = {})
-        : device({fullSpeed, "VA-01", faults, 1500ms, {}, virtual_adapter::factoryBoard},
+        : device(settingsWith(faults),
                  [this](UsbResult result) { results.push_back(std::move(result)); }) {
         control(0, {0x00, 0x09, 1, 0, 0, 0, 0, 0});
         results.clear();

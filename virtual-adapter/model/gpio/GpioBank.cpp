@@ -52,7 +52,8 @@ void GpioBank::drive(GpioPinNumber pin, GpioLogicLevel level) {
 }
 
 GpioLogicLevel GpioBank::level(GpioPinNumber pin) const {
-    Effect effect = Effect::None;
+    const std::optional<GpioLogicLevel> outside = lines.drivenFromOutside(pin);
+    Effect effect = outside ? effectOf(GpioFunctionality_Output, *outside) : Effect::None;
     for (size_t other = 0; other < pinCount; ++other) {
         if (lines.areJoined(pin, other)) {
             const auto& [functionality, driven] = pins.at(other);

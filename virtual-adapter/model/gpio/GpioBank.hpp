@@ -26,8 +26,8 @@ public:
     void configure(GpioPinNumber pin, GpioFunctionality functionality, GpioLogicLevel level);
     void drive(GpioPinNumber pin, GpioLogicLevel level);
 
-    /// The level of the pin's line: what outputs drive on it, low before high; else what resistors
-    /// pull it to, low before high; else low.
+    /// The level of the pin's line: what outputs and the world outside drive on it, low before
+    /// high; else what resistors pull it to, low before high; else low.
     [[nodiscard]] GpioLogicLevel level(GpioPinNumber pin) const;
     [[nodiscard]] Levels levels() const;
 

@@ -123,6 +123,15 @@ Answer Gpio::disableInterrupt(ByteReader& request) {
     return Status::Success;
 }
 
+void Gpio::driveLine(GpioPinNumber pin, std::optional<GpioLogicLevel> level) {
+    const GpioBank::Levels before = bank.levels();
+    lines.drive(pin, level);
+    // Pins without a voltage see nothing.
+    if (voltage.isOn()) {
+        sendInterrupts(before);
+    }
+}
+
 void Gpio::sendInterrupts(const GpioBank::Levels& before) {
     const GpioBank::Levels after = bank.levels();
     for (size_t pin = 0; pin < after.size(); ++pin) {

@@ -17,14 +17,17 @@ namespace virtual_adapter {
 class Gpio {
 public:
     /// The lines must outlive the pins.
-    Gpio(const IoVoltage& ioVoltage, const GpioLines& lines, Outbox& toHost)
-        : voltage(ioVoltage), outbox(toHost), bank(lines) {}
+    Gpio(const IoVoltage& ioVoltage, GpioLines& wiring, Outbox& toHost)
+        : voltage(ioVoltage), outbox(toHost), lines(wiring), bank(wiring) {}
 
     Answer configurePin(ByteReader& request);
     Answer digitalWrite(ByteReader& request);
     Answer digitalRead(ByteReader& request);
     Answer configureInterrupt(ByteReader& request);
     Answer disableInterrupt(ByteReader& request);
+
+    /// The world outside drives the line of a pin, or lets go of it.
+    void driveLine(GpioPinNumber pin, std::optional<GpioLogicLevel> level);
 
 private:
     /// Sends the interrupts of the armed pins whose levels have changed since @p before.
@@ -33,6 +36,7 @@ private:
 
     const IoVoltage& voltage;
     Outbox& outbox;
+    GpioLines& lines;
     GpioBank bank;
     /// Empty for a pin that is not armed.
     std::array<std::optional<GpioTriggerType>, GpioBank::pinCount> triggers;

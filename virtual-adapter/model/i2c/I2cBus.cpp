@@ -3,6 +3,7 @@
 
 #include "model/i2c/I2cBus.hpp"
 
+#include <algorithm>
 #include <utility>
 
 namespace virtual_adapter {
@@ -12,13 +13,41 @@ void I2cBus::attach(uint8_t address, std::unique_ptr<I2cTarget> target) {
 }
 
 bool I2cBus::start(uint8_t address, I2cDirection direction) {
-    I2cTarget* const target = disturbance == Disturbance::NoAddress ? nullptr : targetAt(address);
-    addressed = target != nullptr && target->start(direction) ? target : nullptr;
+    I2cTarget* const target = targetAt(address);
+    addressed = nullptr;
+    currentAddress = address;
+    if (target != nullptr && disturbance != Disturbance::NoAddress &&
+        !takeRefusal(address, 0).has_value() && target->start(direction)) {
+        addressed = target;
+    }
     return addressed != nullptr;
 }
 
 size_t I2cBus::write(const Bytes& bytes) {
-    return bytes.empty() || disturbance == Disturbance::NoByte ? 0 : addressed->writeMessage(bytes);
+    if (bytes.empty() || disturbance == Disturbance::NoByte) {
+        return 0;
+    }
+    const std::optional<Refusal> refusal = takeRefusal(currentAddress, bytes.size());
+    if (!refusal) {
+        return addressed->writeMessage(bytes);
+    }
+    const auto taken = static_cast<Bytes::difference_type>(refusal->byte.value_or(1) - 1);
+    return taken == 0 ? 0 : addressed->writeMessage(Bytes(bytes.begin(), bytes.begin() + taken));
+}
+
+std::optional<I2cBus::Refusal> I2cBus::takeRefusal(uint8_t address, size_t byteCount) {
+    const auto found = std::find_if(refusals.begin(), refusals.end(), [=](const Refusal& refusal) {
+        return refusal.address == address &&
+               (byteCount == 0 ? !refusal.byte : refusal.byte && *refusal.byte <= byteCount);
+    });
+    if (found == refusals.end()) {
+        return std::nullopt;
+    }
+    const Refusal taken = *found;
+    if (--found->times == 0) {
+        refusals.erase(found);
+    }
+    return taken;
 }
 
 Bytes I2cBus::read(size_t count) {

@@ -7,7 +7,9 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
+#include <vector>
 
 namespace virtual_adapter {
 
@@ -38,6 +40,15 @@ public:
     /// Disturbs every transfer, until told otherwise.
     void disturb(Disturbance chosen) { disturbance = chosen; }
 
+    /// A target keeps an acknowledge back.
+    struct Refusal {
+        uint8_t address;
+        /// Which byte behind the address, counted from 1; nothing for the address itself.
+        std::optional<size_t> byte;
+        unsigned times;
+    };
+    void refuse(const Refusal& refusal) { refusals.push_back(refusal); }
+
     /// Something holds a line low: no transfer is possible until the bus is freed.
     void holdLow() { heldLow = true; }
     [[nodiscard]] bool isHeldLow() const { return heldLow; }
@@ -53,7 +64,13 @@ public:
 private:
     std::map<uint8_t, std::unique_ptr<I2cTarget>> targets;
     std::set<uint16_t> tenBitTargets;
+    /// Of the refusals at that address the first that is for the address itself or for one of
+    /// @p byteCount bytes, which is used up once.
+    std::optional<Refusal> takeRefusal(uint8_t address, size_t byteCount);
+
     I2cTarget* addressed = nullptr;
+    uint8_t currentAddress = 0;
+    std::vector<Refusal> refusals;
     Disturbance disturbance = Disturbance::None;
     bool heldLow = false;
 };

@@ -31,13 +31,18 @@ void I3cBus::attachLegacy(uint8_t address, I2cTransferRate fastestRate,
     fastestRates[address] = fastestRate;
 }
 
-std::vector<I3cTarget*> I3cBus::powered() const {
-    std::vector<I3cTarget*> present;
+std::vector<I3cTarget*> I3cBus::all() const {
+    std::vector<I3cTarget*> attached;
     for (const auto& target : targets) {
-        if (target->isPowered()) {
-            present.push_back(target.get());
-        }
+        attached.push_back(target.get());
     }
+    return attached;
+}
+
+std::vector<I3cTarget*> I3cBus::powered() const {
+    std::vector<I3cTarget*> present = all();
+    const auto unpowered = [](const I3cTarget* target) { return !target->isPowered(); };
+    present.erase(std::remove_if(present.begin(), present.end(), unpowered), present.end());
     return present;
 }
 

@@ -22,6 +22,8 @@ public:
     void attachLegacy(uint8_t address, I2cTransferRate fastestRate,
                       std::unique_ptr<I2cTarget> device);
 
+    /// The I3C targets, with and without power.
+    [[nodiscard]] std::vector<I3cTarget*> all() const;
     /// The I3C targets that have power.
     [[nodiscard]] std::vector<I3cTarget*> powered() const;
     /// The target that has @p address as its dynamic address, or null.

@@ -34,6 +34,8 @@ public:
     /// Takes every dynamic address away; the bus waits for `initialiseBus`.
     Status resetBus();
 
+    [[nodiscard]] bool isSupplied() const { return hasSupply; }
+
     /// @p checked, the status of a request's fields, which counts only with the supply.
     [[nodiscard]] Status whenSupplied(Status checked) const {
         return hasSupply ? checked : Status::NoVoltage;

@@ -58,8 +58,19 @@ I3cTarget::I3cTarget(const I3cCharacteristics& ofThisKind, Bytes contents, size_
 void I3cTarget::setSupply(bool isSupplied) {
     if (isSupplied != supplied) {
         supplied = isSupplied;
+        joins = false;
         resetWholeTarget();
     }
+}
+
+void I3cTarget::join() {
+    setSupply(true);
+    joins = true;
+}
+
+void I3cTarget::setDynamicAddress(uint8_t assigned) {
+    address = assigned;
+    joins = joins && assigned == 0;
 }
 
 bool I3cTarget::hasIbiPayload() const {

@@ -64,11 +64,13 @@ public:
     virtual void setSupply(bool isSupplied);
 
     /// Whether the target asks to join the running bus.
-    [[nodiscard]] virtual bool requestsHotJoin() const { return false; }
+    [[nodiscard]] virtual bool requestsHotJoin() const { return joins; }
+    /// Puts the target on the running bus: it gets power, and asks to join.
+    void join();
 
     /// 0 while the target has none.
     [[nodiscard]] uint8_t dynamicAddress() const { return address; }
-    virtual void setDynamicAddress(uint8_t assigned) { address = assigned; }
+    virtual void setDynamicAddress(uint8_t assigned);
 
     [[nodiscard]] uint16_t maxWriteLength() const { return writeLimit; }
     [[nodiscard]] uint16_t maxReadLength() const { return readLimit; }
@@ -114,13 +116,13 @@ public:
     void writeHdrDdr(uint8_t commandCode, const Bytes& bytes);
     Bytes readHdrDdr(uint8_t commandCode, size_t length);
 
+    /// Makes an interrupt pending, in place of one that already is.
+    void requestInterrupt(Bytes payload) { pendingInterrupt = std::move(payload); }
+
 protected:
     [[nodiscard]] uint8_t storedRegister(size_t index) const { return registers[index]; }
     void storeRegister(size_t index, uint8_t value) { registers[index] = value; }
     [[nodiscard]] uint8_t enabledEvents() const { return events; }
-
-    /// Makes an interrupt pending, in place of one that already is.
-    void requestInterrupt(Bytes payload) { pendingInterrupt = std::move(payload); }
 
 private:
     [[nodiscard]] virtual uint8_t readRegister(size_t index) const { return registers[index]; }
@@ -144,6 +146,7 @@ private:
     const size_t pointerSize;
 
     bool supplied = true;
+    bool joins = false;
     Bytes registers;
     size_t pointer = 0;
     uint8_t address = 0;

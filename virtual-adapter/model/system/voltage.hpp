@@ -17,6 +17,8 @@ public:
     /// without the voltage nothing else counts.
     [[nodiscard]] Status check(const ByteReader& request, bool valuesKnown) const;
 
+    [[nodiscard]] bool isOn() const { return outputEnabled; }
+
 private:
     bool outputEnabled = false;
 };

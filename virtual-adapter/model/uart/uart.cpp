@@ -6,6 +6,7 @@
 #include "model/checks.hpp"
 
 #include <algorithm>
+#include <utility>
 
 namespace virtual_adapter {
 
@@ -50,7 +51,7 @@ Answer Uart::setParameters(ByteReader& request) {
 
 Answer Uart::sendMessage(ByteReader& request) {
     const size_t length = request.u16();
-    Bytes message = request.bytes(length);
+    const Bytes message = request.bytes(length);
     const Status status = voltage.check(request, true);
     if (status != Status::Success) {
         return status;
@@ -58,14 +59,26 @@ Answer Uart::sendMessage(ByteReader& request) {
     if (!dataSize) {
         return Status::NotInitialised;
     }
-    const unsigned dataBits = (1U << *dataSize) - 1U;
-    for (uint8_t& character : message) {
-        character = static_cast<uint8_t>(character & dataBits);
-    }
     if (target != nullptr) {
-        receive(target->receive(message));
+        receive(target->receive(onTheLine(message)));
     }
     return Status::Success;
+}
+
+bool Uart::receiveFromLine(Bytes characters) {
+    if (!voltage.isOn() || !dataSize) {
+        return false;
+    }
+    receive(onTheLine(std::move(characters)));
+    return true;
+}
+
+Bytes Uart::onTheLine(Bytes characters) const {
+    const unsigned dataBits = (1U << *dataSize) - 1U;
+    for (uint8_t& character : characters) {
+        character = static_cast<uint8_t>(character & dataBits);
+    }
+    return characters;
 }
 
 Status Uart::readSettings(ByteReader& request, UartDataSize& wanted) const {

@@ -27,10 +27,15 @@ public:
     Answer setParameters(ByteReader& request);
     Answer sendMessage(ByteReader& request);
 
+    /// Characters arrive. Returns false when the UART does not listen.
+    bool receiveFromLine(Bytes characters);
+
 private:
     /// Reads the payload that initialising and changing the parameters share. Of all the line's
     /// settings only the number of data bits shows.
     Status readSettings(ByteReader& request, UartDataSize& wanted) const;
+    /// The characters without the bits that the line does not carry.
+    [[nodiscard]] Bytes onTheLine(Bytes characters) const;
     void receive(const Bytes& message);
 
     const IoVoltage& voltage;
