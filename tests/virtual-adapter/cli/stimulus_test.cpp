@@ -27,10 +27,16 @@ TEST(TellStimulus, OneThatCannotBeSaysWhyAndExitsWithOne) {
     EXPECT_EQ(result.errors, "veltra-virtual-adapter: '9' is no pin: expected 0 to 7\n");
 }
 
-TEST(TellStimulus, AFaultStrikesTheNextProgram) {
-    const ProcessResult result =
-        shell(tell + "fault unplug@1 && '" + hidProbe + "' list && " + tell + "plug");
-    EXPECT_EQ(result.status, 0) << result.errors;
+TEST(TellStimulus, AFaultStrikesTheNextProgramAndThePlugBringsTheAdapterBack) {
+    const std::string probe = "'" + hidProbe + "' ";
+    const ProcessResult result = shell(tell + "fault unplug@1 && " + probe +
+                                       "'open 1-1:1.0' 'write 00 17 00 01 00 07 04 01' list && " +
+                                       tell + "plug && " + probe + "list");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.errors, "");
+    EXPECT_EQ(result.output.substr(result.output.find("write")),
+              "write: -1\nlist: nothing\n" +
+                  listed(VELTRASDK_USB_PRODUCT_ID_FULL_SPEED, "Veltra | full-speed | VA-0001"));
 }
 
 } // namespace
