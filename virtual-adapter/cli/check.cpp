@@ -4,7 +4,7 @@
 #include "cli/check.hpp"
 
 #include "board/BoardTable.hpp"
-#include "board/file/BoardFile.hpp"
+#include "cli/boards.hpp"
 
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
@@ -22,7 +22,7 @@ constexpr int notRight = 2;
 
 void check(const std::string& file) {
     try {
-        std::cout << boardTable(BoardFile(file).description()) << std::flush;
+        std::cout << boardTable(readBoard(file).file.description()) << std::flush;
     } catch (const BoardFileError& error) {
         std::cerr << error.what() << std::endl;
         throw CLI::RuntimeError(notRight);

@@ -3,6 +3,8 @@
 
 #include "cli/options.hpp"
 
+#include "cli/boards.hpp"
+
 #include <CLI/Error.hpp>
 
 #include <algorithm>
@@ -30,6 +32,15 @@ void readSetting(const SettingText& setting, const std::string& option, AdapterS
     }
 }
 
+void readBoardOption(const std::string& option, AdapterSettings& settings,
+                     const std::string& path) {
+    try {
+        putOnBoard(settings, path);
+    } catch (const BoardFileError& error) {
+        throw CLI::ValidationError(option, std::string("\n") + error.what());
+    }
+}
+
 } // namespace
 
 std::vector<AdapterSettings> AdapterChoice::all() const {
@@ -38,7 +49,11 @@ std::vector<AdapterSettings> AdapterChoice::all() const {
     }
     std::vector<AdapterSettings> each(serialNumbers.size(), settings);
     for (size_t i = 0; i < each.size(); ++i) {
-        readSetting(serialNumberText(), "--adapter", each[i], serialNumbers[i]);
+        const size_t end = serialNumbers[i].find('=');
+        readSetting(serialNumberText(), "--adapter", each[i], serialNumbers[i].substr(0, end));
+        if (end != std::string::npos) {
+            readBoardOption("--adapter", each[i], serialNumbers[i].substr(end + 1));
+        }
     }
     return each;
 }
@@ -60,14 +75,21 @@ void addAdapterOptions(CLI::App& command, AdapterSettings& settings) {
             ->default_str(setting.write(settings))
             ->allow_extra_args(false);
     }
+    command
+        .add_option_function<std::string>(
+            "--board",
+            [&settings](const std::string& path) { readBoardOption("--board", settings, path); },
+            "What stands on the buses, described in this file; else the factory board")
+        ->type_name("FILE");
 }
 
 void addAdapterOptions(CLI::App& command, AdapterChoice& choice) {
     addAdapterOptions(command, choice.settings);
     command
         .add_option("--adapter", choice.serialNumbers,
-                    "Several adapters side by side: one of this serial number each time")
-        ->type_name("TEXT")
+                    "Several adapters side by side: one of this serial number each time, with a "
+                    "board of its own after '='")
+        ->type_name("SERIAL[=FILE]")
         ->expected(1)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
         ->excludes("--serial");

@@ -16,6 +16,7 @@ namespace virtual_adapter {
 struct AdapterChoice {
     /// Of the only adapter, and of each of several but for its serial number.
     AdapterSettings settings;
+    /// Each with the file of a board behind '=', if it has one of its own.
     std::vector<std::string> serialNumbers;
 
     [[nodiscard]] std::vector<AdapterSettings> all() const;

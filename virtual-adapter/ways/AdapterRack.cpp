@@ -80,7 +80,12 @@ std::string AdapterRack::tell(const std::string& serialNumber, const std::string
     if (serialNumber.empty() && told.size() > 1) {
         return "there are several adapters; say which: --serial TEXT";
     }
-    return found->tell(stimulus, now);
+    try {
+        return found->tell(stimulus, now);
+    } catch (const std::exception& error) {
+        // A board whose files are gone by now.
+        return error.what();
+    }
 }
 
 } // namespace virtual_adapter

@@ -96,6 +96,16 @@ TEST(Check, WhatIsWrongIsToldWithItsLineAndTheStatusIs2) {
                                  board + ":5: unknown key 'speed'; spi has part, chip_select\n");
 }
 
+TEST(Check, AStimulusThatCannotBeIsToldWithItsLine) {
+    const TemporaryDirectory directory;
+    const std::string board = directory.path() / "board.toml";
+    std::ofstream(board) << "board = 1\n[[at]]\nrequest = 7\ntell = \"gpio drive 9 1\"\n";
+    const ProcessResult result = check(board);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.errors, board + ":4: tell: '9' is no pin: expected 0 to 7\n");
+}
+
 TEST(Check, AFileThatIsNotThereIsNamed) {
     const ProcessResult result = check("/no/such/board.toml");
     EXPECT_EQ(result.status, 2);

@@ -157,16 +157,19 @@ TEST(UsbIpWay, TheNextHostGetsAFreshAdapter) {
 
 TEST(UsbIpWay, TheDeviceInUseIsTold) {
     const auto inUse = std::make_shared<virtual_adapter::UsbDevice*>(nullptr);
-    EXPECT_EQ(virtual_adapter::tellDevice(*inUse, "reset"), "the adapter is not plugged in");
+    EXPECT_EQ(virtual_adapter::tellDevice(*inUse, "reset", {}), "the adapter is not plugged in");
     ExportedDevice adapter = exportedAdapter(AdapterSettings(), inUse);
     {
         const Host host(adapter);
         ASSERT_NE(*inUse, nullptr);
-        EXPECT_EQ(virtual_adapter::tellDevice(*inUse, "plug"),
-                  "'plug' is no stimulus here: expected reset or unplug");
-        EXPECT_EQ(virtual_adapter::tellDevice(*inUse, "reset"), "");
+        EXPECT_EQ(virtual_adapter::tellDevice(*inUse, "plug", {}),
+                  "the kernel plugs in: start attach again");
+        EXPECT_EQ(virtual_adapter::tellDevice(*inUse, "gpio drive 4 1", {}), "");
+        EXPECT_EQ(virtual_adapter::tellDevice(*inUse, "gpio drive 9 1", {}),
+                  "'9' is no pin: expected 0 to 7");
+        EXPECT_EQ(virtual_adapter::tellDevice(*inUse, "reset", {}), "");
         EXPECT_TRUE((*inUse)->isOnBus());
-        EXPECT_EQ(virtual_adapter::tellDevice(*inUse, "unplug"), "");
+        EXPECT_EQ(virtual_adapter::tellDevice(*inUse, "unplug", {}), "");
         EXPECT_FALSE((*inUse)->isOnBus());
     }
     EXPECT_EQ(*inUse, nullptr);
