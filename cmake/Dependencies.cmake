@@ -25,20 +25,20 @@ endif()
 add_library(veltrasdk_hidapi_header INTERFACE)
 target_include_directories(veltrasdk_hidapi_header SYSTEM INTERFACE ${VELTRASDK_HIDAPI_INCLUDE_DIRS})
 
-if(VELTRASDK_BUILD_VIRTUAL_ADAPTER)
+if(VELTRASDK_BUILD_VIRTUAL_ADAPTER OR VELTRASDK_BUILD_VELTRA)
     find_package(CLI11 QUIET)
-    if(NOT CLI11_FOUND)
-        message(FATAL_ERROR "The virtual adapter needs CLI11, which CMake does not find. "
-                            "On Debian: sudo apt install libcli11-dev. Installed elsewhere: add "
-                            "-D CLI11_DIR=DIRECTORY_OF_CLI11Config.cmake. To build without the "
-                            "virtual adapter: add -D VELTRASDK_BUILD_VIRTUAL_ADAPTER=OFF "
+    find_package(nlohmann_json QUIET)
+    if(NOT CLI11_FOUND OR NOT nlohmann_json_FOUND)
+        message(FATAL_ERROR "The programs need CLI11 and nlohmann-json, which CMake does not both find. "
+                            "On Debian: sudo apt install libcli11-dev nlohmann-json3-dev. Installed "
+                            "elsewhere: add -D CLI11_DIR=DIRECTORY_OF_CLI11Config.cmake, or "
+                            "-D nlohmann_json_DIR=... To build without the programs: add "
+                            "-D VELTRASDK_BUILD_VIRTUAL_ADAPTER=OFF -D VELTRASDK_BUILD_VELTRA=OFF "
                             "-D BUILD_TESTING=OFF")
     endif()
-    find_package(nlohmann_json QUIET)
-    if(NOT nlohmann_json_FOUND)
-        message(FATAL_ERROR "The virtual adapter needs nlohmann-json, which CMake does not find. "
-                            "On Debian: sudo apt install nlohmann-json3-dev")
-    endif()
+endif()
+
+if(VELTRASDK_BUILD_VIRTUAL_ADAPTER)
     pkg_check_modules(VELTRASDK_TOMLPLUSPLUS QUIET tomlplusplus>=3.3)
     if(NOT VELTRASDK_TOMLPLUSPLUS_FOUND)
         message(FATAL_ERROR "The virtual adapter needs toml++ 3.3 or later, which pkg-config does not "
@@ -48,15 +48,4 @@ if(VELTRASDK_BUILD_VIRTUAL_ADAPTER)
     add_library(veltrasdk_tomlplusplus INTERFACE)
     target_include_directories(veltrasdk_tomlplusplus SYSTEM INTERFACE
         ${VELTRASDK_TOMLPLUSPLUS_INCLUDE_DIRS})
-endif()
-
-if(VELTRASDK_BUILD_VELTRA)
-    find_package(CLI11 QUIET)
-    find_package(nlohmann_json QUIET)
-    if(NOT CLI11_FOUND OR NOT nlohmann_json_FOUND)
-        message(FATAL_ERROR "The program veltra needs CLI11 and nlohmann-json, which CMake does not both "
-                            "find. On Debian: sudo apt install libcli11-dev nlohmann-json3-dev. "
-                            "To build without veltra: add -D VELTRASDK_BUILD_VELTRA=OFF "
-                            "-D BUILD_TESTING=OFF")
-    endif()
 endif()

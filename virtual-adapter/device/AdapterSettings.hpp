@@ -29,9 +29,9 @@ struct AdapterSettings {
     /// Makes the board that the adapter has when it is switched on.
     std::function<Board()> makeBoard = factoryBoard;
     /// What happens to the adapter of its own accord.
-    std::vector<ScheduledStimulus> schedule;
+    std::vector<ScheduledStimulus> schedule{};
     /// Is told why something of the schedule cannot be; may be empty.
-    std::function<void(const std::string& complaint)> complain;
+    std::function<void(const std::string& complaint)> complain{};
 
     [[nodiscard]] bool hasFault(FaultKind kind) const;
 };

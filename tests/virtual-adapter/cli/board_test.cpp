@@ -31,11 +31,10 @@ const std::string readSensor = veltra + "i2c read 0x4A 2 -r 0 --pull-up 4k7";
 
 TEST_F(BoardOption, TheProgramMeetsTheBoardOfTheFileUntilItIsTold) {
     const std::string board = write("board.toml", sensorThatIs("25.5"));
-    const ProcessResult result =
-        run({"--board", board},
-            {"sh", "-c",
-             readSensor + " && " + tell + "i2c 0 0x4A set temperature 85.5 && " + readSensor +
-                 " && " + tell + "reset && " + readSensor});
+    const ProcessResult result = run(
+        {"--board", board}, {"sh", "-c",
+                             readSensor + " && " + tell + "i2c 0 0x4A set temperature 85.5 && " +
+                                 readSensor + " && " + tell + "reset && " + readSensor});
     EXPECT_EQ(result.errors, "");
     EXPECT_EQ(result.output, "00: 19 80                                            ..\n"
                              "00: 55 80                                            U.\n"

@@ -80,8 +80,8 @@ TEST(RunCommandLine, AnUnknownCommandIsNamed) {
         EXPECT_EQ(result.status, refused);
         EXPECT_EQ(result.errors,
                   "veltra-virtual-adapter: '" + word +
-                      "' is none of its commands: run, serve, attach, tell; --help says "
-                      "what they do\n");
+                      "' is none of its commands: run, serve, attach, check, tell, replay; --help "
+                      "says what they do\n");
         EXPECT_EQ(result.output, "");
     }
 }
