@@ -30,6 +30,7 @@ Failure notPermitted(const VeltraSDK_AdapterInfo& adapter) {
 
 Failure several(const std::vector<VeltraSDK_AdapterInfo>& adapters) {
     std::vector<std::string> names;
+    names.reserve(adapters.size());
     for (const VeltraSDK_AdapterInfo& adapter : adapters) {
         names.emplace_back(adapter.serialNumber[0] == 0 ? adapter.path : adapter.serialNumber);
     }

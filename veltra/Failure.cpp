@@ -51,11 +51,10 @@ Failure ofLibrary(uint16_t result, int timeoutMs) {
         return Failure(ExitStatus::NoAnswer, "gone", "the adapter has gone")
             .advise("Plug it in again, then: veltra list");
     case ResultCode_InvalidArgument:
-        return Failure(ExitStatus::CommandLine, "usage", "a value is out of range");
+        return {ExitStatus::CommandLine, "usage", "a value is out of range"};
     default:
-        return Failure(ExitStatus::NoAnswer, "out-of-step",
-                       "the answer does not fit the request (" + spoken(veltraStatusName(result)) +
-                           ")");
+        return {ExitStatus::NoAnswer, "out-of-step",
+                "the answer does not fit the request (" + spoken(veltraStatusName(result)) + ")"};
     }
 }
 

@@ -31,7 +31,7 @@ struct VeltraSDK_Handle {
 template <typename Operation>
 int16_t withSdk(VeltraSDK_Handle* handle, const Operation& operation) {
     const uint16_t result =
-        handle == nullptr ? uint16_t{ResultCode_NotConnected} : operation(*handle->sdk.get());
+        handle == nullptr ? uint16_t{ResultCode_NotConnected} : operation(*handle->sdk);
     return static_cast<int16_t>(result);
 }
 

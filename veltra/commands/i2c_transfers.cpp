@@ -78,7 +78,7 @@ void transfer(const Transfer& wanted, Context& context) {
 using Carry = void (*)(const Transfer&, Context&);
 
 std::shared_ptr<Transfer> add(CLI::App& command, Invocation& invocation, Carry carry) {
-    const auto wanted = std::make_shared<Transfer>();
+    auto wanted = std::make_shared<Transfer>();
     addI2cOptions(command, wanted->settings);
     onChosen(command, invocation, [=](Context& context) { carry(*wanted, context); });
     return wanted;

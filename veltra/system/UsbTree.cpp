@@ -41,7 +41,7 @@ std::vector<fs::path> entriesOf(const fs::path& directory) {
 
 /// /dev/bus/usb/001/004, whose parts sysfs has as plain numbers.
 fs::path nodeOf(const Roots& roots, const fs::path& device) {
-    const auto padded = [](std::string number) {
+    const auto padded = [](const std::string& number) {
         return number.size() < 3 ? std::string(3 - number.size(), '0') + number : number;
     };
     return roots.dev / "bus/usb" / padded(firstLine(device / "busnum")) /

@@ -33,8 +33,12 @@ std::string hexDump(const Bytes& bytes, uint64_t first) {
         hex.resize(hexColumns, ' ');
         std::string letters;
         std::transform(line.begin(), line.end(), std::back_inserter(letters), shown);
-        text += (text.empty() ? "" : "\n") + hexNumber(first + at, digits).substr(2) + ": " + hex +
-                "  " + letters;
+        text.append(text.empty() ? "" : "\n")
+            .append(hexNumber(first + at, digits).substr(2))
+            .append(": ")
+            .append(hex)
+            .append("  ")
+            .append(letters);
     }
     return text;
 }

@@ -332,7 +332,7 @@ bool Placement::operator==(const Placement& other) const {
 }
 
 std::string complaintAbout(const BoardDescription& board, const Placement& next) {
-    const std::string complaint = complaintAboutAddresses(next);
+    std::string complaint = complaintAboutAddresses(next);
     if (!complaint.empty()) {
         return complaint;
     }

@@ -48,7 +48,8 @@ Pipe makePipe(int flags) {
 
 void say(const FileDescriptor& output, const std::string& text) {
     // Shorter than what a pipe takes at once. Without a reader there is nobody to be told.
-    (void)!write(output.get(), text.data(), text.size());
+    const ssize_t written = write(output.get(), text.data(), text.size());
+    static_cast<void>(written);
 }
 
 std::string readAll(const FileDescriptor& input) {

@@ -129,7 +129,7 @@ std::string AdapterLink::apply(const Stimulus& stimulus, Time now) {
         faults.clear();
         return {};
     }
-    const std::string complaint = stimulateBoard(*adapter, stimulus);
+    std::string complaint = stimulateBoard(*adapter, stimulus);
     const std::vector<OutgoingFrame> said =
         frameFaults.applyToNotifications(adapter->takeNotifications());
     if (isOnBus()) {

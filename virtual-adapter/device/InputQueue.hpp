@@ -36,7 +36,7 @@ public:
     [[nodiscard]] Time outputArrival() const { return outputArrives; }
 
     /// Sends the reports of one message, @p delay later than it could.
-    void send(std::vector<Bytes> reports, Message message, Duration delay);
+    void send(std::vector<Bytes> packets, Message message, Duration delay);
 
     /// The oldest report, once its time has come.
     std::optional<Bytes> take(Time now);

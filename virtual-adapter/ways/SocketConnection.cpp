@@ -199,11 +199,10 @@ void SocketConnection::startRead(ByteReader& fields, Time now) {
 }
 
 void SocketConnection::serveRead(Time now) {
-    if (!adapter->isOpenAs(session)) {
-        send(replyOf(ReplyKind::Report, Outcome::Gone));
-    } else if (const auto report = adapter->read(now)) {
+    const bool isOpen = adapter->isOpenAs(session);
+    if (const auto report = isOpen ? adapter->read(now) : std::nullopt) {
         send(replyOf(ReplyKind::Report, Outcome::Done, *report));
-    } else if (!adapter->isInReach()) {
+    } else if (!isOpen || !adapter->isInReach()) {
         send(replyOf(ReplyKind::Report, Outcome::Gone));
     } else if (waiting->until && *waiting->until <= now) {
         send(replyOf(ReplyKind::Report, Outcome::NothingYet));

@@ -80,7 +80,7 @@ usbip::Description describe(const UsbIdentity& identity) {
 
 } // namespace
 
-usbip::ExportedDevice exportedAdapter(const AdapterSettings& settings, DeviceInUse inUse) {
+usbip::ExportedDevice exportedAdapter(const AdapterSettings& settings, const DeviceInUse& inUse) {
     return {describe(settings.identity),
             [settings, inUse](usbip::Device::Receiver receiver) {
                 return std::make_unique<PluggedInAdapter>(settings, inUse, std::move(receiver));

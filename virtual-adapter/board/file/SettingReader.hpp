@@ -19,9 +19,12 @@ namespace virtual_adapter {
 class SettingReader {
 public:
     /// @p what is the table as messages call it. Files are sought in @p directory.
-    SettingReader(const toml::table& itsTable, std::string what,
-                  const std::filesystem::path& itsDirectory, Problems& toTell)
-        : table(itsTable), name(std::move(what)), directory(itsDirectory), problems(toTell) {}
+    SettingReader(const toml::table& itsTable, std::string what, std::filesystem::path itsDirectory,
+                  Problems& toTell)
+        : table(itsTable),
+          name(std::move(what)),
+          directory(std::move(itsDirectory)),
+          problems(toTell) {}
 
     /// The value of a setting; nothing when it is not given or was complained about.
     std::optional<SettingValue> read(const Setting& setting);

@@ -51,7 +51,7 @@ constexpr std::array<Format, 24> formats{{
     {CCC_GETBCR, Kind::Read, DefiningByte::None, 0, 0},
     {CCC_GETDCR, Kind::Read, DefiningByte::None, 0, 0},
     {CCC_GETSTATUS, Kind::Read, DefiningByte::Optional, 0, 0},
-    {ccc_GETMXDS, Kind::Read, DefiningByte::Optional, 0, 0},
+    {getMaxDataSpeed, Kind::Read, DefiningByte::Optional, 0, 0},
     {CCC_GETCAPS, Kind::Read, DefiningByte::Optional, 0, 0},
     {CCC_RSTACTDirect, Kind::Read, DefiningByte::Required, 0, 0},
 }};

@@ -42,7 +42,7 @@ constexpr uint8_t all = interrupt | controllerRole | hotJoin;
 } // namespace i3c_event
 
 /// The enumeration of the codes ends with those that the library's operations send.
-constexpr CCC ccc_GETMXDS = static_cast<CCC>(0x94);
+constexpr CCC getMaxDataSpeed = static_cast<CCC>(0x94);
 
 /// A target of the I3C bus with registers behind a register pointer. What a target does not
 /// acknowledge, it answers with nothing.

@@ -72,7 +72,7 @@ std::optional<Bytes> query(I3cTarget& target, CCC code, std::optional<uint8_t> d
         return target.status(definingByte);
     case CCC_GETCAPS:
         return target.capabilities(definingByte);
-    case ccc_GETMXDS:
+    case getMaxDataSpeed:
         return target.maxDataSpeed(definingByte);
     default:
         return target.resetAction(definingByte.value_or(0));
