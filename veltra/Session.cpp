@@ -51,6 +51,9 @@ void Session::open() {
         throw whyNotOpened(chosen);
     }
     link = std::move(connection);
+    if (keepsArrivals) {
+        inbox();
+    }
 }
 
 VeltraSDK& Session::adapter() {
@@ -61,8 +64,9 @@ VeltraSDK& Session::adapter() {
 }
 
 Inbox& Session::inbox() {
-    if (!arrived) {
-        arrived = std::make_unique<Inbox>(adapter());
+    VeltraSDK& connected = adapter();
+    if (!arrived) { // which opening the link may have changed
+        arrived = std::make_unique<Inbox>(connected);
     }
     return *arrived;
 }

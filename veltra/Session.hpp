@@ -59,6 +59,8 @@ public:
     VeltraSDK& adapter();
     /// What the adapter sends of its own accord, from the first call on.
     Inbox& inbox();
+    /// It is to be kept from the opening of the link on, which is still to come.
+    void keepArrivals() { keepsArrivals = true; }
     [[nodiscard]] Failure failureOf(uint16_t result) const;
 
     /// UART bytes that came with others and were not asked for yet.
@@ -73,6 +75,7 @@ private:
     Operation current;
     std::unique_ptr<VeltraSDK> link;
     std::unique_ptr<Inbox> arrived;
+    bool keepsArrivals = false;
     int timeoutMs;
     std::map<std::string, std::string> settings;
 };

@@ -156,7 +156,7 @@ class Board:
 
     def i3c(self, *, address: int | None = None, pid: int | None = None) -> "BoardI3c":
         """A target of the I3C bus, by its dynamic address or its provisioned identifier."""
-        return BoardI3c(self, f"0x{address:02x}" if pid is None else f"pid:{pid:012x}")
+        return BoardI3c(self, f"0x{address:02x}" if pid is None else f"{pid:012x}")
 
     def fault(self, fault: str) -> None:
         """Lets something go wrong, as ``--fault`` takes it: ``"lost-response@i2c-read"``."""

@@ -3,7 +3,9 @@
 # SPDX-License-Identifier: MIT
 """Captures an example on the virtual adapter and plays the capture back to it without one.
 
-usage: replay_example.py EXPECTED MODEL VIRTUAL_ADAPTER CAPTURE_LIBRARY SANITIZER_RUNTIME PROGRAM [ARGUMENT...]
+usage: replay_example.py EXPECTED MODEL VIRTUAL_ADAPTER PRELOADED PROGRAM [ARGUMENT...]
+
+PRELOADED is what LD_PRELOAD holds while it is captured: a sanitizer's runtime, if any, and the capture library.
 
 Both times it prints what EXPECTED holds, in which {model} stands for the model's name.
 """
@@ -15,7 +17,7 @@ import subprocess
 import sys
 import tempfile
 
-expected_file, model, virtual_adapter, library, runtime, *program = sys.argv[1:]
+expected_file, model, virtual_adapter, preloaded, *program = sys.argv[1:]
 expected = pathlib.Path(expected_file).read_text().replace("{model}", model)
 failed = False
 
@@ -33,7 +35,6 @@ def check(command, environment):
 
 with tempfile.TemporaryDirectory() as directory:
     capture = f"{directory}/example.pcapng"
-    preloaded = ":".join(filter(None, (runtime, library)))
     check([virtual_adapter, "run", "--model", model], {"LD_PRELOAD": preloaded, "VELTRA_CAPTURE": capture})
     check([virtual_adapter, "replay", capture], {})
 sys.exit(failed)

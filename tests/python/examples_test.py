@@ -6,13 +6,14 @@ import io
 import pathlib
 import re
 import runpy
+import subprocess
 import sys
 import threading
 
 import pytest
 
 import veltrasdk
-from conftest import SECONDS
+from conftest import SECONDS, VIRTUAL_ADAPTER
 
 EXAMPLES = pathlib.Path(__file__).resolve().parents[2] / "examples/python"
 SHORT = ["eeprom_programmer", "gpio_watcher", "i3c_bring_up"]
@@ -39,6 +40,8 @@ class Printed(io.StringIO):
 
 
 def test_the_watcher_prints_each_event(monkeypatch: pytest.MonkeyPatch) -> None:
+    # A pin that another test has left low would not fall when it is driven.
+    subprocess.run([VIRTUAL_ADAPTER, "tell", "reset"], check=True)
     opened: list[veltrasdk.Adapter] = []
     printed = Printed()
 

@@ -12,8 +12,11 @@ import pytest
 
 import veltrasdk
 from conftest import SECONDS, VIRTUAL_ADAPTER
-from veltrasdk import virtual
+from veltrasdk import I3cPushPullRate, virtual
 from veltrasdk.virtual import Board, BoardError
+
+#: The temperature sensor of the I3C bus, and the event with which a target asks to join.
+SENSOR, HOT_JOIN = 0xFFFE00301000, 0x08
 
 
 def test_a_board_is_an_adapter_of_its_own(model: str) -> None:
@@ -53,6 +56,54 @@ def test_unplugging_a_board_ends_what_waits() -> None:
             assert not adapter.connected
         board.plug()
         board.adapter().close()
+
+
+def test_the_world_around_a_board_is_driven() -> None:
+    with Board(program=VIRTUAL_ADAPTER) as board, board.adapter(voltage=3.3, timeout=SECONDS) as adapter:
+        pin = adapter.gpio(4)
+        pin.configure("in")
+        board.gpio.drive(4, 1)
+        assert pin.value == 1
+        board.gpio.release(4)
+        assert pin.value == 0
+        with adapter.uart() as uart:
+            board.uart.receive(b"\x00hi")
+            assert uart.read(3, timeout=SECONDS) == b"\x00hi"
+
+
+def test_a_part_is_set_and_keeps_back_acknowledges() -> None:
+    with Board(program=VIRTUAL_ADAPTER) as board, board.adapter(voltage=3.3) as adapter:
+        bus, sensor, eeprom = adapter.i2c(0, pull_up="4k7"), board.i2c(0, 0x48), board.i2c(0, 0x50)
+        sensor.set("temperature", 85.5)
+        assert bus.read(0x48, 2, register=0) == b"\x55\x80"
+        sensor.nack()
+        with pytest.raises(veltrasdk.NackError):
+            bus.read(0x48, 2, register=0)
+        assert bus.read(0x48, 2, register=0) == b"\x55\x80"
+        eeprom.nack("data:2", times=2)
+        for _ in range(2):
+            with pytest.raises(veltrasdk.NackError):
+                bus.write(0x50, b"\x80x")
+        bus.write(0x50, b"\x80x")
+
+
+def test_a_target_interrupts_and_joins_and_leaves() -> None:
+    with Board(program=VIRTUAL_ADAPTER) as board, board.adapter(timeout=SECONDS) as adapter:
+        bus = adapter.i3c(voltage=1.8, push_pull=I3cPushPullRate.RATE_8_MHZ)
+        (sensor,) = [target for target in bus.init() if target.pid == SENSOR]
+        bus.ccc.enec(HOT_JOIN)
+        sensor.interrupts(True)
+        with adapter.events("ibi") as events:
+            board.i3c(pid=SENSOR).interrupt(b"\x42\x19")
+            (event,) = events.wait(SECONDS)
+            assert (event.address, event.payload) == (sensor.dynamic_address, b"\x42\x19")
+        board.i3c(address=sensor.dynamic_address).leave()
+        with pytest.raises(veltrasdk.NackError):
+            sensor.read(2, register=0)
+        with adapter.events("hotjoin") as events:
+            board.i3c(pid=SENSOR).join()
+            (event,) = events.wait(SECONDS)
+            assert event.pid == SENSOR
 
 
 def test_resetting_a_board_begins_again() -> None:

@@ -79,6 +79,8 @@ class Terminal:
         done = subprocess.run(["sh", "-c", command], cwd=work, env=variables, stdin=subprocess.DEVNULL,
                               capture_output=True, timeout=LIMIT)
         out, error = (stream.decode(errors="backslashreplace") for stream in (done.stdout, done.stderr))
+        # A transcript holds wherever the examples are.
+        out, error = (text.replace(variables["EXAMPLES"], "$EXAMPLES") for text in (out, error))
         if "--json" in command:
             self.check_json(command, out + error)
         shown = out.splitlines() + ["! " + line for line in error.splitlines()]

@@ -99,12 +99,11 @@ void Gpio::write(uint8_t pin, GpioLogicLevel level) {
     });
     if (result == VeltraStatus_NotInitialised) {
         configure(pin, level == GpioLogicLevel_High ? "out-high" : "out");
+    } else if (result == VeltraStatus_InvalidParameter) {
+        throw session.failureOf(result).advise("Is the pin an input? veltra gpio mode " +
+                                               std::to_string(pin) + "=out");
     } else if (result != ResultCode_Success) {
-        Failure failure = session.failureOf(result);
-        if (result == VeltraStatus_InvalidParameter) {
-            failure.hint = "Is the pin an input? veltra gpio mode " + std::to_string(pin) + "=out";
-        }
-        throw failure;
+        throw session.failureOf(result);
     }
 }
 

@@ -24,6 +24,8 @@ struct Batch {
 void batch(const Batch& wanted, Context& context) {
     const Bytes contents = readFile(wanted.file, maxScriptBytes);
     std::istringstream lines(std::string(contents.begin(), contents.end()));
+    // What one line brings about, such as an interrupt, a later line may watch for.
+    context.session.keepArrivals();
     Script script(context);
     std::optional<Failure> first;
     int number = 0;

@@ -30,26 +30,26 @@ uint8_t addressOf(I3c& bus, I3c::Way way, const std::string& target) {
     return way == I3c::Way::LegacyI2c ? parseAddress(target) : bus.resolve(target);
 }
 
-template <I3c::Way way>
+template <I3c::Way WayOfBus>
 void read(const I3cWords& wanted, Context& context) {
     const uint16_t count = wanted.parsedCount();
     const Bytes registerBytes = wanted.registerWord.parsed();
     context.session.concern(wanted.target);
     I3c bus(context.session);
-    const uint8_t address = addressOf(bus, way, wanted.target);
-    const Bytes data = bus.read(way, address, registerBytes, count, wanted.flags());
+    const uint8_t address = addressOf(bus, WayOfBus, wanted.target);
+    const Bytes data = bus.read(WayOfBus, address, registerBytes, count, wanted.flags());
     context.output.bytes(objectOf(context, address, wanted, data.size()), data,
                          hexDump(data, wanted.parsedRegister()));
 }
 
-template <I3c::Way way>
+template <I3c::Way WayOfBus>
 void write(const I3cWords& wanted, Context& context) {
     const Bytes registerBytes = wanted.registerWord.parsed();
     const Bytes data = parseBytes(wanted.words, I3cWords::maxBytes);
     context.session.concern(wanted.target);
     I3c bus(context.session);
-    const uint8_t address = addressOf(bus, way, wanted.target);
-    bus.write(way, address, registerBytes, data, wanted.flags());
+    const uint8_t address = addressOf(bus, WayOfBus, wanted.target);
+    bus.write(WayOfBus, address, registerBytes, data, wanted.flags());
     context.output.result(objectOf(context, address, wanted, data.size()), "");
 }
 

@@ -37,14 +37,14 @@ const char* const faultForm = "fault NAME[@PLACE]";
 /// The words of a line, one after the other.
 class Words {
 public:
-    explicit Words(const std::string& line) : left(line) { skipSpaces(); }
+    explicit Words(std::string line) : left(std::move(line)) { skipSpaces(); }
 
     [[nodiscard]] bool atEnd() const { return left.empty(); }
 
     /// The next word; an empty one at the end.
     std::string next() {
         const size_t size = std::min(left.find(' '), left.size());
-        const std::string word = left.substr(0, size);
+        std::string word = left.substr(0, size);
         left.erase(0, size);
         skipSpaces();
         return word;

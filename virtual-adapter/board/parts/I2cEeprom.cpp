@@ -38,8 +38,8 @@ std::vector<Setting> I2cEeprom::settings(const Geometry& layout) {
     };
 }
 
-I2cEeprom::I2cEeprom(const Geometry& layout, const Bytes& contents, bool isWriteProtected)
-    : geometry(layout), memory(contents), writeProtected(isWriteProtected) {
+I2cEeprom::I2cEeprom(const Geometry& layout, Bytes contents, bool isWriteProtected)
+    : geometry(layout), memory(std::move(contents)), writeProtected(isWriteProtected) {
     memory.resize(geometry.size, 0xFF);
 }
 

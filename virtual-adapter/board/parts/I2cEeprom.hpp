@@ -45,7 +45,7 @@ public:
 
     /// The EEPROM holds @p contents, which must fit, from register address 0 on and is erased
     /// behind them.
-    I2cEeprom(const Geometry& layout, const Bytes& contents, bool isWriteProtected = false);
+    I2cEeprom(const Geometry& layout, Bytes contents, bool isWriteProtected = false);
 
     /// One target for each of the bus addresses of the EEPROM, in ascending order.
     static std::vector<std::unique_ptr<I2cTarget>> atItsAddresses(std::unique_ptr<I2cEeprom> chip);

@@ -113,7 +113,8 @@ RegisterMap::RegisterMap(const SettingValues& values)
       width(widthIn(values)),
       increments(values.getOr<bool>("auto_increment", true)),
       initialBytes(sizeOf(values), 0x00),
-      writableBits(sizeOf(values), 0xFF) {
+      bytes(initialBytes.size()),
+      writableBits(initialBytes.size(), 0xFF) {
     lay(values, "contents", initialBytes);
     lay(values, "writable_bits", writableBits);
     for (const RegisterRange& range : values.getOr<RegisterRanges>("read_only")) {
@@ -122,7 +123,7 @@ RegisterMap::RegisterMap(const SettingValues& values)
                       static_cast<Bytes::difference_type>((range.last + 1) * width),
                   uint8_t{0});
     }
-    bytes = initialBytes;
+    std::copy(initialBytes.begin(), initialBytes.end(), bytes.begin());
 }
 
 uint8_t RegisterMap::read() {

@@ -6,6 +6,7 @@
 #include "bytes/ByteWriter.hpp"
 
 #include <algorithm>
+#include <utility>
 
 namespace virtual_adapter {
 
@@ -104,8 +105,8 @@ std::string SpiFlash::complaintAbout(const SettingValues& values) {
     return {};
 }
 
-SpiFlash::SpiFlash(size_t size, const Bytes& contents, const Bytes& identification)
-    : memory(contents),
+SpiFlash::SpiFlash(size_t size, Bytes contents, const Bytes& identification)
+    : memory(std::move(contents)),
       jedecId(identification.empty() ? identificationOf(size) : identification),
       discoverableParameters(parametersOf(size)) {
     memory.resize(size, 0xFF);

@@ -36,7 +36,7 @@ public:
 
     /// The flash holds @p contents, which must fit, from address 0 on and is erased behind them.
     /// @p size is a power of two. An empty @p identification is the one that tells the size.
-    explicit SpiFlash(size_t size, const Bytes& contents = {}, const Bytes& identification = {});
+    explicit SpiFlash(size_t size, Bytes contents = {}, const Bytes& identification = {});
 
     void keepWith(Keeper itsKeeper) { keeper = std::move(itsKeeper); }
 

@@ -21,7 +21,7 @@ std::vector<Setting> SpiRegisters::settings() {
 }
 
 std::string SpiRegisters::complaintAbout(const SettingValues& values) {
-    const std::string complaint = RegisterMap::complaintAbout(values);
+    std::string complaint = RegisterMap::complaintAbout(values);
     if (!complaint.empty()) {
         return complaint;
     }

@@ -67,7 +67,7 @@ void become(const Start& start) {
     sigset_t none;
     sigemptyset(&none);
     for (int number = 1; number < NSIG; ++number) {
-        signal(number, SIG_DFL);
+        (void)signal(number, SIG_DFL);
     }
     sigprocmask(SIG_SETMASK, &none, nullptr);
     if (dup2(start.input, STDIN_FILENO) < 0 || dup2(start.output, STDOUT_FILENO) < 0 ||
@@ -128,7 +128,8 @@ PartProcess::PartProcess(const Command& command, const std::string& directory, P
     if (process == 0) {
         become(start);
         const int error = errno;
-        (void)!write(errors[1], &error, sizeof error);
+        const ssize_t told = write(errors[1], &error, sizeof error);
+        static_cast<void>(told);
         _exit(127);
     }
     const int forkError = errno;
