@@ -97,24 +97,24 @@ template <typename Engine>
 } // namespace
 
 uint16_t VeltraSDK::i3cCccGETPID(uint8_t address, Bytes& pid) {
-    return query(*engine.get(), {address, read, plain, 6, CCC_GETPID, 0}, into(pid));
+    return query(*engine, {address, read, plain, 6, CCC_GETPID, 0}, into(pid));
 }
 
 uint16_t VeltraSDK::i3cCccGETBCR(uint8_t address, uint8_t& bcr) {
-    return query(*engine.get(), {address, read, plain, 1, CCC_GETBCR, 0}, into(bcr));
+    return query(*engine, {address, read, plain, 1, CCC_GETBCR, 0}, into(bcr));
 }
 
 uint16_t VeltraSDK::i3cCccGETDCR(uint8_t address, uint8_t& dcr) {
-    return query(*engine.get(), {address, read, plain, 1, CCC_GETDCR, 0}, into(dcr));
+    return query(*engine, {address, read, plain, 1, CCC_GETDCR, 0}, into(dcr));
 }
 
 uint16_t VeltraSDK::i3cCccGETMWL(uint8_t address, uint16_t& mwl) {
-    return query(*engine.get(), {address, read, plain, 2, CCC_GETMWL, 0}, into(mwl));
+    return query(*engine, {address, read, plain, 2, CCC_GETMWL, 0}, into(mwl));
 }
 
 uint16_t VeltraSDK::i3cCccGETMRL(uint8_t address, uint16_t& mrl,
                                  std::optional<uint8_t>& ibiPayloadSize) {
-    return query(*engine.get(), {address, read, plain, 3, CCC_GETMRL, 0},
+    return query(*engine, {address, read, plain, 3, CCC_GETMRL, 0},
                  [&](const ResponseFrame& response) {
                      mrl = response.u16BigEndian(dataOffset);
                      ibiPayloadSize.reset();
@@ -126,75 +126,72 @@ uint16_t VeltraSDK::i3cCccGETMRL(uint8_t address, uint16_t& mrl,
 
 uint16_t VeltraSDK::i3cCccGETCAPS(uint8_t address, Bytes& capabilities,
                                   std::optional<uint8_t> definingByte) {
-    return query(*engine.get(),
+    return query(*engine,
                  {address, read, typeOf(definingByte), 4, CCC_GETCAPS, definingByte.value_or(0)},
                  into(capabilities));
 }
 
 uint16_t VeltraSDK::i3cCccGETSTATUS(uint8_t address, Bytes& status,
                                     std::optional<uint8_t> definingByte) {
-    return query(*engine.get(),
+    return query(*engine,
                  {address, read, typeOf(definingByte), 2, CCC_GETSTATUS, definingByte.value_or(0)},
                  into(status));
 }
 
 uint16_t VeltraSDK::i3cCccSETMWLDirect(uint8_t address, uint16_t mwl) {
-    return command(*engine.get(), {address, write, plain, 2, CCC_SETMWLDirect, 0}, bigEndian(mwl));
+    return command(*engine, {address, write, plain, 2, CCC_SETMWLDirect, 0}, bigEndian(mwl));
 }
 
 uint16_t VeltraSDK::i3cCccSETMWLBroadcast(uint16_t mwl) {
-    return command(*engine.get(), {broadcast, write, plain, 2, CCC_SETMWLBroadcast, 0},
-                   bigEndian(mwl));
+    return command(*engine, {broadcast, write, plain, 2, CCC_SETMWLBroadcast, 0}, bigEndian(mwl));
 }
 
 uint16_t VeltraSDK::i3cCccSETMRLDirect(uint8_t address, uint16_t mrl,
                                        std::optional<uint8_t> ibiPayloadSize) {
     const Bytes data = maximumReadLength(mrl, ibiPayloadSize);
-    return command(*engine.get(), {address, write, plain, data.size(), CCC_SETMRLDirect, 0}, data);
+    return command(*engine, {address, write, plain, data.size(), CCC_SETMRLDirect, 0}, data);
 }
 
 uint16_t VeltraSDK::i3cCccSETMRLBroadcast(uint16_t mrl, std::optional<uint8_t> ibiPayloadSize) {
     const Bytes data = maximumReadLength(mrl, ibiPayloadSize);
-    return command(*engine.get(), {broadcast, write, plain, data.size(), CCC_SETMRLBroadcast, 0},
-                   data);
+    return command(*engine, {broadcast, write, plain, data.size(), CCC_SETMRLBroadcast, 0}, data);
 }
 
 uint16_t VeltraSDK::i3cCccSETNEWDA(uint8_t currentAddress, uint8_t newAddress) {
-    return command(*engine.get(), {currentAddress, write, plain, 1, CCC_SETNEWDA, 0},
+    return command(*engine, {currentAddress, write, plain, 1, CCC_SETNEWDA, 0},
                    shiftedAddress(newAddress));
 }
 
 uint16_t VeltraSDK::i3cCccSETDASA(uint8_t staticAddress, uint8_t dynamicAddress) {
-    return command(*engine.get(), {staticAddress, write, plain, 1, CCC_SETDASA, 0},
+    return command(*engine, {staticAddress, write, plain, 1, CCC_SETDASA, 0},
                    shiftedAddress(dynamicAddress));
 }
 
 uint16_t VeltraSDK::i3cCccSETAASA(const Bytes& staticAddresses) {
-    return command(*engine.get(), {broadcast, write, plain, staticAddresses.size(), CCC_SETAASA, 0},
+    return command(*engine, {broadcast, write, plain, staticAddresses.size(), CCC_SETAASA, 0},
                    staticAddresses);
 }
 
 uint16_t VeltraSDK::i3cCccENECDirect(uint8_t address, uint8_t events) {
-    return command(*engine.get(), {address, write, plain, 1, CCC_ENECDirect, 0}, {events});
+    return command(*engine, {address, write, plain, 1, CCC_ENECDirect, 0}, {events});
 }
 
 uint16_t VeltraSDK::i3cCccENECBroadcast(uint8_t events) {
-    return command(*engine.get(), {broadcast, write, defined, 1, CCC_ENECBroadcast, events});
+    return command(*engine, {broadcast, write, defined, 1, CCC_ENECBroadcast, events});
 }
 
 uint16_t VeltraSDK::i3cCccDISECDirect(uint8_t address, uint8_t events) {
-    return command(*engine.get(), {address, write, plain, 1, CCC_DISECDirect, 0}, {events});
+    return command(*engine, {address, write, plain, 1, CCC_DISECDirect, 0}, {events});
 }
 
 uint16_t VeltraSDK::i3cCccDISECBroadcast(uint8_t events) {
-    return command(*engine.get(), {broadcast, write, defined, 1, CCC_DISECBroadcast, events});
+    return command(*engine, {broadcast, write, defined, 1, CCC_DISECBroadcast, events});
 }
 
 uint16_t VeltraSDK::i3cCccRSTACTDirect(uint8_t address, I3cTargetResetDefByte definingByte,
                                        I3cTransferDirection direction, uint8_t* reply) {
     const uint8_t length = direction != write ? 1 : 0;
-    return query(*engine.get(),
-                 {address, direction, defined, length, CCC_RSTACTDirect, definingByte},
+    return query(*engine, {address, direction, defined, length, CCC_RSTACTDirect, definingByte},
                  [&](const ResponseFrame& response) {
                      if (direction == read && reply != nullptr) {
                          *reply = response.u8(dataOffset);
@@ -203,16 +200,15 @@ uint16_t VeltraSDK::i3cCccRSTACTDirect(uint8_t address, I3cTargetResetDefByte de
 }
 
 uint16_t VeltraSDK::i3cCccRSTACTBroadcast(I3cTargetResetDefByte definingByte) {
-    return command(*engine.get(),
-                   {broadcast, write, defined, 1, CCC_RSTACTBroadcast, definingByte});
+    return command(*engine, {broadcast, write, defined, 1, CCC_RSTACTBroadcast, definingByte});
 }
 
 uint16_t VeltraSDK::i3cCccRSTDAA() {
-    return command(*engine.get(), {broadcast, write, plain, 0, CCC_RSTDAA, 0});
+    return command(*engine, {broadcast, write, plain, 0, CCC_RSTDAA, 0});
 }
 
 uint16_t VeltraSDK::i3cCccENTDAA() {
-    return command(*engine.get(), {broadcast, write, plain, 0, CCC_ENTDAA, 0});
+    return command(*engine, {broadcast, write, plain, 0, CCC_ENTDAA, 0});
 }
 
 uint16_t VeltraSDK::i3cCccTransfer(uint8_t address, I3cTransferDirection direction,
