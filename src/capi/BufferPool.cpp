@@ -7,9 +7,7 @@
 
 BufferPool::~BufferPool() {
     std::unique_lock<std::mutex> lock(mutex);
-    if (stateOfFirst.exchange(State::Awaited) == State::Lent) {
-        ++lent;
-    }
+    lent += stateOfFirst.exchange(State::Awaited) == State::Lent ? 1 : 0;
     returned.wait(lock, [this] { return lent == 0; });
 }
 
