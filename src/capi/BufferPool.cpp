@@ -7,7 +7,7 @@
 
 BufferPool::~BufferPool() {
     std::unique_lock<std::mutex> lock(mutex);
-    lent += stateOfFirst.exchange(State::Awaited) == State::Lent ? 1 : 0;
+    lent += stateOfFirst.exchange(State::Awaited) == State::Lent ? 1U : 0U;
     returned.wait(lock, [this] { return lent == 0; });
 }
 
