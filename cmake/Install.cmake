@@ -57,8 +57,29 @@ if(VELTRASDK_BUILD_VELTRA)
         COMPONENT veltra)
 endif()
 if(VELTRASDK_BUILD_VIRTUAL_ADAPTER)
-    install(TARGETS veltra-virtual-adapter
+    install(TARGETS veltra-virtual-adapter EXPORT veltra-virtual-adapter
         RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+        COMPONENT virtual_adapter)
+    # What tests need of it comes with it: without the program they would be of no use.
+    set(virtual_adapter_cmake_directory ${CMAKE_INSTALL_LIBDIR}/cmake/veltra-virtual-adapter)
+    install(TARGETS veltra-virtual-adapter-tell EXPORT veltra-virtual-adapter)
+    install(FILES ${PROJECT_SOURCE_DIR}/virtual-adapter/development/veltra-virtual-adapter/tell.h
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/veltra-virtual-adapter
+        COMPONENT virtual_adapter)
+    install(EXPORT veltra-virtual-adapter FILE veltra-virtual-adapter-targets.cmake NAMESPACE veltra::
+        DESTINATION ${virtual_adapter_cmake_directory}
+        COMPONENT virtual_adapter)
+    file(WRITE ${PROJECT_BINARY_DIR}/veltra-virtual-adapter-config.cmake
+        "include(\${CMAKE_CURRENT_LIST_DIR}/veltra-virtual-adapter-targets.cmake)\n"
+        "include(\${CMAKE_CURRENT_LIST_DIR}/VeltraVirtualAdapterTests.cmake)\n")
+    write_basic_package_version_file(${PROJECT_BINARY_DIR}/veltra-virtual-adapter-config-version.cmake
+        COMPATIBILITY SameMajorVersion)
+    install(FILES
+        ${PROJECT_BINARY_DIR}/veltra-virtual-adapter-config.cmake
+        ${PROJECT_BINARY_DIR}/veltra-virtual-adapter-config-version.cmake
+        ${PROJECT_SOURCE_DIR}/virtual-adapter/development/cmake/VeltraVirtualAdapterDiscovery.cmake
+        ${PROJECT_SOURCE_DIR}/virtual-adapter/development/cmake/VeltraVirtualAdapterTests.cmake
+        DESTINATION ${virtual_adapter_cmake_directory}
         COMPONENT virtual_adapter)
     install(TARGETS veltra-virtual-adapter-preload
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/veltra-virtual-adapter

@@ -10,7 +10,8 @@ usage: document_blocks.py run LABEL FILE.md...
 A comment in front of a block, <!-- run: LABEL -->, says when it runs: `run` makes one script of all the
 blocks of that label, which ends at the first command that fails. A workflow in YAML stands for its steps.
 A comment <!-- save: NAME --> in front of a program gives it the name by which shell blocks know it: `save`
-writes it into the working directory. `check` fails on a block that nothing below ROOT runs.
+writes it into the working directory. A comment <!-- prints: LABEL --> in front of a text says that the block
+of that label before it prints this, to the letter. `check` fails on a block that nothing below ROOT runs.
 """
 
 import os
@@ -20,9 +21,10 @@ import shlex
 import signal
 import sys
 
-BLOCK = re.compile(r"^(?:<!-- (run|save): ([\w.-]+) -->\n)?```(\w*)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
+BLOCK = re.compile(r"^(?:<!-- (run|save|prints): ([\w.-]+) -->\n)?```(\w*)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 PROGRAMS = ("c", "cpp", "python")  # run_code_blocks.py runs all of these
 NOT_RUN = ("text",)
+SAVED = ("cmake", "toml")  # which commands read
 
 
 def blocks(documents):
@@ -44,12 +46,19 @@ def shell(language, source):
     return "".join(f"bash -e -c {shlex.quote(command)}\n" for command in commands)
 
 
+def compared(commands, expected):
+    """The commands, which fail when they print something else."""
+    return f"{{\n{commands}}} >.printed || {{ cat .printed; exit 1; }}\ndiff - .printed <<'EOF'\n{expected}EOF\n"
+
+
 def run(label, *documents):
-    script = "".join(
-        shell(language, source)
-        for _, mark, name, language, source in blocks(documents)
-        if (mark, name) == ("run", label)
-    )
+    scripts = []
+    for _, mark, name, language, source in blocks(documents):
+        if (mark, name) == ("run", label):
+            scripts.append(shell(language, source))
+        elif (mark, name) == ("prints", label):
+            scripts[-1] = compared(scripts[-1], source)
+    script = "".join(scripts)
     if not script:
         sys.exit(f"no block is marked <!-- run: {label} -->")
     # What is started in the background ignores Ctrl-C and hands that down. Here it is to be heard, and by
@@ -64,10 +73,15 @@ def save(file, *documents):
     pathlib.Path(file).write_text(program)
 
 
+def is_called(function, name, root):
+    """Whether a runner calls one of its functions with this name."""
+    runners = [file.read_text() for file in root.glob("tests/*/*") if file.is_file() and file.suffix != ".py"]
+    return any(re.search(rf"\b{function} {re.escape(name)}(?![\w-])", text) for text in runners)
+
+
 def is_run(label, source, root):
     """Whether a runner runs the blocks of this label, or continuous integration these very commands."""
-    runners = [file.read_text() for file in root.glob("tests/*/*") if file.is_file() and file.suffix != ".py"]
-    if any(re.search(rf"\b(run|start)Blocks {re.escape(label)}(?![\w-])", text) for text in runners):
+    if is_called("(run|start)Blocks", label, root):
         return True
     commands = [line.split("#")[0].strip() for line in source.splitlines()]
     return set(commands) <= set((root / ".ci/run").read_text().splitlines())
@@ -88,7 +102,10 @@ def check(root, *documents):
     for where, mark, name, language, source in blocks(documents):
         if language in PROGRAMS or language in NOT_RUN:
             continue
-        if language not in ("sh", "yaml"):
+        if language in SAVED:
+            if mark != "save" or not is_called("saveProgram", name, pathlib.Path(root)):
+                problems.append(f"{where}: no command reads this block")
+        elif language not in ("sh", "yaml"):
             problems.append(f"{where}: nothing runs blocks in {language}")
         elif mark != "run" or not is_run(name, source, pathlib.Path(root)):
             problems.append(f"{where}: nothing runs this block")

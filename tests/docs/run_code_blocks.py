@@ -10,7 +10,8 @@ are not programs. A file without a program fails: then it should not be listed a
 
 A text block that follows a program in the same section, commands that build it aside, is what the
 program prints, to the letter. In a guide every program is followed by one. Tests in Python are run by pytest, without
-anything around it, and print how many have passed.
+anything around it, and print how many have passed; of tests in GoogleTest the last line counts. A part of a board is
+run by the commands that follow it.
 """
 
 import os
@@ -24,6 +25,8 @@ document, virtual_adapter, c_compiler, cxx_compiler, python_path, *flags = sys.a
 
 FENCED_BLOCK = re.compile(r"^```(\w+)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 TESTS = re.compile("^def test_", re.MULTILINE)
+PART = "from veltrasdk.parts import"
+GOOGLE_TEST = "#include <gtest/gtest.h>"
 SYSTEM_PYTHON = "/usr/bin/python3"  # which has pytest
 IN_GUIDE = pathlib.Path(document).parent.name == "guides"
 
@@ -43,6 +46,7 @@ def build(language, source, directory):
     program = directory / "block"
     subprocess.run(
         [compiler, f"-std={standard}", "-Wall", "-Wextra", "-Werror", "-D_GNU_SOURCE", "-pthread", str(file), "-o", str(program)]
+        + (["-lgtest", "-lgtest_main"] if GOOGLE_TEST in source else [])
         + flags,
         check=True,
     )
@@ -84,9 +88,10 @@ def run(language, source):
         if language == "python" and TESTS.search(source):
             return run_tests(source, pathlib.Path(name), environment)
         command = build(language, source, pathlib.Path(name))
-        return subprocess.run(
+        printed = subprocess.run(
             command, check=True, env=environment, timeout=120, stdout=subprocess.PIPE, text=True
         ).stdout
+        return printed.splitlines(keepends=True)[-1] if GOOGLE_TEST in source else printed
 
 
 text = pathlib.Path(document).read_text()
@@ -94,7 +99,7 @@ programs = 0
 problems = []
 for block in FENCED_BLOCK.finditer(text):
     language, source = block.groups()
-    if language not in ("c", "cpp", "python"):
+    if language not in ("c", "cpp", "python") or PART in source:
         continue
     programs += 1
     line = text.count("\n", 0, block.start()) + 1
