@@ -99,9 +99,11 @@ programs = 0
 problems = []
 for block in FENCED_BLOCK.finditer(text):
     language, source = block.groups()
-    if language not in ("c", "cpp", "python") or PART in source:
+    if language not in ("c", "cpp", "python"):
         continue
     programs += 1
+    if PART in source:
+        continue
     line = text.count("\n", 0, block.start()) + 1
     where = f"{document}:{line}: a program in {language}"
     print(where, flush=True)
