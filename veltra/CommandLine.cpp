@@ -11,55 +11,58 @@
 #include "commands/commands.hpp"
 
 #include <algorithm>
-#include <iostream>
+#include <cstdio>
 
 namespace veltra {
 
+using command_line::Grammar;
+using command_line::Refusal;
+
 namespace {
 
-void addVoltageOption(CLI::App& app, Options& options) {
-    app.add_option("-V,--voltage", options.voltage,
+void addVoltageOption(Command root, Options& options) {
+    root.addOption("-V,--voltage", options.voltage,
                    "Switches the supply of the command's bus on, in volts, such as 3.3")
-        ->envname("VELTRA_VOLTAGE")
-        ->type_name("VOLTS");
+        .environment("VELTRA_VOLTAGE")
+        .typeName("VOLTS");
 }
 
-void addOptions(CLI::App& app, Options& options) {
-    app.add_option("-d,--device", options.device,
+void addOptions(Command root, Options& options) {
+    root.addOption("-d,--device", options.device,
                    "Serial number or path of the adapter, where several are plugged in")
-        ->envname("VELTRA_DEVICE")
-        ->type_name("SERIAL|PATH");
-    addVoltageOption(app, options);
-    app.add_option("--voltage-limit", options.voltageLimit, "Refuses a higher voltage")
-        ->envname("VELTRA_VOLTAGE_LIMIT")
-        ->type_name("VOLTS");
-    app.add_option("-t,--timeout", options.timeout,
+        .environment("VELTRA_DEVICE")
+        .typeName("SERIAL|PATH");
+    addVoltageOption(root, options);
+    root.addOption("--voltage-limit", options.voltageLimit, "Refuses a higher voltage")
+        .environment("VELTRA_VOLTAGE_LIMIT")
+        .typeName("VOLTS");
+    root.addOption("-t,--timeout", options.timeout,
                    "How long an operation waits for its response, 5000 ms unless given")
-        ->envname("VELTRA_TIMEOUT")
-        ->type_name("MS");
-    const auto json = app.add_flag("--json", options.json, "One JSON object a line");
-    app.add_flag("--raw", options.raw, "Bare bytes, where a result is bytes")->excludes(json);
-    app.add_flag("-y,--yes", options.yes, "Does not ask before what cannot be undone");
-    app.add_flag("-q,--quiet", options.quiet, "No progress and no remarks");
-    app.add_flag("-v,--verbose", options.verbose,
+        .environment("VELTRA_TIMEOUT")
+        .typeName("MS");
+    const auto json = root.addFlag("--json", options.json, "One JSON object a line");
+    root.addFlag("--raw", options.raw, "Bare bytes, where a result is bytes").excludes(json);
+    root.addFlag("-y,--yes", options.yes, "Does not ask before what cannot be undone");
+    root.addFlag("-q,--quiet", options.quiet, "No progress and no remarks");
+    root.addFlag("-v,--verbose", options.verbose,
                  "Tells on the standard error output what goes over the wire");
-    app.add_flag("--dry-run", options.dryRun, "Tells what would go over the wire, sends nothing");
-    app.add_flag("--virtual{true}", options.board,
+    root.addFlag("--dry-run", options.dryRun, "Tells what would go over the wire, sends nothing");
+    root.addFlag("--virtual{true}", options.board,
                  "Uses a virtual adapter; --virtual=BOARD puts a board of your own behind it");
 }
 
 /// The command that the words lead to, as far as they do.
-const CLI::App& innermost(const CLI::App& app) {
-    const std::vector<CLI::App*> chosen = app.get_subcommands();
-    return chosen.empty() ? app : innermost(*chosen.front());
+Command innermost(Command command) {
+    const std::optional<Command> chosen = command.chosen();
+    return chosen ? innermost(*chosen) : command;
 }
 
-std::string pathOf(const CLI::App& app) {
-    const CLI::App* const parent = app.get_parent();
-    return parent == nullptr ? "" : (pathOf(*parent) + " " + app.get_name());
+std::string pathOf(Command command) {
+    const std::optional<Command> parent = command.parent();
+    return parent ? pathOf(*parent) + " " + command.name() : "";
 }
 
-Operation operationOf(const CLI::App& command) {
+Operation operationOf(Command command) {
     Operation operation{"", pathOf(command).substr(1), {}};
     operation.name = operation.subject;
     std::replace(operation.name.begin(), operation.name.end(), ' ', '.');
@@ -67,16 +70,16 @@ Operation operationOf(const CLI::App& command) {
 }
 
 /// What is wrong, and where to read what would be right.
-Failure complaint(const CLI::App& app, const CLI::ParseError& error) {
-    const CLI::App& command = innermost(app);
-    const std::vector<const CLI::App*> verbs =
-        command.get_subcommands([](const CLI::App* verb) { return !verb->get_group().empty(); });
-    const std::vector<std::string> surplus = app.remaining(true);
-    std::string text = error.what();
-    if (!verbs.empty() && command.get_require_subcommand_min() > 0) {
+Failure complaint(Command root, const Refusal& refusal) {
+    const Command command = innermost(root);
+    const std::vector<std::string> surplus = root.remaining();
+    std::string text = refusal.what();
+    if (command.requiresCommand()) {
         std::vector<std::string> names;
-        for (const CLI::App* const verb : verbs) {
-            names.push_back(verb->get_name());
+        for (const Command verb : command.commands()) {
+            if (!verb.isHidden()) {
+                names.push_back(verb.name());
+            }
         }
         text = surplus.empty() ? "a command is missing: " + join(names, ", ")
                                : quoted(surplus.front()) + " is none of: " + join(names, ", ");
@@ -113,50 +116,50 @@ int execute(Invocation& invocation, Output& output) {
 
 } // namespace
 
-void addGrammar(CLI::App& app, Invocation& invocation) {
-    app.set_version_flag("--version", VELTRASDK_VERSION);
-    app.fallthrough();
-    app.require_subcommand(1);
-    addOptions(app, invocation.options);
-    addCommands(app, invocation);
-    addBatchCommand(app, invocation);
-    addCompletionCommands(app, invocation);
+void addGrammar(Command root, Invocation& invocation) {
+    root.setVersion(VELTRASDK_VERSION);
+    root.takeOptionsAnywhere();
+    root.requireCommand();
+    addOptions(root, invocation.options);
+    addCommands(root, invocation);
+    addBatchCommand(root, invocation);
+    addCompletionCommands(root, invocation);
 }
 
-void addScriptGrammar(CLI::App& app, Invocation& invocation) {
-    app.fallthrough();
-    app.require_subcommand(1);
-    addVoltageOption(app, invocation.options);
-    addCommands(app, invocation);
+void addScriptGrammar(Command root, Invocation& invocation) {
+    root.takeOptionsAnywhere();
+    root.requireCommand();
+    addVoltageOption(root, invocation.options);
+    addCommands(root, invocation);
 }
 
-void parseWords(CLI::App& app, Invocation& invocation, const std::vector<std::string>& words) {
+void parseWords(const Grammar& grammar, Invocation& invocation,
+                const std::vector<std::string>& words) {
     invocation.options.typed = words;
     try {
-        app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
-        invocation.operation = operationOf(innermost(app));
-    } catch (const CLI::Success&) {
-        throw;
-    } catch (const CLI::ParseError& error) {
-        throw complaint(app, error);
+        grammar.parse(words);
+        invocation.operation = operationOf(innermost(grammar.root()));
+    } catch (const Refusal& refusal) {
+        throw complaint(grammar.root(), refusal);
     }
 }
 
 int runCommandLine(const std::vector<std::string>& words) {
     Invocation invocation;
     invocation.options.typedBehind = typedBefore();
-    CLI::App app("Drives a USB host adapter for I3C, I2C, SPI, UART and GPIO", "veltra");
-    addGrammar(app, invocation);
+    const Grammar grammar("Drives a USB host adapter for I3C, I2C, SPI, UART and GPIO", "veltra");
+    addGrammar(grammar.root(), invocation);
     Output output(invocation.options);
     try {
-        parseWords(app, invocation, words);
+        parseWords(grammar, invocation, words);
         if (!invocation.options.board.empty()) {
             restartVirtually(words, invocation.options.board);
         }
         output = Output(invocation.options);
         return execute(invocation, output);
-    } catch (const CLI::Success& asked) {
-        return app.exit(asked, std::cout, std::cerr);
+    } catch (const command_line::Asked& asked) {
+        (void)std::fputs(asked.what(), stdout);
+        return static_cast<int>(ExitStatus::Done);
     } catch (const Failure& failure) {
         const auto end = words.end();
         invocation.options.json = std::find(words.begin(), end, "--json") != end;

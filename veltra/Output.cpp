@@ -58,8 +58,7 @@ void Output::print(const std::string& text) {
 
 void Output::result(const Json& object, const std::string& text) {
     if (options->json) {
-        // Bytes of the adapter that are no UTF-8 must not end the program.
-        print(object.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n");
+        print(object.text() + "\n");
     } else if (!text.empty()) {
         print(text + "\n");
     }
@@ -125,8 +124,7 @@ void Output::failure(const Failure& failure) {
     }
     if (options->json) {
         const Json line = {{"error", errorObject(failure)}};
-        (void)std::fprintf(stderr, "%s\n",
-                           line.dump(-1, ' ', false, Json::error_handler_t::replace).c_str());
+        (void)std::fprintf(stderr, "%s\n", line.text().c_str());
     } else {
         (void)std::fprintf(stderr, "veltra: %s\n", describe(failure).c_str());
     }

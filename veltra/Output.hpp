@@ -4,17 +4,13 @@
 #pragma once
 
 #include "Failure.hpp"
+#include "Json.hpp"
 #include "Options.hpp"
 #include "Words.hpp"
-
-#include <nlohmann/json.hpp>
 
 #include <string>
 
 namespace veltra {
-
-/// Members in the order in which they were written, as people read them.
-using Json = nlohmann::ordered_json;
 
 /// What the program tells: results on the standard output, for people, as one JSON object a line,
 /// or as bare bytes; everything else on the standard error output.

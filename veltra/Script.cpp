@@ -8,7 +8,7 @@
 #include "Output.hpp"
 #include "Session.hpp"
 
-#include <iostream>
+#include <cstdio>
 #include <limits>
 #include <poll.h>
 
@@ -67,12 +67,12 @@ void Script::carryOutCommand(const std::vector<std::string>& words) {
     Invocation invocation;
     invocation.options = context.options;
     invocation.options.typedBehind.clear();
-    CLI::App app("", "");
-    addScriptGrammar(app, invocation);
+    const command_line::Grammar grammar("", "");
+    addScriptGrammar(grammar.root(), invocation);
     try {
-        parseWords(app, invocation, words);
-    } catch (const CLI::Success& asked) {
-        (void)app.exit(asked, std::cout, std::cerr);
+        parseWords(grammar, invocation, words);
+    } catch (const command_line::Asked& asked) {
+        (void)std::fputs(asked.what(), stdout);
         return;
     }
     context.session.begin(invocation.operation, invocation.options);

@@ -85,9 +85,10 @@ ROOMS = {
     "ways": ("bytes/", "device/", "socket/", "usbip/"),
     "preload": ("bytes/", "socket/", "capture/"),
     "capture": ("bytes/",),
+    "command-line": (),
     "cli": (
-        "board/BoardTable.hpp", "board/file/", "device/", "faults/", "replay/", "socket/", "stimuli/", "usbip/",
-        "ways/"),
+        "board/BoardTable.hpp", "board/file/", "command-line/", "device/", "faults/", "replay/", "socket/",
+        "stimuli/", "usbip/", "ways/"),
 }
 # Rooms without input or output, clock or thread, and what they would be had by.
 CLOSED = ("bytes", "model", "board", "board/parts", "faults")
@@ -138,7 +139,7 @@ def check_rooms(root):
     complaints = []
     watched = 0
     entered = {room.split("/")[0] for room in ROOMS}
-    for house, directory in (("virtual-adapter", ""), ("", "capture"), ("", "preload"), ("", "usbip")):
+    for house, directory in (("virtual-adapter", ""), ("", "capture"), ("", "command-line"), ("", "preload"), ("", "usbip")):
         for path, number, included in includes(root / house / directory):
             room = room_of(path.relative_to(root / house).as_posix())
             if room is None or included.split("/")[0] not in entered:

@@ -55,14 +55,14 @@ void batch(const Batch& wanted, Context& context) {
 
 } // namespace
 
-void addBatchCommand(CLI::App& app, Invocation& invocation) {
-    CLI::App& command = *app.add_subcommand(
+void addBatchCommand(Command app, Invocation& invocation) {
+    const Command command = app.addCommand(
         "batch", "The same commands, one a line, over one connection; beside them: sleep MS, "
                  "expect HEX, echo TEXT, set NAME=VALUE");
     const auto wanted = std::make_shared<Batch>();
-    command.add_option("FILE", wanted->file, "The script; the standard input unless given")
-        ->type_name("");
-    command.add_flag("--keep-going", wanted->keepGoing, "Goes on behind a line that fails");
+    command.addOption("FILE", wanted->file, "The script; the standard input unless given")
+        .typeName("");
+    command.addFlag("--keep-going", wanted->keepGoing, "Goes on behind a line that fails");
     onChosen(command, invocation, [wanted](Context& context) { batch(*wanted, context); });
 }
 

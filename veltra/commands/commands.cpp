@@ -5,7 +5,7 @@
 
 namespace veltra {
 
-void addCommands(CLI::App& app, Invocation& invocation) {
+void addCommands(Command app, Invocation& invocation) {
     addListCommand(app, invocation);
     addInfoCommand(app, invocation);
     addDoctorCommand(app, invocation);

@@ -5,36 +5,38 @@
 
 #include "Options.hpp"
 
-#include <CLI/CLI.hpp>
+#include "command-line/Grammar.hpp"
 
-#include <functional>
+#include <utility>
 
 namespace veltra {
 
-/// Every command that may also stand in a script, in the order in which the help lists them.
-void addCommands(CLI::App& app, Invocation& invocation);
+using command_line::Command;
 
-void addListCommand(CLI::App& app, Invocation& invocation);
-void addInfoCommand(CLI::App& app, Invocation& invocation);
-void addDoctorCommand(CLI::App& app, Invocation& invocation);
-void addPowerCommands(CLI::App& app, Invocation& invocation);
-void addGpioCommands(CLI::App& app, Invocation& invocation);
-void addSpiCommands(CLI::App& app, Invocation& invocation);
-void addFlashCommands(CLI::App& spi, Invocation& invocation);
-void addI3cCommands(CLI::App& app, Invocation& invocation);
-void addI3cCcc(CLI::App& i3c, Invocation& invocation);
-void addI3cTransfers(CLI::App& i3c, Invocation& invocation);
-void addWatchCommand(CLI::App& app, Invocation& invocation);
-void addCompletionCommands(CLI::App& app, Invocation& invocation);
-void addUartCommands(CLI::App& app, Invocation& invocation);
-void addBatchCommand(CLI::App& app, Invocation& invocation);
-void addI2cCommands(CLI::App& app, Invocation& invocation);
-void addI2cTransfers(CLI::App& i2c, Invocation& invocation);
-void addEepromCommand(CLI::App& i2c, Invocation& invocation);
+/// Every command that may also stand in a script, in the order in which the help lists them.
+void addCommands(Command app, Invocation& invocation);
+
+void addListCommand(Command app, Invocation& invocation);
+void addInfoCommand(Command app, Invocation& invocation);
+void addDoctorCommand(Command app, Invocation& invocation);
+void addPowerCommands(Command app, Invocation& invocation);
+void addGpioCommands(Command app, Invocation& invocation);
+void addSpiCommands(Command app, Invocation& invocation);
+void addFlashCommands(Command spi, Invocation& invocation);
+void addI3cCommands(Command app, Invocation& invocation);
+void addI3cCcc(Command i3c, Invocation& invocation);
+void addI3cTransfers(Command i3c, Invocation& invocation);
+void addWatchCommand(Command app, Invocation& invocation);
+void addCompletionCommands(Command app, Invocation& invocation);
+void addUartCommands(Command app, Invocation& invocation);
+void addBatchCommand(Command app, Invocation& invocation);
+void addI2cCommands(Command app, Invocation& invocation);
+void addI2cTransfers(Command i2c, Invocation& invocation);
+void addEepromCommand(Command i2c, Invocation& invocation);
 
 /// Makes `action` the one that is carried out when the command has been chosen.
-inline void onChosen(CLI::App& command, Invocation& invocation, Action action) {
-    command.callback([&invocation, action = std::move(action)] { invocation.action = action; });
+inline void onChosen(Command command, Invocation& invocation, Action action) {
+    command.onChosen([&invocation, action = std::move(action)] { invocation.action = action; });
 }
 
 } // namespace veltra

@@ -54,30 +54,29 @@ std::vector<std::string> targets(const std::string& device) {
 void printCandidates(const std::vector<std::string>& words) {
     const size_t index = words.empty() ? 0 : parseNumber("index", words[0], 0, 0xFFFF);
     Invocation invocation;
-    CLI::App grammar("", "veltra");
-    addGrammar(grammar, invocation);
+    const command_line::Grammar grammar("", "veltra");
+    addGrammar(grammar.root(), invocation);
     const std::vector<std::string> line(words.empty() ? words.end() : words.begin() + 1,
                                         words.end());
-    for (const std::string& candidate : complete(grammar, line, index, {adapters, targets})) {
+    for (const std::string& candidate :
+         complete(grammar.root(), line, index, {adapters, targets})) {
         (void)std::printf("%s\n", candidate.c_str());
     }
 }
 
 } // namespace
 
-void addCompletionCommands(CLI::App& app, Invocation& invocation) {
-    CLI::App& command =
-        *app.add_subcommand("completion", "Prints what makes a shell complete veltra's words");
+void addCompletionCommands(Command app, Invocation& invocation) {
+    const Command command =
+        app.addCommand("completion", "Prints what makes a shell complete veltra's words");
     const auto shell = std::make_shared<std::string>();
-    command.add_option("SHELL", *shell, "bash")
-        ->required()
-        ->type_name("")
-        ->check(CLI::IsMember({"bash"}));
+    command.addOption("SHELL", *shell, "bash").required().typeName("").oneOf({"bash"});
     onChosen(command, invocation, [shell](Context&) { (void)std::fputs(bashFunction, stdout); });
 
-    CLI::App& hidden = *app.add_subcommand("__complete", "")->group("");
-    hidden.fallthrough(false)->prefix_command();
-    onChosen(hidden, invocation, [&hidden](Context&) { printCandidates(hidden.remaining()); });
+    const Command hidden = app.addCommand("__complete", "");
+    hidden.hide();
+    hidden.passThrough();
+    onChosen(hidden, invocation, [hidden](Context&) { printCandidates(hidden.remaining()); });
 }
 
 } // namespace veltra

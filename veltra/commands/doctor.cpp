@@ -71,8 +71,8 @@ void doctor(Context& context) {
 
 } // namespace
 
-void addDoctorCommand(CLI::App& app, Invocation& invocation) {
-    onChosen(*app.add_subcommand("doctor", "Looks for what stands between you and an adapter"),
+void addDoctorCommand(Command app, Invocation& invocation) {
+    onChosen(app.addCommand("doctor", "Looks for what stands between you and an adapter"),
              invocation, doctor);
 }
 

@@ -37,25 +37,24 @@ void program(const Program& wanted, Context& context) {
 
 } // namespace
 
-void addEepromCommand(CLI::App& i2c, Invocation& invocation) {
-    CLI::App& command =
-        *i2c.add_subcommand("program", "Writes a file into an EEPROM, and verifies");
+void addEepromCommand(Command i2c, Invocation& invocation) {
+    const Command command = i2c.addCommand("program", "Writes a file into an EEPROM, and verifies");
     const auto wanted = std::make_shared<Program>();
     addI2cOptions(command, wanted->settings);
-    command.add_option("ADDR", wanted->address, "The EEPROM's address, 7 bits")
-        ->required()
-        ->type_name("");
-    command.add_option("FILE", wanted->file, "The contents, from address 0 on; - is stdin")
-        ->required()
-        ->type_name("");
-    command.add_option("--page", wanted->pageBytes, "The bytes of a page, as the data sheet says")
-        ->required()
-        ->type_name("BYTES")
-        ->check(CLI::Range(1, 4096));
-    command.add_option("--reg-bytes", wanted->registerBytes, "The address's bytes, 1 or 2")
-        ->required()
-        ->type_name("BYTES")
-        ->check(CLI::Range(1, 2));
+    command.addOption("ADDR", wanted->address, "The EEPROM's address, 7 bits")
+        .required()
+        .typeName("");
+    command.addOption("FILE", wanted->file, "The contents, from address 0 on; - is stdin")
+        .required()
+        .typeName("");
+    command.addOption("--page", wanted->pageBytes, "The bytes of a page, as the data sheet says")
+        .required()
+        .typeName("BYTES")
+        .range(1, 4096);
+    command.addOption("--reg-bytes", wanted->registerBytes, "The address's bytes, 1 or 2")
+        .required()
+        .typeName("BYTES")
+        .range(1, 2);
     onChosen(command, invocation, [wanted](Context& context) { program(*wanted, context); });
 }
 

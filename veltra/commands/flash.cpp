@@ -110,29 +110,27 @@ void carryOut(const Flash& wanted, Context& context, Carry carry) {
 
 enum class File { None, Optional, Required };
 
-void add(CLI::App& flash, Invocation& invocation, const char* name, const char* description,
+void add(Command flash, Invocation& invocation, const char* name, const char* description,
          File file, Carry carry) {
-    CLI::App& command = *flash.add_subcommand(name, description);
+    const Command command = flash.addCommand(name, description);
     const auto wanted = std::make_shared<Flash>();
     addSpiOptions(command, wanted->settings);
     if (file != File::None) {
-        command.add_option("FILE", wanted->file, "The contents; - is stdin or stdout")
-            ->required(file == File::Required)
-            ->type_name("");
+        command.addOption("FILE", wanted->file, "The contents; - is stdin or stdout")
+            .required(file == File::Required)
+            .typeName("");
     }
-    command.add_option("--offset", wanted->offset, "Where it begins, 0 unless given")
-        ->type_name("N");
-    command.add_option("--length", wanted->length, "How many bytes, the rest unless given")
-        ->type_name("N");
+    command.addOption("--offset", wanted->offset, "Where it begins, 0 unless given").typeName("N");
+    command.addOption("--length", wanted->length, "How many bytes, the rest unless given")
+        .typeName("N");
     onChosen(command, invocation, [=](Context& context) { carryOut(*wanted, context, carry); });
 }
 
 } // namespace
 
-void addFlashCommands(CLI::App& spi, Invocation& invocation) {
-    CLI::App& flash =
-        *spi.add_subcommand("flash", "A serial NOR flash, by what it tells of itself");
-    flash.require_subcommand(1);
+void addFlashCommands(Command spi, Invocation& invocation) {
+    const Command flash = spi.addCommand("flash", "A serial NOR flash, by what it tells of itself");
+    flash.requireCommand();
     add(flash, invocation, "id", "Tells what it is", File::None, tellId);
     add(flash, invocation, "read", "Reads it", File::Optional, read);
     add(flash, invocation, "write", "Writes a file into it, and verifies", File::Required, write);

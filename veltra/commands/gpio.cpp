@@ -74,21 +74,21 @@ void info(const Words&, Context& context) {
 
 using Carry = void (*)(const Words&, Context&);
 
-void add(CLI::App& gpio, Invocation& invocation, const std::string& name,
+void add(Command gpio, Invocation& invocation, const std::string& name,
          const std::string& description, const std::string& operands, Carry carry) {
-    CLI::App& command = *gpio.add_subcommand(name, description);
+    const Command command = gpio.addCommand(name, description);
     const auto words = std::make_shared<Words>();
     if (!operands.empty()) {
-        command.add_option(operands, *words, "A pin is 0 to 7")->required()->type_name("");
+        command.addOption(operands, *words, "A pin is 0 to 7").required().typeName("");
     }
     onChosen(command, invocation, [=](Context& context) { carry(*words, context); });
 }
 
 } // namespace
 
-void addGpioCommands(CLI::App& app, Invocation& invocation) {
-    CLI::App& gpio = *app.add_subcommand("gpio", "The eight pins");
-    gpio.require_subcommand(1);
+void addGpioCommands(Command app, Invocation& invocation) {
+    const Command gpio = app.addCommand("gpio", "The eight pins");
+    gpio.requireCommand();
     add(gpio, invocation, "get", "Reads pins; one that is not configured becomes an input", "PIN",
         get);
     add(gpio, invocation, "set", "Drives pins; one that is not configured becomes an output",

@@ -67,29 +67,29 @@ void dump(const Dump& wanted, Context& context) {
 
 } // namespace
 
-void addI2cCommands(CLI::App& app, Invocation& invocation) {
-    CLI::App& i2c = *app.add_subcommand("i2c", "The two I2C buses");
-    i2c.require_subcommand(1);
+void addI2cCommands(Command app, Invocation& invocation) {
+    const Command i2c = app.addCommand("i2c", "The two I2C buses");
+    i2c.requireCommand();
 
-    CLI::App& scanCommand = *i2c.add_subcommand("scan", "Shows which addresses are acknowledged");
+    const Command scanCommand = i2c.addCommand("scan", "Shows which addresses are acknowledged");
     const auto scanned = std::make_shared<Scan>();
     addI2cOptions(scanCommand, scanned->settings);
-    scanCommand.add_flag("--10bit", scanned->tenBit, "Looks for 10-bit addresses too");
+    scanCommand.addFlag("--10bit", scanned->tenBit, "Looks for 10-bit addresses too");
     onChosen(scanCommand, invocation, [scanned](Context& context) { scan(*scanned, context); });
 
     addI2cTransfers(i2c, invocation);
 
-    CLI::App& dumpCommand = *i2c.add_subcommand("dump", "Reads a range of registers");
+    const Command dumpCommand = i2c.addCommand("dump", "Reads a range of registers");
     const auto dumped = std::make_shared<Dump>();
     addI2cOptions(dumpCommand, dumped->settings);
-    dumpCommand.add_option("ADDR", dumped->address, "The target's address, 7 bits")
-        ->required()
-        ->type_name("");
-    dumpCommand.add_option("FIRST-LAST", dumped->range, "The registers, 0x00-0xff unless given")
-        ->type_name("");
-    dumpCommand.add_option("--reg-bytes", dumped->registerBytes, "The register's bytes, 1 or 2")
-        ->type_name("BYTES")
-        ->check(CLI::Range(1, 2));
+    dumpCommand.addOption("ADDR", dumped->address, "The target's address, 7 bits")
+        .required()
+        .typeName("");
+    dumpCommand.addOption("FIRST-LAST", dumped->range, "The registers, 0x00-0xff unless given")
+        .typeName("");
+    dumpCommand.addOption("--reg-bytes", dumped->registerBytes, "The register's bytes, 1 or 2")
+        .typeName("BYTES")
+        .range(1, 2);
     onChosen(dumpCommand, invocation, [dumped](Context& context) { dump(*dumped, context); });
 
     addEepromCommand(i2c, invocation);

@@ -4,8 +4,7 @@
 #pragma once
 
 #include "buses/I2c.hpp"
-
-#include <CLI/CLI.hpp>
+#include "commands/commands.hpp"
 
 #include <memory>
 
@@ -19,29 +18,32 @@ struct RegisterWord {
     [[nodiscard]] Bytes parsed() const {
         return address.empty() ? Bytes() : parseRegister(address, bytes);
     }
+    /// 0 where none was typed.
+    [[nodiscard]] uint64_t number() const {
+        return address.empty() ? 0 : parseNumber("register", address, 0, UINT32_MAX);
+    }
 };
 
 /// The options that every I2C command takes.
-inline void addI2cOptions(CLI::App& command, I2cSettings& settings) {
-    command.add_option("-b,--bus", settings.bus, "The bus, 0 unless given")
-        ->type_name("BUS")
-        ->check(CLI::Range(0, 1));
-    command.add_option("--clock", settings.clock, "100k, 400k or 1M; 400k unless given")
-        ->type_name("HZ");
+inline void addI2cOptions(Command command, I2cSettings& settings) {
+    command.addOption("-b,--bus", settings.bus, "The bus, 0 unless given")
+        .typeName("BUS")
+        .range(0, 1);
+    command.addOption("--clock", settings.clock, "100k, 400k or 1M; 400k unless given")
+        .typeName("HZ");
     command
-        .add_option("--pull-up", settings.pullUp,
-                    "The adapter's pull-up resistors: none, 10k, 4k7 or 2k2")
-        ->type_name("OHMS");
-    command.add_flag("--retry-busy", settings.retryBusy,
-                     "Sends an address that is not acknowledged again, as a busy EEPROM needs it");
+        .addOption("--pull-up", settings.pullUp,
+                   "The adapter's pull-up resistors: none, 10k, 4k7 or 2k2")
+        .typeName("OHMS");
+    command.addFlag("--retry-busy", settings.retryBusy,
+                    "Sends an address that is not acknowledged again, as a busy EEPROM needs it");
 }
 
-inline void addRegisterOptions(CLI::App& command, RegisterWord& word) {
-    command.add_option("-r,--register", word.address, "The register, sent in front")
-        ->type_name("REG");
-    command.add_option("--reg-bytes", word.bytes, "The register's bytes, 1 to 4; 1 unless given")
-        ->type_name("BYTES")
-        ->check(CLI::Range(1, 4));
+inline void addRegisterOptions(Command command, RegisterWord& word) {
+    command.addOption("-r,--register", word.address, "The register, sent in front").typeName("REG");
+    command.addOption("--reg-bytes", word.bytes, "The register's bytes, 1 to 4; 1 unless given")
+        .typeName("BYTES")
+        .range(1, 4);
 }
 
 } // namespace veltra

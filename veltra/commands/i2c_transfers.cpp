@@ -24,7 +24,7 @@ struct Transfer {
 Json objectOf(const char* op, const I2c& bus, uint8_t address, const RegisterWord& registerWord) {
     Json object = {{"op", op}, {"bus", bus.bus()}, {"address", address}};
     if (!registerWord.address.empty()) {
-        object["register"] = parseNumber("register", registerWord.address, 0, UINT32_MAX);
+        object["register"] = registerWord.number();
     }
     return object;
 }
@@ -38,8 +38,7 @@ void read(const Transfer& wanted, Context& context) {
     const Bytes data = bus.read(address, registerBytes, count);
     Json object = objectOf("i2c.read", bus, address, wanted.registerWord);
     object["count"] = count;
-    const uint64_t first = object.value("register", uint64_t{0});
-    context.output.bytes(object, data, hexDump(data, first));
+    context.output.bytes(object, data, hexDump(data, wanted.registerWord.number()));
 }
 
 void write(const Transfer& wanted, Context& context) {
@@ -59,7 +58,7 @@ void transfer(const Transfer& wanted, Context& context) {
     context.session.concern("", wanted.settings.bus);
     I2c bus(context.session, wanted.settings);
     Bytes all;
-    Json read = Json::array();
+    std::vector<std::string> reads;
     std::string text;
     for (const I2cMessage& message : messages) {
         const bool hold = &message != &messages.back();
@@ -68,56 +67,56 @@ void transfer(const Transfer& wanted, Context& context) {
             continue;
         }
         const Bytes data = bus.read(message.address, {}, message.length, hold);
-        read.push_back(hexDigits(data));
+        reads.push_back(hexDigits(data));
         text += (text.empty() ? "" : "\n") + hexWords(data);
         all.insert(all.end(), data.begin(), data.end());
     }
-    context.output.bytes({{"op", "i2c.transfer"}, {"bus", bus.bus()}, {"reads", read}}, all, text);
+    context.output.bytes({{"op", "i2c.transfer"}, {"bus", bus.bus()}, {"reads", reads}}, all, text);
 }
 
 using Carry = void (*)(const Transfer&, Context&);
 
-std::shared_ptr<Transfer> add(CLI::App& command, Invocation& invocation, Carry carry) {
+std::shared_ptr<Transfer> add(Command command, Invocation& invocation, Carry carry) {
     auto wanted = std::make_shared<Transfer>();
     addI2cOptions(command, wanted->settings);
     onChosen(command, invocation, [=](Context& context) { carry(*wanted, context); });
     return wanted;
 }
 
-void addAddress(CLI::App& command, Transfer& wanted) {
-    command.add_option("ADDR", wanted.address, "The target's address, 7 bits")
-        ->required()
-        ->type_name("");
+void addAddress(Command command, Transfer& wanted) {
+    command.addOption("ADDR", wanted.address, "The target's address, 7 bits")
+        .required()
+        .typeName("");
     addRegisterOptions(command, wanted.registerWord);
 }
 
 } // namespace
 
-void addI2cTransfers(CLI::App& i2c, Invocation& invocation) {
-    CLI::App& readCommand = *i2c.add_subcommand("read", "Reads from a target");
+void addI2cTransfers(Command i2c, Invocation& invocation) {
+    const Command readCommand = i2c.addCommand("read", "Reads from a target");
     const auto toRead = add(readCommand, invocation, read);
     addAddress(readCommand, *toRead);
-    readCommand.add_option("COUNT", toRead->count, "How many bytes, up to 65535")
-        ->required()
-        ->type_name("");
+    readCommand.addOption("COUNT", toRead->count, "How many bytes, up to 65535")
+        .required()
+        .typeName("");
 
-    CLI::App& writeCommand = *i2c.add_subcommand("write", "Writes to a target");
+    const Command writeCommand = i2c.addCommand("write", "Writes to a target");
     const auto toWrite = add(writeCommand, invocation, write);
     addAddress(writeCommand, *toWrite);
     writeCommand
-        .add_option("BYTES", toWrite->words, "Numbers, hex:0011ff, str:text, @file; - is stdin")
-        ->required()
-        ->type_name("");
+        .addOption("BYTES", toWrite->words, "Numbers, hex:0011ff, str:text, @file; - is stdin")
+        .required()
+        .typeName("");
 
-    CLI::App& transferCommand =
-        *i2c.add_subcommand("transfer", "Messages in one transaction, as i2ctransfer has them");
+    const Command transferCommand =
+        i2c.addCommand("transfer", "Messages in one transaction, as i2ctransfer has them");
     const auto messages = add(transferCommand, invocation, transfer);
     transferCommand
-        .add_option("DESC", messages->words,
-                    "{r|w}LENGTH[@ADDR], and behind a write its bytes; the last one with = is "
-                    "repeated, with + counted up")
-        ->required()
-        ->type_name("");
+        .addOption("DESC", messages->words,
+                   "{r|w}LENGTH[@ADDR], and behind a write its bytes; the last one with = is "
+                   "repeated, with + counted up")
+        .required()
+        .typeName("");
 }
 
 } // namespace veltra

@@ -92,37 +92,37 @@ using Carry = void (*)(const Wanted&, Context&);
 
 } // namespace
 
-void addI3cCommands(CLI::App& app, Invocation& invocation) {
-    CLI::App& i3c = *app.add_subcommand("i3c", "The I3C bus");
-    i3c.require_subcommand(1);
+void addI3cCommands(Command app, Invocation& invocation) {
+    const Command i3c = app.addCommand("i3c", "The I3C bus");
+    i3c.requireCommand();
     const auto add = [&](const char* name, const char* description, Carry carry) {
         const auto wanted = std::make_shared<Wanted>();
-        CLI::App& command = *i3c.add_subcommand(name, description);
+        const Command command = i3c.addCommand(name, description);
         onChosen(command, invocation, [=](Context& context) { carry(*wanted, context); });
-        return std::pair<CLI::App&, Wanted&>(command, *wanted);
+        return std::pair<Command, Wanted&>(command, *wanted);
     };
-    const auto addTarget = [](CLI::App& command, Wanted& wanted) {
-        command.add_option("TARGET", wanted.target, "0x09, pid:0123456789ab or static:0x48")
-            ->required()
-            ->type_name("");
+    const auto addTarget = [](Command command, Wanted& wanted) {
+        command.addOption("TARGET", wanted.target, "0x09, pid:0123456789ab or static:0x48")
+            .required()
+            .typeName("");
     };
-    const auto addChoice = [](CLI::App& command, Wanted& wanted, const char* name,
+    const auto addChoice = [](Command command, Wanted& wanted, const char* name,
                               const std::vector<std::string>& choices) {
-        command.add_option(name, wanted.choice, join(choices, " or "))
-            ->required()
-            ->type_name("")
-            ->check(CLI::IsMember(choices));
+        command.addOption(name, wanted.choice, join(choices, " or "))
+            .required()
+            .typeName("")
+            .oneOf(choices);
     };
 
     auto [initCommand, toInit] =
         add("init", "Initialises controller and bus, shows the table", init);
     addI3cSettings(initCommand, toInit.settings);
     initCommand
-        .add_option("--target", toInit.targets,
-                    "A target that is expected: static=0x48,dynamic=0x09,pid=...,mwl=64,mrl=64,"
-                    "ibi-max=8,ibi=accept|reject,legacy; without any all are found")
-        ->type_name("RECORD")
-        ->allow_extra_args(false);
+        .addOption("--target", toInit.targets,
+                   "A target that is expected: static=0x48,dynamic=0x09,pid=...,mwl=64,mrl=64,"
+                   "ibi-max=8,ibi=accept|reject,legacy; without any all are found")
+        .typeName("RECORD")
+        .oneEachTime();
     add("reset", "Takes every address away", reset);
     add("list", "Shows the controller's table", list);
     auto [infoCommand, toAsk] = add("info", "Asks a target everything about itself", info);

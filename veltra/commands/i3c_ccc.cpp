@@ -42,16 +42,16 @@ void ccc(const Wanted& wanted, Context& context) {
 
 } // namespace
 
-void addI3cCcc(CLI::App& i3c, Invocation& invocation) {
+void addI3cCcc(Command i3c, Invocation& invocation) {
     const auto wanted = std::make_shared<Wanted>();
-    CLI::App& command = *i3c.add_subcommand("ccc", "Sends a Common Command Code");
-    command.add_option("NAME", wanted->code, "As in the standard, in lower case, or 0xNN")
-        ->required()
-        ->type_name("");
-    command.add_option("VALUES", wanted->words, "[TARGET] [VALUES...]; no target is all of them")
-        ->type_name("");
-    command.add_option("--def", wanted->definingByte, "The defining byte")->type_name("BYTE");
-    command.add_option("--count", wanted->count, "Reads so many bytes")->type_name("N");
+    const Command command = i3c.addCommand("ccc", "Sends a Common Command Code");
+    command.addOption("NAME", wanted->code, "As in the standard, in lower case, or 0xNN")
+        .required()
+        .typeName("");
+    command.addOption("VALUES", wanted->words, "[TARGET] [VALUES...]; no target is all of them")
+        .typeName("");
+    command.addOption("--def", wanted->definingByte, "The defining byte").typeName("BYTE");
+    command.addOption("--count", wanted->count, "Reads so many bytes").typeName("N");
     onChosen(command, invocation, [wanted](Context& context) { ccc(*wanted, context); });
 }
 

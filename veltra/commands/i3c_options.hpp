@@ -6,20 +6,18 @@
 #include "buses/I3c.hpp"
 #include "commands/i2c_options.hpp"
 
-#include <CLI/CLI.hpp>
-
 namespace veltra {
 
 /// The options that set the bus's rates.
-inline void addI3cSettings(CLI::App& command, I3cSettings& settings) {
+inline void addI3cSettings(Command command, I3cSettings& settings) {
     const auto add = [&](const char* name, std::string& value, const std::string& what) {
-        command.add_option(name, value, what + "; " + value + " unless given")->type_name("RATE");
+        command.addOption(name, value, what + "; " + value + " unless given").typeName("RATE");
     };
     add("--push-pull", settings.pushPull, "12.5M, 10M, 8M, 6M, 4M, 2M or 1M");
     add("--open-drain", settings.openDrain, "4M, 2.5M, 1M or 400k");
     add("--i2c", settings.i2c, "Of legacy transfers: 1M, 400k or 100k");
-    command.add_option("--drive", settings.drive, "2mA, 4mA, 8mA or 12mA; 8mA unless given")
-        ->type_name("STRENGTH");
+    command.addOption("--drive", settings.drive, "2mA, 4mA, 8mA or 12mA; 8mA unless given")
+        .typeName("STRENGTH");
 }
 
 /// A transfer as it was typed.
@@ -43,11 +41,6 @@ struct I3cWords {
     }
     [[nodiscard]] uint8_t parsedCode() const {
         return static_cast<uint8_t>(parseNumber("code", code, 0, 0x7F));
-    }
-    [[nodiscard]] uint64_t parsedRegister() const {
-        return registerWord.address.empty()
-                   ? 0
-                   : parseNumber("register", registerWord.address, 0, UINT32_MAX);
     }
 };
 

@@ -16,7 +16,7 @@ namespace {
 Json objectOf(Context& context, uint8_t address, const I3cWords& wanted, size_t count) {
     Json object = {{"op", context.session.operation().name}, {"address", address}};
     if (!wanted.registerWord.address.empty()) {
-        object["register"] = wanted.parsedRegister();
+        object["register"] = wanted.registerWord.number();
     }
     if (!wanted.code.empty()) {
         object["code"] = wanted.parsedCode();
@@ -39,7 +39,7 @@ void read(const I3cWords& wanted, Context& context) {
     const uint8_t address = addressOf(bus, WayOfBus, wanted.target);
     const Bytes data = bus.read(WayOfBus, address, registerBytes, count, wanted.flags());
     context.output.bytes(objectOf(context, address, wanted, data.size()), data,
-                         hexDump(data, wanted.parsedRegister()));
+                         hexDump(data, wanted.registerWord.number()));
 }
 
 template <I3c::Way WayOfBus>
@@ -78,52 +78,52 @@ using Carry = void (*)(const I3cWords&, Context&);
 /// Adds commands and their operands below one name.
 class Adder {
 public:
-    Adder(CLI::App& below, Invocation& goesTo) : parent(below), invocation(goesTo) {}
+    Adder(Command below, Invocation& goesTo) : parent(below), invocation(goesTo) {}
 
     void add(const char* name, const char* description, Carry carry, bool reads, bool isHdr) {
         const auto wanted = std::make_shared<I3cWords>();
-        CLI::App& command = *parent.add_subcommand(name, description);
+        const Command command = parent.addCommand(name, description);
         onChosen(command, invocation, [=](Context& context) { carry(*wanted, context); });
         positional(command, "TARGET", wanted->target, "0x09, pid:0123456789ab or static:0x48");
         if (isHdr) {
             positional(command, "CODE", wanted->code, "The HDR command code, 0 to 127");
         } else {
             addRegisterOptions(command, wanted->registerWord);
-            command.add_flag("--no-7e", wanted->no7e, "Begins with the target's own address");
-            command.add_flag("--no-stop", wanted->noStop, "Holds the bus for a repeated START");
+            command.addFlag("--no-7e", wanted->no7e, "Begins with the target's own address");
+            command.addFlag("--no-stop", wanted->noStop, "Holds the bus for a repeated START");
         }
         if (reads) {
             positional(command, "COUNT", wanted->count, "How many bytes, up to 65535");
         } else {
-            command.add_option("BYTES", wanted->words, "Numbers, hex:0011ff, str:text, @file, -")
-                ->required()
-                ->type_name("");
+            command.addOption("BYTES", wanted->words, "Numbers, hex:0011ff, str:text, @file, -")
+                .required()
+                .typeName("");
         }
     }
 
 private:
-    static void positional(CLI::App& command, const char* name, std::string& value,
+    static void positional(Command command, const char* name, std::string& value,
                            const char* description) {
-        command.add_option(name, value, description)->required()->type_name("");
+        command.addOption(name, value, description).required().typeName("");
     }
 
-    CLI::App& parent;
+    Command parent;
     Invocation& invocation;
 };
 
 } // namespace
 
-void addI3cTransfers(CLI::App& i3c, Invocation& invocation) {
+void addI3cTransfers(Command i3c, Invocation& invocation) {
     Adder sdr(i3c, invocation);
     sdr.add("read", "Reads from a target", read<I3c::Way::Sdr>, true, false);
     sdr.add("write", "Writes to a target", write<I3c::Way::Sdr>, false, false);
-    CLI::App& hdr = *i3c.add_subcommand("hdr", "Transfers at double data rate");
-    hdr.require_subcommand(1);
+    const Command hdr = i3c.addCommand("hdr", "Transfers at double data rate");
+    hdr.requireCommand();
     Adder ddr(hdr, invocation);
     ddr.add("read", "Reads from a target", hdrRead, true, true);
     ddr.add("write", "Writes to a target", hdrWrite, false, true);
-    CLI::App& i2c = *i3c.add_subcommand("i2c", "Legacy I2C devices on the I3C bus");
-    i2c.require_subcommand(1);
+    const Command i2c = i3c.addCommand("i2c", "Legacy I2C devices on the I3C bus");
+    i2c.requireCommand();
     Adder legacy(i2c, invocation);
     legacy.add("read", "Reads from a device", read<I3c::Way::LegacyI2c>, true, false);
     legacy.add("write", "Writes to a device", write<I3c::Way::LegacyI2c>, false, false);

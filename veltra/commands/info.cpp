@@ -38,8 +38,8 @@ void info(Context& context) {
 
 } // namespace
 
-void addInfoCommand(CLI::App& app, Invocation& invocation) {
-    onChosen(*app.add_subcommand("info", "Reads the adapter's five strings; tells the versions"),
+void addInfoCommand(Command app, Invocation& invocation) {
+    onChosen(app.addCommand("info", "Reads the adapter's five strings; tells the versions"),
              invocation, info);
 }
 

@@ -36,9 +36,8 @@ void list(Context& context) {
 
 } // namespace
 
-void addListCommand(CLI::App& app, Invocation& invocation) {
-    onChosen(*app.add_subcommand("list", "Lists the adapters that are plugged in"), invocation,
-             list);
+void addListCommand(Command app, Invocation& invocation) {
+    onChosen(app.addCommand("list", "Lists the adapters that are plugged in"), invocation, list);
 }
 
 } // namespace veltra

@@ -85,17 +85,17 @@ void boot(Context& context) {
 
 } // namespace
 
-void addPowerCommands(CLI::App& app, Invocation& invocation) {
-    CLI::App& powerCommand = *app.add_subcommand("power", "Switches a supply, as -V does");
+void addPowerCommands(Command app, Invocation& invocation) {
+    const Command powerCommand = app.addCommand("power", "Switches a supply, as -V does");
     const auto wanted = std::make_shared<Power>();
-    powerCommand.add_option("STATE", wanted->state, "on, with -V in front; or off")
-        ->required()
-        ->type_name("")
-        ->check(CLI::IsMember({"on", "off"}));
-    powerCommand.add_flag("--i3c", wanted->i3c, "The I3C bus's supply, not that of the pins");
+    powerCommand.addOption("STATE", wanted->state, "on, with -V in front; or off")
+        .required()
+        .typeName("")
+        .oneOf({"on", "off"});
+    powerCommand.addFlag("--i3c", wanted->i3c, "The I3C bus's supply, not that of the pins");
     onChosen(powerCommand, invocation, [wanted](Context& context) { power(*wanted, context); });
-    onChosen(*app.add_subcommand("safe", "Switches everything off that can be"), invocation, safe);
-    onChosen(*app.add_subcommand("boot", "Sends the adapter into its boot mode"), invocation, boot);
+    onChosen(app.addCommand("safe", "Switches everything off that can be"), invocation, safe);
+    onChosen(app.addCommand("boot", "Sends the adapter into its boot mode"), invocation, boot);
 }
 
 } // namespace veltra

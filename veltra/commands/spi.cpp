@@ -39,19 +39,19 @@ void transfer(const Transfer& wanted, Context& context) {
 
 } // namespace
 
-void addSpiCommands(CLI::App& app, Invocation& invocation) {
-    CLI::App& spi = *app.add_subcommand("spi", "The SPI controller and its four chip selects");
-    spi.require_subcommand(1);
-    CLI::App& command =
-        *spi.add_subcommand("transfer", "Sends bytes and reads, under one chip select");
+void addSpiCommands(Command app, Invocation& invocation) {
+    const Command spi = app.addCommand("spi", "The SPI controller and its four chip selects");
+    spi.requireCommand();
+    const Command command =
+        spi.addCommand("transfer", "Sends bytes and reads, under one chip select");
     const auto wanted = std::make_shared<Transfer>();
     addSpiOptions(command, wanted->settings);
-    command.add_option("BYTES", wanted->words, "Numbers, hex:0011ff, str:text, @file; - is stdin")
-        ->required()
-        ->type_name("");
-    command.add_option("-n,--count", wanted->count, "How many bytes to read behind those sent")
-        ->type_name("COUNT");
-    command.add_flag("--full", wanted->full, "Shows also what came back while sending");
+    command.addOption("BYTES", wanted->words, "Numbers, hex:0011ff, str:text, @file; - is stdin")
+        .required()
+        .typeName("");
+    command.addOption("-n,--count", wanted->count, "How many bytes to read behind those sent")
+        .typeName("COUNT");
+    command.addFlag("--full", wanted->full, "Shows also what came back while sending");
     onChosen(command, invocation, [wanted](Context& context) { transfer(*wanted, context); });
     addFlashCommands(spi, invocation);
 }

@@ -80,9 +80,9 @@ void term(const Wanted& wanted, Context& context) {
 
 using Carry = void (*)(const Wanted&, Context&);
 
-CLI::App& add(CLI::App& uart, Invocation& invocation, const char* name, const char* description,
-              const std::shared_ptr<Wanted>& wanted, Carry carry) {
-    CLI::App& command = *uart.add_subcommand(name, description);
+Command add(Command uart, Invocation& invocation, const char* name, const char* description,
+            const std::shared_ptr<Wanted>& wanted, Carry carry) {
+    const Command command = uart.addCommand(name, description);
     addUartOptions(command, wanted->settings);
     onChosen(command, invocation, [=](Context& context) { carry(*wanted, context); });
     return command;
@@ -90,22 +90,22 @@ CLI::App& add(CLI::App& uart, Invocation& invocation, const char* name, const ch
 
 } // namespace
 
-void addUartCommands(CLI::App& app, Invocation& invocation) {
-    CLI::App& uart = *app.add_subcommand("uart", "The UART");
-    uart.require_subcommand(1);
+void addUartCommands(Command app, Invocation& invocation) {
+    const Command uart = app.addCommand("uart", "The UART");
+    uart.requireCommand();
     const auto toSend = std::make_shared<Wanted>();
     add(uart, invocation, "send", "Sends bytes", toSend, send)
-        .add_option("BYTES", toSend->words, "Numbers, hex:0011ff, str:text, @file; - is stdin")
-        ->required()
-        ->type_name("");
+        .addOption("BYTES", toSend->words, "Numbers, hex:0011ff, str:text, @file; - is stdin")
+        .required()
+        .typeName("");
     const auto toReceive = std::make_shared<Wanted>();
-    CLI::App& receiveCommand =
+    Command receiveCommand =
         add(uart, invocation, "recv", "Shows what comes in", toReceive, receive);
-    receiveCommand.add_option("-n,--count", toReceive->count, "Ends behind so many bytes")
-        ->type_name("N");
+    receiveCommand.addOption("-n,--count", toReceive->count, "Ends behind so many bytes")
+        .typeName("N");
     receiveCommand
-        .add_option("--idle-timeout", toReceive->idleTimeout, "Ends when nothing comes for so long")
-        ->type_name("S");
+        .addOption("--idle-timeout", toReceive->idleTimeout, "Ends when nothing comes for so long")
+        .typeName("S");
     add(uart, invocation, "term", "A terminal; Ctrl+] ends it", std::make_shared<Wanted>(), term);
 }
 

@@ -93,22 +93,22 @@ void watch(const Watch& wanted, Context& context) {
 
 } // namespace
 
-void addWatchCommand(CLI::App& app, Invocation& invocation) {
-    CLI::App& command = *app.add_subcommand("watch", "Shows what the adapter sends by itself");
+void addWatchCommand(Command app, Invocation& invocation) {
+    const Command command = app.addCommand("watch", "Shows what the adapter sends by itself");
     const auto wanted = std::make_shared<Watch>();
     command
-        .add_option("KIND", wanted->kinds,
-                    "ibi, hotjoin, gpio, uart: is enabled and shown; without any all is shown")
-        ->type_name("");
-    command.add_option("-n,--num-events", wanted->count, "Ends behind so many")->type_name("N");
-    command.add_option("--idle-timeout", wanted->idleTimeout, "Ends when none came for so long")
-        ->type_name("S");
-    command.add_flag("--initial-state", wanted->initialState, "Shows the pins' levels first");
+        .addOption("KIND", wanted->kinds,
+                   "ibi, hotjoin, gpio, uart: is enabled and shown; without any all is shown")
+        .typeName("");
+    command.addOption("-n,--num-events", wanted->count, "Ends behind so many").typeName("N");
+    command.addOption("--idle-timeout", wanted->idleTimeout, "Ends when none came for so long")
+        .typeName("S");
+    command.addFlag("--initial-state", wanted->initialState, "Shows the pins' levels first");
     command
-        .add_option("--edge", wanted->edges,
-                    "PIN=rising, falling, both, low or high: while it watches")
-        ->type_name("PIN=EDGE")
-        ->allow_extra_args(false);
+        .addOption("--edge", wanted->edges,
+                   "PIN=rising, falling, both, low or high: while it watches")
+        .typeName("PIN=EDGE")
+        .oneEachTime();
     addUartOptions(command, wanted->uart);
     onChosen(command, invocation, [wanted](Context& context) { watch(*wanted, context); });
 }

@@ -7,11 +7,14 @@
 
 #include <algorithm>
 #include <map>
+#include <optional>
 
 namespace veltra {
 
 namespace {
 
+using command_line::Command;
+using command_line::Option;
 using Words = std::vector<std::string>;
 
 /// What the values of options and operands may be, by their names in the grammar.
@@ -56,61 +59,51 @@ Words ofEachPin(const Words& values) {
 /// Where a line of words leads in the grammar.
 class Walk {
 public:
-    explicit Walk(const CLI::App& grammar) : command(&grammar) {}
+    explicit Walk(Command root) : command(root) {}
 
     void step(const std::string& word) {
-        if (awaiting != nullptr) {
+        if (awaiting) {
             noteDevice(word);
-            awaiting = nullptr;
+            awaiting.reset();
         } else if (word.size() > 1 && word[0] == '-') {
             takeOption(word);
-        } else if (const CLI::App* const next = subcommand(word)) {
-            command = next;
+        } else if (const std::optional<Command> next = subcommand(word)) {
+            command = *next;
             operands = 0;
         } else {
             ++operands;
         }
     }
 
-    [[nodiscard]] const CLI::App& at() const { return *command; }
-    /// The option whose value comes next; null when none awaits one.
-    [[nodiscard]] const CLI::Option* option() const { return awaiting; }
-    /// The operand that comes next; null when none does.
-    [[nodiscard]] const CLI::Option* operand() const {
+    [[nodiscard]] Command at() const { return command; }
+    /// The option whose value comes next, where one awaits it.
+    [[nodiscard]] const std::optional<Option>& option() const { return awaiting; }
+    /// The operand that comes next, where one does.
+    [[nodiscard]] std::optional<Option> operand() const {
         size_t number = 0;
-        for (const CLI::Option* const candidate : command->get_options()) {
-            if (!candidate->get_positional()) {
-                continue;
-            }
-            if (number++ == operands || candidate->get_items_expected_max() > 1) {
+        for (const Option candidate : command.options()) {
+            if (candidate.isOperand() && (number++ == operands || candidate.maxValues() > 1)) {
                 return candidate;
             }
         }
-        return nullptr;
+        return std::nullopt;
     }
     [[nodiscard]] const std::string& device() const { return chosenDevice; }
 
-    static std::string nameOf(const CLI::Option& option) {
-        return option.get_lnames().empty() ? option.get_name(true)
-                                           : "--" + option.get_lnames().front();
-    }
-
 private:
-    [[nodiscard]] const CLI::App* subcommand(const std::string& word) const {
-        for (const CLI::App* const candidate : command->get_subcommands({})) {
-            if (candidate->get_name() == word) {
+    [[nodiscard]] std::optional<Command> subcommand(const std::string& word) const {
+        for (const Command candidate : command.commands()) {
+            if (candidate.name() == word) {
                 return candidate;
             }
         }
-        return nullptr;
+        return std::nullopt;
     }
 
     void takeOption(const std::string& word) {
-        const std::string name = word.substr(0, word.find('='));
-        for (const CLI::App* app = command; app != nullptr; app = app->get_parent()) {
-            for (const CLI::Option* const candidate : app->get_options()) {
-                if (candidate->check_name(name) && candidate->get_items_expected_max() > 0 &&
-                    name == word) {
+        for (std::optional<Command> from = command; from; from = from->parent()) {
+            for (const Option candidate : from->options()) {
+                if (candidate.isCalled(word) && candidate.maxValues() > 0) {
                     awaiting = candidate;
                     return;
                 }
@@ -119,13 +112,13 @@ private:
     }
 
     void noteDevice(const std::string& word) {
-        if (nameOf(*awaiting) == "--device") {
+        if (awaiting->name() == "--device") {
             chosenDevice = word;
         }
     }
 
-    const CLI::App* command;
-    const CLI::Option* awaiting = nullptr;
+    Command command;
+    std::optional<Option> awaiting;
     size_t operands = 0;
     std::string chosenDevice;
 };
@@ -161,20 +154,19 @@ Words valuesOf(const std::string& name, const Walk& walk, const LiveValues& live
     return found == fixedValues().end() ? Words() : found->second;
 }
 
-void appendCommands(Words& words, const CLI::App& app) {
-    for (const CLI::App* const verb : app.get_subcommands({})) {
-        if (!verb->get_group().empty()) {
-            words.push_back(verb->get_name());
+void appendCommands(Words& words, Command command) {
+    for (const Command verb : command.commands()) {
+        if (!verb.isHidden()) {
+            words.push_back(verb.name());
         }
     }
 }
 
-void appendOptions(Words& words, const CLI::App& app) {
-    for (const CLI::App* from = &app; from != nullptr; from = from->get_parent()) {
-        for (const CLI::Option* const option : from->get_options()) {
-            for (const std::string& name : option->get_lnames()) {
-                words.push_back("--" + name);
-            }
+void appendOptions(Words& words, Command command) {
+    for (std::optional<Command> from = command; from; from = from->parent()) {
+        for (const Option option : from->options()) {
+            const Words names = option.longNames();
+            words.insert(words.end(), names.begin(), names.end());
         }
     }
     std::sort(words.begin(), words.end());
@@ -183,22 +175,22 @@ void appendOptions(Words& words, const CLI::App& app) {
 
 } // namespace
 
-std::vector<std::string> complete(const CLI::App& grammar, const std::vector<std::string>& words,
-                                  size_t index, const LiveValues& live) {
-    Walk walk(grammar);
+std::vector<std::string> complete(Command root, const std::vector<std::string>& words, size_t index,
+                                  const LiveValues& live) {
+    Walk walk(root);
     for (size_t at = 1; at < std::min(index, words.size()); ++at) {
         walk.step(words[at]);
     }
     const std::string begun = index < words.size() ? words[index] : "";
     Words candidates;
-    if (walk.option() != nullptr) {
-        candidates = valuesOf(Walk::nameOf(*walk.option()), walk, live);
+    if (walk.option()) {
+        candidates = valuesOf(walk.option()->name(), walk, live);
     } else if (!begun.empty() && begun[0] == '-') {
         appendOptions(candidates, walk.at());
     } else {
         appendCommands(candidates, walk.at());
-        if (const CLI::Option* const operand = walk.operand()) {
-            const Words values = valuesOf(Walk::nameOf(*operand), walk, live);
+        if (const std::optional<Option> operand = walk.operand()) {
+            const Words values = valuesOf(operand->name(), walk, live);
             candidates.insert(candidates.end(), values.begin(), values.end());
         }
     }

@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include "command-line/Grammar.hpp"
 
 #include <functional>
 #include <string>
@@ -18,9 +18,9 @@ struct LiveValues {
     std::function<std::vector<std::string>(const std::string& device)> targets;
 };
 
-/// The words that may stand in the place of `words[index]`, by walking the grammar; `words[0]` is
-/// the program's name.
-std::vector<std::string> complete(const CLI::App& grammar, const std::vector<std::string>& words,
+/// The words that may stand in the place of `words[index]`, by walking the grammar from its root;
+/// `words[0]` is the program's name.
+std::vector<std::string> complete(command_line::Command root, const std::vector<std::string>& words,
                                   size_t index, const LiveValues& live);
 
 } // namespace veltra

@@ -40,7 +40,7 @@ Event describeEvent(const Inbox::Entry& entry) {
     const auto describe = [&](const char* name, const Json& members, const std::string& text) {
         Event event;
         event.object = {{"event", name}, {"time", std::stod(time)}};
-        event.object.update(members);
+        event.object.add(members);
         event.text = time + " " + name + behindBlank(text);
         return event;
     };

@@ -3,7 +3,7 @@
 
 #include "cli/ChildProgram.hpp"
 
-#include <CLI/Error.hpp>
+#include "cli/failure.hpp"
 
 #include <sys/resource.h>
 #include <sys/syscall.h>
@@ -50,8 +50,8 @@ void passSignalsOn(pid_t child) {
     int status = EXIT_FAILURE;
     try {
         start();
-    } catch (const CLI::RuntimeError& failure) {
-        status = failure.get_exit_code();
+    } catch (const ProcessEnd& end) {
+        status = end.exitStatus;
     } catch (const std::exception&) {
     }
     _exit(status);

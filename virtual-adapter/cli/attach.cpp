@@ -13,9 +13,6 @@
 #include "usbip/Server.hpp"
 #include "usbip/Vhci.hpp"
 
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
 #include <array>
 #include <cerrno>
 #include <memory>
@@ -64,12 +61,12 @@ void attach(const AdapterSettings& settings) {
 
 } // namespace
 
-void addAttachCommand(CLI::App& app) {
-    CLI::App& command = *app.add_subcommand(
+void addAttachCommand(command_line::Command app) {
+    const command_line::Command command = app.addCommand(
         "attach", "Plug the adapter into this machine's kernel (needs root and vhci-hcd)");
     const auto settings = std::make_shared<AdapterSettings>();
     addAdapterOptionsOnRealHost(command, *settings);
-    command.callback([settings] {
+    command.onChosen([settings] {
         refuseHostFaults(*settings);
         attach(*settings);
     });

@@ -3,12 +3,12 @@
 
 #pragma once
 
-#include <CLI/App.hpp>
+#include "command-line/Grammar.hpp"
 
 namespace virtual_adapter {
 
 /// Adds `attach`, which plugs the adapter into this machine's kernel until the process is told to
 /// end.
-void addAttachCommand(CLI::App& app);
+void addAttachCommand(command_line::Command app);
 
 } // namespace virtual_adapter

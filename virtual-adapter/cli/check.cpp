@@ -5,9 +5,7 @@
 
 #include "board/BoardTable.hpp"
 #include "cli/boards.hpp"
-
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
+#include "cli/failure.hpp"
 
 #include <iostream>
 #include <memory>
@@ -25,18 +23,18 @@ void check(const std::string& file) {
         std::cout << boardTable(readBoard(file).file.description()) << std::flush;
     } catch (const BoardFileError& error) {
         std::cerr << error.what() << std::endl;
-        throw CLI::RuntimeError(notRight);
+        throw ProcessEnd{notRight};
     }
 }
 
 } // namespace
 
-void addCheckCommand(CLI::App& app) {
-    CLI::App& command =
-        *app.add_subcommand("check", "Say what is wrong with a board's file, or print its buses");
+void addCheckCommand(command_line::Command app) {
+    const command_line::Command command =
+        app.addCommand("check", "Say what is wrong with a board's file, or print its buses");
     const auto file = std::make_shared<std::string>();
-    command.add_option("FILE", *file, "The board's file")->required();
-    command.callback([file] { check(*file); });
+    command.addOption("FILE", *file, "The board's file").required();
+    command.onChosen([file] { check(*file); });
 }
 
 } // namespace virtual_adapter

@@ -3,11 +3,11 @@
 
 #pragma once
 
-#include <CLI/App.hpp>
+#include "command-line/Grammar.hpp"
 
 namespace virtual_adapter {
 
 /// Adds the command that says whether a board's file is right, and what stands on that board.
-void addCheckCommand(CLI::App& app);
+void addCheckCommand(command_line::Command app);
 
 } // namespace virtual_adapter

@@ -3,15 +3,13 @@
 
 #include "cli/failure.hpp"
 
-#include <CLI/Error.hpp>
-
 #include <iostream>
 
 namespace virtual_adapter {
 
 void fail(int exitStatus, const std::string& message) {
     std::cerr << "veltra-virtual-adapter: " + message + "\n" << std::flush;
-    throw CLI::RuntimeError(exitStatus);
+    throw ProcessEnd{exitStatus};
 }
 
 } // namespace virtual_adapter

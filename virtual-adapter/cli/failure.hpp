@@ -12,8 +12,12 @@ constexpr int cannotSetUp = 125;
 constexpr int cannotExecute = 126;
 constexpr int notFound = 127;
 
-/// Prints @p message on the standard error output and throws what ends the process with
-/// @p exitStatus.
+/// Ends the process, when main has it.
+struct ProcessEnd {
+    int exitStatus;
+};
+
+/// Prints @p message on the standard error output and throws a ProcessEnd.
 [[noreturn]] void fail(int exitStatus, const std::string& message);
 
 } // namespace virtual_adapter

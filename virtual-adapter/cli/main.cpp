@@ -9,8 +9,6 @@
 #include "cli/serve.hpp"
 #include "cli/tell.hpp"
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -39,29 +37,25 @@ bool contains(const std::vector<std::string>& words, const std::string& word) {
     return std::find(words.begin(), words.end(), word) != words.end();
 }
 
-std::vector<std::string> namesOfCommands(const CLI::App& app) {
-    std::vector<std::string> names;
-    for (const CLI::App* const command : app.get_subcommands({})) {
-        names.push_back(command->get_name());
-    }
-    return names;
-}
-
 /// What the parser's own message leaves out about a word at the command's place; empty where it
 /// leaves nothing out.
-std::string complaintAboutCommand(const CLI::App& app, char** argv, char** end) {
-    const std::vector<std::string> commands = namesOfCommands(app);
-    if (end - argv < 2 || contains(commands, argv[1]) || !contains(app.remaining(), argv[1])) {
+std::string complaintAboutCommand(command_line::Command root, char** argv, char** end) {
+    std::vector<std::string> names;
+    std::string list;
+    for (const command_line::Command command : root.commands()) {
+        names.push_back(command.name());
+        list += (list.empty() ? "" : ", ") + command.name();
+    }
+    if (end - argv < 2 || contains(names, argv[1]) || !contains(root.remaining(), argv[1])) {
         return {};
     }
-    return "'" + std::string(argv[1]) +
-           "' is none of its commands: " + CLI::detail::join(commands, ", ") +
+    return "'" + std::string(argv[1]) + "' is none of its commands: " + list +
            "; --help says what they do";
 }
 
 /// What to type in place of `run [OPTIONS] PROGRAM`; empty without such a program.
-std::string complaintAboutSeparator(const CLI::App& app, char** argv, char** end) {
-    const std::vector<std::string> unknown = app.remaining(true);
+std::string complaintAboutSeparator(command_line::Command root, char** argv, char** end) {
+    const std::vector<std::string> unknown = root.remaining();
     char** const program = std::find_if(argv, end, [&](const std::string& argument) {
         return argument.rfind('-', 0) != 0 && contains(unknown, argument);
     });
@@ -83,33 +77,42 @@ int runCommandLine(int argc, char** argv) {
     char** const separator = runs ? std::find(argv, end, std::string("--")) : end;
     const std::vector<std::string> program(std::min(separator + 1, end), end);
 
-    CLI::App app("A stand-in for the adapter: programs run, and are tested, without hardware",
-                 "veltra-virtual-adapter");
-    app.set_version_flag("--version", VELTRASDK_VERSION);
-    app.require_subcommand(1);
-    virtual_adapter::addRunCommand(app, program);
-    virtual_adapter::addServeCommand(app);
-    virtual_adapter::addAttachCommand(app);
-    virtual_adapter::addCheckCommand(app);
-    virtual_adapter::addTellCommand(app);
-    virtual_adapter::addReplayCommand(app, program);
+    const command_line::Grammar grammar(
+        "A stand-in for the adapter: programs run, and are tested, without hardware",
+        "veltra-virtual-adapter");
+    const command_line::Command root = grammar.root();
+    root.setVersion(VELTRASDK_VERSION);
+    root.requireCommand();
+    virtual_adapter::addRunCommand(root, program);
+    virtual_adapter::addServeCommand(root);
+    virtual_adapter::addAttachCommand(root);
+    virtual_adapter::addCheckCommand(root);
+    virtual_adapter::addTellCommand(root);
+    virtual_adapter::addReplayCommand(root, program);
 
+    const auto complaint = [&] {
+        return runs && separator == end ? complaintAboutSeparator(root, argv, end)
+                                        : complaintAboutCommand(root, argv, end);
+    };
     try {
-        app.parse(static_cast<int>(separator - argv), argv);
-    } catch (const CLI::RuntimeError& failure) {
-        return failure.get_exit_code();
-    } catch (const CLI::ParseError& error) {
-        const std::string complaint = runs && separator == end
-                                          ? complaintAboutSeparator(app, argv, end)
-                                          : complaintAboutCommand(app, argv, end);
-        if (!complaint.empty()) {
-            (void)std::fprintf(stderr, "veltra-virtual-adapter: %s\n", complaint.c_str());
+        grammar.parse({std::min(argv + 1, separator), separator});
+        return 0;
+    } catch (const virtual_adapter::ProcessEnd& asToldBefore) {
+        return asToldBefore.exitStatus;
+    } catch (const command_line::Asked& asked) {
+        if (complaint().empty()) {
+            (void)std::fputs(asked.what(), stdout);
+            return 0;
+        }
+    } catch (const command_line::Refusal& refusal) {
+        if (complaint().empty()) {
+            (void)std::fprintf(stderr, "%s\nRun with --help for more information.\n",
+                               refusal.what());
             return refusedCommandLine;
         }
-        // Asking for help or the version ends the parsing too, with success.
-        return app.exit(error) == 0 ? 0 : refusedCommandLine;
     }
-    return 0;
+    (void)std::fprintf(stderr, "veltra-virtual-adapter: %s\n", complaint().c_str());
+    return refusedCommandLine;
 }
 
 } // namespace

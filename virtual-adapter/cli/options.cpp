@@ -5,8 +5,6 @@
 
 #include "cli/boards.hpp"
 
-#include <CLI/Error.hpp>
-
 #include <algorithm>
 #include <stdexcept>
 
@@ -28,7 +26,7 @@ void readSetting(const SettingText& setting, const std::string& option, AdapterS
     try {
         setting.read(settings, text);
     } catch (const std::invalid_argument& error) {
-        throw CLI::ValidationError(option, error.what());
+        throw command_line::Refusal(option, error.what());
     }
 }
 
@@ -37,7 +35,7 @@ void readBoardOption(const std::string& option, AdapterSettings& settings,
     try {
         putOnBoard(settings, path);
     } catch (const BoardFileError& error) {
-        throw CLI::ValidationError(option, std::string("\n") + error.what());
+        throw command_line::Refusal(option, std::string("\n") + error.what());
     }
 }
 
@@ -58,7 +56,7 @@ std::vector<AdapterSettings> AdapterChoice::all() const {
     return each;
 }
 
-void addAdapterOptions(CLI::App& command, AdapterSettings& settings) {
+void addAdapterOptions(command_line::Command command, AdapterSettings& settings) {
     for (const SettingText& setting : settingTexts()) {
         const auto read = [&setting, &settings](const std::string& text) {
             readSetting(setting, setting.option, settings, text);
@@ -66,33 +64,28 @@ void addAdapterOptions(CLI::App& command, AdapterSettings& settings) {
         const auto readEach = [read](const std::vector<std::string>& texts) {
             std::for_each(texts.begin(), texts.end(), read);
         };
-        CLI::Option* const option =
-            setting.repeats
-                ? command.add_option_function<std::vector<std::string>>(setting.option, readEach,
-                                                                        setting.help)
-                : command.add_option_function<std::string>(setting.option, read, setting.help);
-        option->type_name(setting.placeholder)
-            ->default_str(setting.write(settings))
-            ->allow_extra_args(false);
+        const command_line::Option option =
+            setting.repeats ? command.addOption(setting.option, readEach, setting.help)
+                            : command.addOption(setting.option, read, setting.help);
+        option.typeName(setting.placeholder).defaultText(setting.write(settings)).oneEachTime();
     }
     command
-        .add_option_function<std::string>(
+        .addOption(
             "--board",
             [&settings](const std::string& path) { readBoardOption("--board", settings, path); },
             "What stands on the buses, described in this file; else the factory board")
-        ->type_name("FILE");
+        .typeName("FILE");
 }
 
-void addAdapterOptions(CLI::App& command, AdapterChoice& choice) {
+void addAdapterOptions(command_line::Command command, AdapterChoice& choice) {
     addAdapterOptions(command, choice.settings);
     command
-        .add_option("--adapter", choice.serialNumbers,
-                    "Several adapters side by side: one of this serial number each time, with a "
-                    "board of its own after '='")
-        ->type_name("SERIAL[=FILE]")
-        ->expected(1)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
-        ->excludes("--serial");
+        .addOption("--adapter", choice.serialNumbers,
+                   "Several adapters side by side: one of this serial number each time, with a "
+                   "board of its own after '='")
+        .typeName("SERIAL[=FILE]")
+        .repeatable()
+        .excludes("--serial");
 }
 
 void refuseHostFaults(const AdapterSettings& settings) {
@@ -101,14 +94,14 @@ void refuseHostFaults(const AdapterSettings& settings) {
             return spanOf(fault.kind) == FaultSpan::FromTheStart;
         });
     if (hasOne) {
-        throw CLI::ValidationError(
+        throw command_line::Refusal(
             "--fault", "this one is the host's; only 'run' and 'serve --socket' have it");
     }
 }
 
-void addAdapterOptionsOnRealHost(CLI::App& command, AdapterSettings& settings) {
+void addAdapterOptionsOnRealHost(command_line::Command command, AdapterSettings& settings) {
     addAdapterOptions(command, settings);
-    command.get_option("--fault")->description(faultHelp(FaultsOf::Adapter));
+    command.option("--fault").help(faultHelp(FaultsOf::Adapter));
 }
 
 } // namespace virtual_adapter

@@ -3,9 +3,8 @@
 
 #pragma once
 
+#include "command-line/Grammar.hpp"
 #include "device/AdapterSettings.hpp"
-
-#include <CLI/App.hpp>
 
 #include <string>
 #include <vector>
@@ -23,16 +22,16 @@ struct AdapterChoice {
 };
 
 /// Gives @p command the options that choose an adapter; parsing fills @p settings.
-void addAdapterOptions(CLI::App& command, AdapterSettings& settings);
+void addAdapterOptions(command_line::Command command, AdapterSettings& settings);
 
 /// The same where several may stand side by side.
-void addAdapterOptions(CLI::App& command, AdapterChoice& choice);
+void addAdapterOptions(command_line::Command command, AdapterChoice& choice);
 
-/// Throws CLI::ValidationError for a fault that only a host has, where a real one carries the
+/// Throws a Refusal for a fault that only a host has, where a real one carries the
 /// adapter's reports.
 void refuseHostFaults(const AdapterSettings& settings);
 
 /// The same where a real host carries the adapter's reports, which has faults of its own.
-void addAdapterOptionsOnRealHost(CLI::App& command, AdapterSettings& settings);
+void addAdapterOptionsOnRealHost(command_line::Command command, AdapterSettings& settings);
 
 } // namespace virtual_adapter

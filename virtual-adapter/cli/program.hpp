@@ -16,7 +16,7 @@ constexpr const char* socketVariable = "VELTRA_VIRTUAL_ADAPTER_SOCKET";
 std::string findPreloadLibrary();
 
 /// Replaces this process by @p program, with @p library in front of its hidapi and the adapters at
-/// @p socket. Throws CLI::RuntimeError where that fails, after a message.
+/// @p socket. Throws a ProcessEnd where that fails, after a message.
 [[noreturn]] void startProgram(std::vector<std::string> program, const std::string& library,
                                const std::string& socket);
 

@@ -10,9 +10,6 @@
 #include "ways/SocketPlace.hpp"
 #include "ways/SocketServer.hpp"
 
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
 #include <csignal>
 #include <fstream>
 #include <iostream>
@@ -92,19 +89,19 @@ int replay(const std::string& path, const std::vector<std::string>& program) {
 
 } // namespace
 
-void addReplayCommand(CLI::App& app, const std::vector<std::string>& program) {
-    CLI::App& command = *app.add_subcommand(
+void addReplayCommand(command_line::Command app, const std::vector<std::string>& program) {
+    const command_line::Command command = app.addCommand(
         "replay", "Start a program with an adapter that answers as a captured one did");
-    command.footer("The program and its arguments come last, behind --:\n"
-                   "  veltra-virtual-adapter replay bench.pcapng -- ./my-program its arguments");
+    command.setFooter("The program and its arguments come last, behind --:\n"
+                      "  veltra-virtual-adapter replay bench.pcapng -- ./my-program its arguments");
     const auto file = std::make_shared<std::string>();
-    command.add_option("FILE", *file, "A capture of 'veltra capture' or of usbmon, in pcapng")
-        ->required();
-    command.callback([file, program] {
+    command.addOption("FILE", *file, "A capture of 'veltra capture' or of usbmon, in pcapng")
+        .required();
+    command.onChosen([file, program] {
         if (program.empty()) {
-            throw CLI::RequiredError("-- PROGRAM");
+            throw command_line::Refusal("-- PROGRAM is required");
         }
-        throw CLI::RuntimeError(replay(*file, program));
+        throw ProcessEnd{replay(*file, program)};
     });
 }
 

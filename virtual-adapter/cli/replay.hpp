@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include <CLI/App.hpp>
+#include "command-line/Grammar.hpp"
 
 #include <string>
 #include <vector>
@@ -11,6 +11,6 @@
 namespace virtual_adapter {
 
 /// Adds the command that starts @p program with an adapter that answers from a capture.
-void addReplayCommand(CLI::App& app, const std::vector<std::string>& program);
+void addReplayCommand(command_line::Command app, const std::vector<std::string>& program);
 
 } // namespace virtual_adapter

@@ -51,24 +51,22 @@ std::string newSocket(const AdapterChoice& adapters) {
 
 } // namespace
 
-void addRunCommand(CLI::App& app, const std::vector<std::string>& program) {
-    CLI::App& command = *app.add_subcommand("run", "Start a program that finds the adapter through "
-                                                   "hidapi: no root, no kernel, no hardware");
-    command.footer("The program and its arguments come last, behind --:\n"
-                   "  veltra-virtual-adapter run --model high-speed -- ./my-program its arguments");
+void addRunCommand(command_line::Command app, const std::vector<std::string>& program) {
+    const command_line::Command command =
+        app.addCommand("run", "Start a program that finds the adapter through "
+                              "hidapi: no root, no kernel, no hardware");
+    command.setFooter(
+        "The program and its arguments come last, behind --:\n"
+        "  veltra-virtual-adapter run --model high-speed -- ./my-program its arguments");
     const auto options = std::make_shared<RunOptions>();
     addAdapterOptions(command, options->adapters);
-    CLI::Option* const join = command.add_option(
-        "--join", options->joined, "Use the adapter that 'serve' keeps at this socket");
-    join->type_name("PATH");
-    for (CLI::Option* const option : command.get_options()) {
-        if (option != join && option != command.get_help_ptr()) {
-            join->excludes(option);
-        }
-    }
-    command.callback([options, program] {
+    command.excludeOthers(command
+                              .addOption("--join", options->joined,
+                                         "Use the adapter that 'serve' keeps at this socket")
+                              .typeName("PATH"));
+    command.onChosen([options, program] {
         if (program.empty()) {
-            throw CLI::RequiredError("-- PROGRAM");
+            throw command_line::Refusal("-- PROGRAM is required");
         }
         const std::string library = findPreloadLibrary();
         const std::string socket =

@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include <CLI/App.hpp>
+#include "command-line/Grammar.hpp"
 
 #include <string>
 #include <vector>
@@ -11,6 +11,6 @@
 namespace virtual_adapter {
 
 /// Adds `run`, which replaces this process by @p program with the adapter in front of its hidapi.
-void addRunCommand(CLI::App& app, const std::vector<std::string>& program);
+void addRunCommand(command_line::Command app, const std::vector<std::string>& program);
 
 } // namespace virtual_adapter

@@ -14,9 +14,6 @@
 #include "usbip/Protocol.hpp"
 #include "usbip/Server.hpp"
 
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
 #include <charconv>
 #include <cstdint>
 #include <iostream>
@@ -56,7 +53,7 @@ void serveOverUsbIp(const ServeOptions& options) {
     const AdapterSettings& settings = options.adapters.settings;
     refuseHostFaults(settings);
     if (!options.adapters.serialNumbers.empty()) {
-        throw CLI::ValidationError("--adapter", "several stand at a socket only: --socket PATH");
+        throw command_line::Refusal("--adapter", "several stand at a socket only: --socket PATH");
     }
     const usbip::FileDescriptor stop = terminationSignals();
     usbip::FileDescriptor listener = usbip::listeningSocket(options.address, options.port);
@@ -79,8 +76,8 @@ uint16_t readPort(const std::string& text) {
     const char* const end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, port);
     if (error != std::errc() || stop != end) {
-        throw CLI::ValidationError("--port", "expected a TCP port from 1 to 65535, or 0 for any "
-                                             "free one");
+        throw command_line::Refusal("--port", "expected a TCP port from 1 to 65535, or 0 for any "
+                                              "free one");
     }
     return port;
 }
@@ -94,29 +91,28 @@ std::string complaintAboutAddress(const std::string& text) {
 
 } // namespace
 
-void addServeCommand(CLI::App& app) {
-    CLI::App& command = *app.add_subcommand(
+void addServeCommand(command_line::Command app) {
+    const command_line::Command command = app.addCommand(
         "serve",
         "Keep an adapter: at a socket for 'run --join', or over USB/IP for 'usbip attach'");
     const auto options = std::make_shared<ServeOptions>();
     addAdapterOptions(command, options->adapters);
-    CLI::Option* const socket =
-        command
-            .add_option("--socket", options->socket, "Listen at this path for programs that join")
-            ->type_name("PATH");
-    command.add_option("--address", options->address, "Listen on this numeric address for USB/IP")
-        ->check(complaintAboutAddress)
-        ->capture_default_str()
-        ->excludes(socket);
+    const command_line::Option socket =
+        command.addOption("--socket", options->socket, "Listen at this path for programs that join")
+            .typeName("PATH");
+    command.addOption("--address", options->address, "Listen on this numeric address for USB/IP")
+        .check(complaintAboutAddress)
+        .defaultText(options->address)
+        .excludes(socket);
     command
-        .add_option_function<std::string>(
+        .addOption(
             "--port", [options](const std::string& text) { options->port = readPort(text); },
             "Listen on this TCP port for USB/IP; 0 finds a free one")
-        ->type_name("UINT")
-        ->default_str(std::to_string(options->port))
-        ->excludes(socket);
-    command.callback([options, socket] {
-        if (socket->empty()) {
+        .typeName("UINT")
+        .defaultText(std::to_string(options->port))
+        .excludes(socket);
+    command.onChosen([options, socket] {
+        if (!socket.wasGiven()) {
             serveOverUsbIp(*options);
         } else {
             serveAtSocket(*options);

@@ -3,11 +3,11 @@
 
 #pragma once
 
-#include <CLI/App.hpp>
+#include "command-line/Grammar.hpp"
 
 namespace virtual_adapter {
 
 /// Adds `serve`, which exports the adapter over USB/IP until the process is told to end.
-void addServeCommand(CLI::App& app);
+void addServeCommand(command_line::Command app);
 
 } // namespace virtual_adapter

@@ -84,16 +84,17 @@ std::string stimulusHelp() {
 
 } // namespace
 
-void addTellCommand(CLI::App& app) {
-    CLI::App& command = *app.add_subcommand("tell", "Let something happen to an adapter that runs");
+void addTellCommand(command_line::Command app) {
+    const command_line::Command command =
+        app.addCommand("tell", "Let something happen to an adapter that runs");
     const auto options = std::make_shared<TellOptions>();
-    command.add_option("--socket", options->socket, "The adapter's socket")->type_name("PATH");
+    command.addOption("--socket", options->socket, "The adapter's socket").typeName("PATH");
     command
-        .add_option("--serial", options->serialNumber,
-                    "Which adapter, where several stand at the socket")
-        ->type_name("TEXT");
-    command.add_option("STIMULUS", options->words, stimulusHelp())->required()->type_name("");
-    command.callback([options] { tell(*options); });
+        .addOption("--serial", options->serialNumber,
+                   "Which adapter, where several stand at the socket")
+        .typeName("TEXT");
+    command.addOption("STIMULUS", options->words, stimulusHelp()).required().typeName("");
+    command.onChosen([options] { tell(*options); });
 }
 
 } // namespace virtual_adapter

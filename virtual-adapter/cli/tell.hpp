@@ -3,11 +3,11 @@
 
 #pragma once
 
-#include <CLI/App.hpp>
+#include "command-line/Grammar.hpp"
 
 namespace virtual_adapter {
 
 /// Adds `tell`, which lets something happen to an adapter that runs.
-void addTellCommand(CLI::App& app);
+void addTellCommand(command_line::Command app);
 
 } // namespace virtual_adapter
