@@ -70,6 +70,8 @@ def run_tests(source, directory, environment):
     """Returns pytest's closing line, without the time."""
     (directory / "block_test.py").write_text(source)
     environment |= {"VELTRA_VIRTUAL_ADAPTER": virtual_adapter, "PYTEST_DISABLE_PLUGIN_AUTOLOAD": "1"}
+    # A library that a sanitizer watches needs its runtime in front of everything in the interpreter.
+    environment["LD_PRELOAD"] = os.environ["SANITIZER_RUNTIME"]
     command = [SYSTEM_PYTHON, "-m", "pytest", "-q", "-p", "veltrasdk.pytest_plugin", "-p", "no:cacheprovider", "."]
     printed = subprocess.run(
         command, cwd=directory, env=environment, timeout=120, stdout=subprocess.PIPE, text=True, check=False
