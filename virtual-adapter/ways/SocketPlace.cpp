@@ -20,8 +20,6 @@ namespace virtual_adapter {
 
 namespace {
 
-constexpr const char* socketName = "adapter";
-
 sockaddr_un addressOf(const std::string& path) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
@@ -85,27 +83,24 @@ usbip::FileDescriptor listenAt(const std::string& path) {
 
 } // namespace
 
-SocketPlace::SocketPlace(std::string path, std::string itsDirectory)
-    : socketPath(std::move(path)),
-      directory(std::move(itsDirectory)),
+SocketPlace::SocketPlace(std::string path, std::optional<SocketDirectory> itsDirectory)
+    : directory(std::move(itsDirectory)),
+      socketPath(std::move(path)),
       listener(listenAt(socketPath)) {}
 
 SocketPlace::SocketPlace(SocketPlace&& other) noexcept
-    : socketPath(std::exchange(other.socketPath, {})),
-      directory(std::exchange(other.directory, {})),
+    : directory(std::move(other.directory)),
+      socketPath(std::exchange(other.socketPath, {})),
       listener(std::move(other.listener)) {}
 
 SocketPlace::~SocketPlace() {
     if (!socketPath.empty()) {
         unlink(socketPath.c_str());
     }
-    if (!directory.empty()) {
-        rmdir(directory.c_str());
-    }
 }
 
 SocketPlace SocketPlace::at(const std::string& path) {
-    return {std::filesystem::absolute(path).lexically_normal(), ""};
+    return {std::filesystem::absolute(path).lexically_normal(), std::nullopt};
 }
 
 SocketPlace SocketPlace::inDirectoryOfItsOwn() {
@@ -117,15 +112,11 @@ SocketPlace SocketPlace::inDirectoryOfItsOwn() {
     places.emplace_back("/tmp");
     std::string complaints;
     for (const std::string& place : places) {
-        std::string own = place + "/veltra-virtual-adapter-XXXXXX";
-        if (mkdtemp(own.data()) == nullptr) {
-            complaints += (complaints.empty() ? "" : ", ") + place + ": " + std::strerror(errno);
-            continue;
-        }
         try {
-            return {own + "/" + socketName, own};
+            SocketDirectory own = SocketDirectory::below(place);
+            const std::string path = own.socketPath();
+            return {path, std::move(own)};
         } catch (const std::runtime_error& error) {
-            rmdir(own.c_str());
             complaints += (complaints.empty() ? "" : ", ") + std::string(error.what());
         }
     }

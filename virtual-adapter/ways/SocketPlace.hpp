@@ -4,7 +4,9 @@
 #pragma once
 
 #include "usbip/FileDescriptor.hpp"
+#include "ways/SocketDirectory.hpp"
 
+#include <optional>
 #include <string>
 
 namespace virtual_adapter {
@@ -31,11 +33,11 @@ public:
     usbip::FileDescriptor takeListener() { return std::move(listener); }
 
 private:
-    SocketPlace(std::string path, std::string itsDirectory);
+    SocketPlace(std::string path, std::optional<SocketDirectory> itsDirectory);
 
+    /// Nothing where somebody else has made it. Removed behind the socket.
+    std::optional<SocketDirectory> directory;
     std::string socketPath;
-    /// Empty for one that somebody else has made.
-    std::string directory;
     usbip::FileDescriptor listener;
 };
 

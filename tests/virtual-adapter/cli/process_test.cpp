@@ -156,6 +156,38 @@ TEST_F(RunProcess, ADaemonThatHasClosedEveryDescriptorFindsTheAdapter) {
     EXPECT_TRUE(leavesNothing(adapter));
 }
 
+TEST_F(RunProcess, AKilledAdapterIsUnpluggedAndSweptUpByTheNextStart) {
+    BackgroundProcess program =
+        probe({openIt, "wait " + signal, writeIt, readNow, "list", "close", "exit"});
+    const std::string path = withoutLineEnd(program.nextLine());
+    const pid_t adapter = adapterAt(path);
+    const WatchedProcess watched(adapter);
+    EXPECT_EQ(program.nextLine(), "open: ok\n");
+    kill(adapter, SIGKILL);
+    ASSERT_TRUE(watched.hasEnded());
+    giveSignal();
+    EXPECT_EQ(program.nextLine(), "write: -1\n");
+    EXPECT_EQ(program.nextLine(), "read: -1\n");
+    EXPECT_EQ(program.nextLine(), "list: nothing\n");
+    EXPECT_EQ(program.nextLine(), "exit: 0\n");
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_TRUE(fs::exists(path));
+    EXPECT_EQ(run({}, {"true"}).status, 0);
+    EXPECT_FALSE(fs::exists(fs::path(path).parent_path()));
+}
+
+TEST_F(RunProcess, AStoppedAdapterAnswersWhenItGoesOn) {
+    BackgroundProcess program = probe({openIt, "wait " + signal, writeIt, readNow, "close"});
+    const pid_t adapter = adapterAt(withoutLineEnd(program.nextLine()));
+    EXPECT_EQ(program.nextLine(), "open: ok\n");
+    kill(adapter, SIGSTOP);
+    giveSignal();
+    kill(adapter, SIGCONT);
+    EXPECT_EQ(program.nextLine(), "write: 8\n");
+    EXPECT_EQ(program.nextLine(), response);
+    EXPECT_EQ(program.wait(), 0);
+}
+
 TEST_F(RunProcess, TwoHundredShortProcessesUseOneAdapter) {
     const ProcessResult result =
         run({}, {"sh", "-c",

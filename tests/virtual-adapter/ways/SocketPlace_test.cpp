@@ -63,6 +63,39 @@ TEST(SocketPlace, ADirectoryThatASocketsPathCannotHoldIsPassedOver) {
     unsetenv("XDG_RUNTIME_DIR");
 }
 
+TEST(SocketPlace, WhatAKilledAdapterHasLeftBehindGoesWithTheNextStart) {
+    const TemporaryDirectory own;
+    setenv("XDG_RUNTIME_DIR", own.path().c_str(), 1);
+    const fs::path left = own.path() / "veltra-virtual-adapter-abcdef";
+    const fs::path kept = own.path() / "veltra-virtual-adapter-ghijkl";
+    const fs::path others = own.path() / "veltra-captures";
+    for (const fs::path& each : {left, kept, others}) {
+        fs::create_directory(each);
+    }
+    std::ofstream(left / "adapter");
+    std::ofstream(kept / "notes") << "mine";
+    const SocketPlace living = SocketPlace::inDirectoryOfItsOwn();
+    EXPECT_FALSE(fs::exists(left));
+    EXPECT_TRUE(fs::exists(kept / "notes"));
+    EXPECT_TRUE(fs::exists(others));
+    const SocketPlace next = SocketPlace::inDirectoryOfItsOwn();
+    EXPECT_TRUE(fs::exists(living.path())) << "its adapter lives";
+    unsetenv("XDG_RUNTIME_DIR");
+}
+
+TEST(SocketPlace, WhatIsNoDirectoryIsLeftAlone) {
+    const TemporaryDirectory own;
+    const TemporaryDirectory elsewhere;
+    setenv("XDG_RUNTIME_DIR", own.path().c_str(), 1);
+    std::ofstream(elsewhere.path() / "adapter") << "mine";
+    const fs::path link = own.path() / "veltra-virtual-adapter-abcdef";
+    fs::create_directory_symlink(elsewhere.path(), link);
+    const SocketPlace place = SocketPlace::inDirectoryOfItsOwn();
+    EXPECT_TRUE(fs::exists(elsewhere.path() / "adapter"));
+    EXPECT_TRUE(fs::exists(link));
+    unsetenv("XDG_RUNTIME_DIR");
+}
+
 TEST(SocketPlace, APathThatCannotBeIsExplained) {
     const TemporaryDirectory own;
     EXPECT_THAT(complaintAbout(own.path() / "a:b"), HasSubstr("cannot hold a colon"));
