@@ -6,8 +6,8 @@
 #include "board/FactoryBoard.hpp"
 #include "board/file/ImageKeeper.hpp"
 #include "board/file/SettingReader.hpp"
-#include "board/file/nesting.hpp"
 #include "board/file/readFile.hpp"
+#include "board/file/unparsable.hpp"
 #include "board/program/ProgramParts.hpp"
 #include "board/program/findProgram.hpp"
 
@@ -281,8 +281,8 @@ BoardFile::BoardFile(const std::filesystem::path& file, const std::string& text)
 
 void BoardFile::read(const std::string& text) {
     Problems problems(path.string());
-    if (const std::optional<size_t> line = lineOfDeepNesting(text)) {
-        problems.fail(*line, "this nests deeper than a board does");
+    if (const std::optional<Unparsable> found = findUnparsable(text)) {
+        problems.fail(found->line, found->why);
     }
     try {
         const toml::table root = toml::parse(text);

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The libveltrasdk authors
 // SPDX-License-Identifier: MIT
 
-#include "board/file/nesting.hpp"
+#include "board/file/unparsable.hpp"
 
 #include <algorithm>
 
@@ -31,9 +31,32 @@ size_t lengthOfString(std::string_view text) {
     return text.size();
 }
 
+bool isBeyondAscii(char byte) {
+    return static_cast<unsigned char>(byte) >= 0x80;
+}
+
+/// Whether a letter beyond ASCII stands where the parser looks for the end of white space: behind a
+/// backslash at the end of a line.
+bool continuesBeyondAscii(std::string_view string) {
+    if (string.substr(0, 3) != "\"\"\"") {
+        return false;
+    }
+    for (size_t i = string.find('\\'); i < string.size(); i = string.find('\\', i + 2)) {
+        const size_t next = string.find_first_not_of(" \t\r\n", i + 1);
+        if (next < string.size() && isBeyondAscii(string[next])) {
+            return true;
+        }
+    }
+    return false;
+}
+
 } // namespace
 
-std::optional<size_t> lineOfDeepNesting(std::string_view text) {
+std::optional<Unparsable> findUnparsable(std::string_view text) {
+    const std::string_view byteOrderMark = "\xEF\xBB\xBF";
+    if (text.substr(0, byteOrderMark.size()) == byteOrderMark) {
+        text.remove_prefix(byteOrderMark.size());
+    }
     size_t line = 1;
     size_t brackets = 0;
     size_t dots = 0;
@@ -43,6 +66,10 @@ std::optional<size_t> lineOfDeepNesting(std::string_view text) {
         case '"':
         case '\'':
             length = lengthOfString(text.substr(i));
+            if (continuesBeyondAscii(text.substr(i, length))) {
+                return Unparsable{line,
+                                  "a text does not go on behind a backslash with this letter"};
+            }
             break;
         case '#':
             length = std::min(text.find('\n', i), text.size()) - i;
@@ -65,10 +92,13 @@ std::optional<size_t> lineOfDeepNesting(std::string_view text) {
             dots = 0;
             break;
         default:
+            if (isBeyondAscii(text[i])) {
+                return Unparsable{line, "letters beyond ASCII stand in texts and comments only"};
+            }
             break;
         }
         if (brackets > maxBrackets || dots > maxDots) {
-            return line;
+            return Unparsable{line, "this nests deeper than a board does"};
         }
         const std::string_view passed = text.substr(i, length);
         line += static_cast<size_t>(std::count(passed.begin(), passed.end(), '\n'));
