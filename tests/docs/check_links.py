@@ -4,7 +4,7 @@
 """Checks that no link leads nowhere: check_links.py (markdown ROOT FILE.md... | html DIRECTORY)
 
 In Markdown every relative link leads to a file below ROOT, and its #anchor to a heading there. In the
-built reference every local href and src leads to a file, and its #anchor to an element there. Links
+built site every local href and src leads to a file, and its #anchor to an element there. Links
 to other hosts are not followed.
 """
 
@@ -60,7 +60,8 @@ def links_and_anchors(file):
 
 
 def leads_somewhere(link, file, root):
-    path, anchor = urllib.parse.urldefrag(urllib.parse.unquote(link))
+    # A query is for the browser's cache.
+    path, anchor = (urllib.parse.unquote(part) for part in urllib.parse.urlsplit(link)[2::2])
     target = (file.parent / path).resolve() if path else file
     if not target.exists() or root not in (target, *target.parents):
         return False
