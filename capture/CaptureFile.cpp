@@ -3,35 +3,19 @@
 
 #include "capture/CaptureFile.hpp"
 
+#include "guest/outOfTheWay.hpp"
+
 #include <cerrno>
 #include <csignal>
 #include <ctime>
 #include <fcntl.h>
 #include <initializer_list>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace capture {
 
 namespace {
-
-constexpr rlim_t highestUsual = 1024;
-constexpr rlim_t keptBelowLimit = 64;
-
-int movedUp(int descriptor) {
-    rlimit limit{};
-    if (getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur <= 2 * keptBelowLimit) {
-        return descriptor;
-    }
-    const rlim_t usable = limit.rlim_cur < highestUsual ? limit.rlim_cur : highestUsual;
-    const int moved = fcntl(descriptor, F_DUPFD_CLOEXEC, static_cast<int>(usable - keptBelowLimit));
-    if (moved < 0) {
-        return descriptor;
-    }
-    close(descriptor);
-    return moved;
-}
 
 /// Keeps from the program what a failed write raises: SIGPIPE of a reader that has gone, SIGXFSZ of
 /// a file that may not grow.
@@ -75,7 +59,7 @@ int CaptureFile::open(const char* path) {
     if (opened < 0 || fstat(opened, &status) != 0) {
         return errno;
     }
-    descriptor = movedUp(opened);
+    descriptor = guest::outOfTheWay(opened);
     device = status.st_dev;
     inode = status.st_ino;
     return 0;

@@ -34,6 +34,7 @@ FLOORS = {
     "preload": ("hidapi.h",),
     "usbip": (),
     "capture": (),
+    "guest": (),
     # The public headers, which are the only way in for a program.
     "veltra": (),
 }
@@ -81,10 +82,11 @@ ROOMS = {
     "device": ("bytes/", "model/Adapter.hpp", "model/AdapterVariant.hpp", "board/", "faults/", "stimuli/"),
     "replay": ("bytes/", "device/", "model/Frame.hpp", "capture/"),
     "usbip": ("bytes/",),
-    "socket": ("bytes/",),
+    "guest": (),
+    "socket": ("bytes/", "guest/"),
     "ways": ("bytes/", "device/", "socket/", "usbip/"),
     "preload": ("bytes/", "socket/", "capture/"),
-    "capture": ("bytes/",),
+    "capture": ("bytes/", "guest/"),
     "command-line": (),
     "cli": (
         "board/BoardTable.hpp", "board/file/", "command-line/", "device/", "faults/", "replay/", "socket/",
@@ -139,7 +141,7 @@ def check_rooms(root):
     complaints = []
     watched = 0
     entered = {room.split("/")[0] for room in ROOMS}
-    for house, directory in (("virtual-adapter", ""), ("", "capture"), ("", "command-line"), ("", "preload"), ("", "usbip")):
+    for house, directory in (("virtual-adapter", ""), ("", "capture"), ("", "guest"), ("", "command-line"), ("", "preload"), ("", "usbip")):
         for path, number, included in includes(root / house / directory):
             room = room_of(path.relative_to(root / house).as_posix())
             if room is None or included.split("/")[0] not in entered:

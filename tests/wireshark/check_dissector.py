@@ -6,7 +6,8 @@
 fields PROTOCOL_FRAMES      what the library sends and reads, which the protocol page is checked against
                             too, is shown with the same fields, values and order
 values INCLUDE_DIRECTORY    values, commands and statuses have the names that the headers give them
-golden CONVERSATION JSON    a whole conversation, field by field; with --renew the JSON is written
+golden CONVERSATION SIZE JSON   a whole conversation in reports of that size, field by field; with --renew the
+                            JSON is written
 hostile CORPUS              the fuzzers' inputs as reports raise no error
 live CONVERSATION           what comes through a pipe is shown as it is from a file
 tools CONVERSATION          capinfos and editcap take our captures, and tshark one that is cut
@@ -178,9 +179,9 @@ def decoded(capture, *options):
     return [own(packet["_source"]["layers"]["veltra"]) for packet in packets]
 
 
-def check_golden(conversation, golden):
+def check_golden(conversation, report_size, golden):
     lines = pathlib.Path(conversation).read_text().splitlines()
-    seen = decoded(captured(lines, 64), "-2")
+    seen = decoded(captured(lines, report_size), "-2")
     text = "[\n" + ",\n".join(json.dumps(each, sort_keys=True) for each in seen) + "\n]\n"
     if "--renew" in arguments:
         pathlib.Path(golden).write_text(text)
@@ -234,7 +235,7 @@ def check_tools(conversation):
 
 
 if check == "golden":
-    check_golden(*arguments[:2])
+    check_golden(*arguments[:3])
 else:
     {"fields": check_fields, "values": check_values, "hostile": check_hostile, "live": check_live, "tools": check_tools}[check](*arguments)
 print("\n".join(failures[:40]) or f"{check}: the dissector agrees")

@@ -3,8 +3,8 @@
 
 #include "socket/Channel.hpp"
 
-#include <fcntl.h>
-#include <sys/resource.h>
+#include "guest/outOfTheWay.hpp"
+
 #include <sys/socket.h>
 #include <sys/uio.h>
 #include <sys/un.h>
@@ -16,25 +16,6 @@
 namespace virtual_adapter {
 
 namespace {
-
-constexpr rlim_t highestUsual = 1024;
-constexpr rlim_t keptBelowLimit = 128;
-
-/// Moves a descriptor out of a program's way. Programs that close or reuse "all" their descriptors
-/// usually mean the low ones.
-int movedUp(int descriptor) {
-    rlimit limit{};
-    if (getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur <= 2 * keptBelowLimit) {
-        return descriptor;
-    }
-    const rlim_t usable = limit.rlim_cur < highestUsual ? limit.rlim_cur : highestUsual;
-    const int moved = fcntl(descriptor, F_DUPFD_CLOEXEC, static_cast<int>(usable - keptBelowLimit));
-    if (moved < 0) {
-        return descriptor;
-    }
-    close(descriptor);
-    return moved;
-}
 
 bool sendAll(int socket, iovec* parts, size_t count) {
     msghdr message{};
@@ -109,7 +90,7 @@ int connectToAdapter(const char* path) {
             return -1;
         }
     }
-    return movedUp(descriptor);
+    return guest::outOfTheWay(descriptor);
 }
 
 int greetAdapter(const char* path) {
