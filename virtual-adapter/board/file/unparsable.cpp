@@ -25,10 +25,17 @@ size_t lengthOfString(std::string_view text) {
             return i;
         } else if (text[i] == quote &&
                    (!severalLines || text.substr(i, quotes) == text.substr(0, quotes))) {
-            return i + quotes;
+            // Those of several lines may end with quotes of their own.
+            const size_t end = text.find_first_not_of(quote, i + quotes);
+            return std::min({i + quotes + (severalLines ? 2 : 0), end, text.size()});
         }
     }
     return text.size();
+}
+
+/// Whether a string may begin behind this character: a value, or a key.
+bool mayPrecedeString(char character) {
+    return std::string_view("\n=[,{.").find(character) != std::string_view::npos;
 }
 
 bool isBeyondAscii(char byte) {
@@ -60,11 +67,15 @@ std::optional<Unparsable> findUnparsable(std::string_view text) {
     size_t line = 1;
     size_t brackets = 0;
     size_t dots = 0;
+    char previous = '\n';
     for (size_t i = 0; i < text.size();) {
         size_t length = 1;
         switch (text[i]) {
         case '"':
         case '\'':
+            if (!mayPrecedeString(previous)) {
+                return Unparsable{line, "no text begins here"};
+            }
             length = lengthOfString(text.substr(i));
             if (continuesBeyondAscii(text.substr(i, length))) {
                 return Unparsable{line,
@@ -101,6 +112,9 @@ std::optional<Unparsable> findUnparsable(std::string_view text) {
             return Unparsable{line, "this nests deeper than a board does"};
         }
         const std::string_view passed = text.substr(i, length);
+        if (passed.front() != ' ' && passed.front() != '\t' && passed.front() != '#') {
+            previous = passed.back();
+        }
         line += static_cast<size_t>(std::count(passed.begin(), passed.end(), '\n'));
         i += length;
     }

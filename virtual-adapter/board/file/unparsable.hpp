@@ -18,7 +18,7 @@ struct Unparsable {
 /// The first of these. The parser's tables are destroyed by recursion, so that a text which nests
 /// deeper than any board does is refused; and where white space might stand it takes some letters
 /// beyond ASCII for what cannot be: TOML allows none there, but for one place in texts of several
-/// lines.
+/// lines. What is a text the parser and this function must see alike.
 std::optional<Unparsable> findUnparsable(std::string_view text);
 
 } // namespace virtual_adapter

@@ -241,13 +241,15 @@ TEST(BoardFile, LettersBeyondAsciiStandInTextsAndCommentsOnly) {
               "board.toml:2: letters beyond ASCII stand in texts and comments only");
     EXPECT_EQ(complaint("board = 1 \xC2\xB5"),
               "board.toml:1: letters beyond ASCII stand in texts and comments only");
+    EXPECT_EQ(complaint("board = 1\nx = 5'\xCA\x88'"), "board.toml:2: no text begins here");
+    EXPECT_EQ(complaint("board = 1\nx = 'a''\xCA\x88'"), "board.toml:2: no text begins here");
     const std::string expected =
         "board.toml:2: a text does not go on behind a backslash with this letter";
     EXPECT_EQ(complaint("board = 1\nx = \"\"\"a\\\n  \xC3\xA4\"\"\"\n"), expected);
     EXPECT_EQ(complaint("board = 1\nx = \"\"\"\\\xC3\xA4\"\"\"\n"), expected);
     EXPECT_EQ(complaint("\xEF\xBB\xBF"
                         "board = 1 # \xC2\xB5\n[[i2c]]\nbus = 0\naddress = 0x50\n"
-                        "part = \"24c02\"\ncontents = \"\"\"str:\xC3\xA4\\\\\xC3\xA4\"\"\"\n"),
+                        "part = \"24c02\"\ncontents = \"\"\"str:\xC3\xA4\\\\\xC3\xA4\"\"\"\"\n"),
               "nothing");
 }
 
