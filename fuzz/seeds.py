@@ -332,6 +332,30 @@ def veltra_words():
     yield "tables", b"\x07SFDP" + bytes.fromhex("000100FF 00000109 100000FF") + basic
 
 
+def serprog():
+    """Whole sessions of flashrom, and what it never says; the pieces are of one byte and of many."""
+    def operation(sent, count):
+        return struct.pack("<BI", 0x13, len(sent))[:4] + struct.pack("<I", count)[:3] + sent
+
+    greeting = frame("0000000000000000 10 10 01 02 05 1208 08 11 1400127A00 1208 03 04 1501")
+    probing = operation(b"\x9f", 3) + operation(frame("5A000000"), 3) + operation(b"\x05", 1)
+    writing = operation(b"\x06", 0) + operation(frame("02000000") + bytes(64), 0) + operation(b"\x05", 1)
+    sessions = {
+        "greeting": greeting, "probing": greeting + probing, "writing": greeting + writing + frame("1500"),
+        "not-offered": frame("06 09000000 0A000000020000 0B 0C00000055 0D02000000000041420E00000000 0F 1700 1800 FF 10"),
+        "chip-selects": frame("1600 1601 1604") + probing, "clocks": frame("1400000000 1401000000 1402000000"),
+        "nothing": operation(b"", 0) + b"\x10", "too-much": operation(b"\x03", 0xFFFF) + b"\x10",
+        "cut": greeting + probing[:9],
+    }
+    for name, words in sessions.items():
+        for refused, piece in ((0, 0), (1, 2), (2, 254)):
+            yield f"{name}-{refused}", bytes([refused, piece]) + run(words)
+    yield "longest-read", b"\x00\x00" + run(operation(frame("03000000"), 0x8000))
+    yield "longest-write", b"\x00\xff" + run(frame("13058000000000")) + repeated(0x8005, 0x10) + run(b"\x10")
+    yield "too-long", b"\x00\xff" + run(frame("13068000000000")) + repeated(0x8006, 0x10) + run(b"\x10")
+    yield "for-ever", b"\x00\xff" + run(frame("0DFFFFFF000000")) + repeated(0xFFFF, 0x10)
+
+
 def message(kind, content=b""):
     return struct.pack("<IB", len(content) + 1, kind) + content
 
@@ -417,7 +441,7 @@ def part_answers():
 
 
 TARGETS = (
-    board_file, capture, notifications, operations, packet_joining, part_answers, socket, stimuli, strict_mode,
+    board_file, capture, notifications, operations, packet_joining, part_answers, serprog, socket, stimuli, strict_mode,
     usbip, veltra_words, virtual_adapter)
 
 for target in TARGETS:

@@ -122,6 +122,7 @@ void addGrammar(Command root, Invocation& invocation) {
     root.requireCommand();
     addOptions(root, invocation.options);
     addCommands(root, invocation);
+    addExposeCommands(root, invocation);
     addBatchCommand(root, invocation);
     addCompletionCommands(root, invocation);
 }

@@ -30,6 +30,13 @@ int remaining(const std::optional<Clock::time_point>& end) {
     return static_cast<int>(std::max<decltype(left)>(left, 0));
 }
 
+/// Of whichever operation waits.
+Failure endOfLink() {
+    Failure failure = Failure::ofResult(ResultCode_NotConnected, {}, 0);
+    failure.during.reset();
+    return failure;
+}
+
 } // namespace
 
 Inbox::Inbox(VeltraSDK& adapter) : queue(adapter, queueBytes) {
@@ -61,6 +68,14 @@ void Inbox::collect(const std::function<void(uint64_t)>& lost) {
     }
 }
 
+void Inbox::discard() {
+    collect([](uint64_t) {});
+    kept.clear();
+    if (ended) {
+        throw endOfLink();
+    }
+}
+
 std::optional<Inbox::Entry> Inbox::next(const std::function<bool(NotificationKind)>& wanted,
                                         std::optional<std::chrono::milliseconds> patience,
                                         const std::function<void(uint64_t)>& lost) {
@@ -74,7 +89,7 @@ std::optional<Inbox::Entry> Inbox::next(const std::function<bool(NotificationKin
             return entry;
         }
         if (ended) {
-            throw Failure::ofResult(ResultCode_NotConnected, {}, 0);
+            throw endOfLink();
         }
         if (Interruption::requested()) {
             throw Failure::interruption();

@@ -28,6 +28,8 @@ public:
     std::optional<Entry> next(const std::function<bool(NotificationKind)>& wanted,
                               std::optional<std::chrono::milliseconds> patience,
                               const std::function<void(uint64_t)>& lost);
+    /// Forgets all that came in. The end of the link is a Failure.
+    void discard();
     /// Readable while something new waits; for poll.
     [[nodiscard]] int descriptor() const { return queue.descriptor(); }
 

@@ -28,7 +28,8 @@ def session(label, text):
 
 def run(script, veltra, virtual_adapter):
     environment = {name: value for name, value in os.environ.items() if not name.startswith("VELTRA")}
-    environment["PATH"] = os.pathsep.join([str(pathlib.Path(veltra).parent), environment["PATH"]])
+    # Debian keeps some programs where an ordinary user's shell does not look.
+    environment["PATH"] = os.pathsep.join([str(pathlib.Path(veltra).parent), environment["PATH"], "/usr/sbin"])
     with tempfile.TemporaryDirectory(prefix="veltra-") as directory:
         return subprocess.run([virtual_adapter, "run", "--", "bash", "-c", script], cwd=directory, env=environment,
                               stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,

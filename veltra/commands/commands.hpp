@@ -29,6 +29,7 @@ void addI3cTransfers(Command i3c, Invocation& invocation);
 void addWatchCommand(Command app, Invocation& invocation);
 void addCompletionCommands(Command app, Invocation& invocation);
 void addUartCommands(Command app, Invocation& invocation);
+void addExposeCommands(Command app, Invocation& invocation);
 void addBatchCommand(Command app, Invocation& invocation);
 void addI2cCommands(Command app, Invocation& invocation);
 void addI2cTransfers(Command i2c, Invocation& invocation);
