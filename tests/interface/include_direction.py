@@ -90,6 +90,7 @@ ROOMS = {
     "command-line": (),
     # Of veltra: each speaks one protocol with other people's programs and knows nothing else of it.
     "expose/serprog": ("bytes/", "usbip/FileDescriptor.hpp"),
+    "expose/tty": ("usbip/FileDescriptor.hpp",),
     "cli": (
         "board/BoardTable.hpp", "board/file/", "command-line/", "device/", "faults/", "replay/", "socket/",
         "stimuli/", "usbip/", "ways/"),

@@ -75,6 +75,7 @@ void addExposeCommands(Command app, Invocation& invocation) {
         .typeName("ADDRESS:PORT");
     flash.addFlag("--once", wanted->once, "Ends behind the first program");
     onChosen(flash, invocation, [wanted](Context& context) { exposeFlash(*wanted, context); });
+    addExposeTty(expose, invocation);
 }
 
 } // namespace veltra

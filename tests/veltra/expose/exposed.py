@@ -43,11 +43,14 @@ class Exposed:
                                         stderr=self.errors, text=True, cwd=directory)
         self.first_line = self.program.stdout.readline().rstrip("\n")
 
+    def complaints(self):
+        """What it has complained of so far."""
+        return os.pread(self.errors.fileno(), 1 << 20, 0).decode()
+
     def wait(self):
         """The exit status, what else was printed, and what was complained of."""
         rest = self.program.communicate(timeout=LIMIT)[0]
-        self.errors.seek(0)
-        complaints = self.errors.read()
+        complaints = self.complaints()
         self.errors.close()
         return self.program.returncode, rest, complaints
 
