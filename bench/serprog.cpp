@@ -113,9 +113,10 @@ int measure() {
     serving.join();
 
     const double ratio = timed.milliseconds / directly;
-    std::printf("256 KiB through serprog: %.0f ms, %.0f ms of it inside operations; these directly: "
-                "%.0f ms; ratio %.3f, at most %.1f\n",
-                inAll, timed.milliseconds, directly, ratio, maxRatio);
+    std::printf(
+        "256 KiB through serprog: %.0f ms, %.0f ms of it inside operations; these directly: "
+        "%.0f ms; ratio %.3f, at most %.1f\n",
+        inAll, timed.milliseconds, directly, ratio, maxRatio);
     return ratio <= maxRatio ? 0 : 1;
 }
 

@@ -29,7 +29,10 @@ bool passes(const Failure& failure) {
 } // namespace
 
 UartTerminal::UartTerminal(Session& over, Output& tells, const UartSettings& atStart)
-    : session(over), output(tells), settings(atStart), uart(over, tells, atStart),
+    : session(over),
+      output(tells),
+      settings(atStart),
+      uart(over, tells, atStart),
       pty(lineOf(atStart)) {}
 
 void UartTerminal::run() {

@@ -70,8 +70,8 @@ uint32_t codeOf(uint32_t baudRate) {
 /// Bytes as they are, none of them echoed: what the line says must not go back to it.
 termios2 raw(const Line& line) {
     termios2 settings{};
-    settings.c_cflag = CS8 | CREAD | CLOCAL | codeOf(line.baudRate) | (line.stopBits == 2 ? CSTOPB : 0U) |
-                       (line.rtsCts ? CRTSCTS : 0U);
+    settings.c_cflag = CS8 | CREAD | CLOCAL | codeOf(line.baudRate) |
+                       (line.stopBits == 2 ? CSTOPB : 0U) | (line.rtsCts ? CRTSCTS : 0U);
     settings.c_lflag = EXTPROC; // tells of every change
     settings.c_ispeed = line.baudRate;
     settings.c_ospeed = line.baudRate;
@@ -81,8 +81,7 @@ termios2 raw(const Line& line) {
 
 } // namespace
 
-Pty::Pty(const Line& atStart)
-    : master(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) {
+Pty::Pty(const Line& atStart) : master(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) {
     std::array<char, 64> path{};
     if (!master.isOpen() || grantpt(master.get()) != 0 || unlockpt(master.get()) != 0 ||
         ptsname_r(master.get(), path.data(), path.size()) != 0) {

@@ -41,8 +41,8 @@ public:
         /// The program wants nothing of what has not reached it yet.
         bool isFlushed = false;
     };
-    /// What has come from the program, if anything. The order of data and settings is not known: the
-    /// settings come first.
+    /// What has come from the program, if anything. The order of data and settings is not known:
+    /// the settings come first.
     Input read();
 
     /// Hands the program as many of the bytes as it has room for, and returns how many.
