@@ -55,6 +55,22 @@ void unlock(void* mutex) {
     pthread_mutex_unlock(static_cast<pthread_mutex_t*>(mutex));
 }
 
+#ifdef __SANITIZE_THREAD__
+// The thread sanitizer of GCC 12 does not see pthread_mutex_clocklock; libstdc++ avoids it there
+// too.
+constexpr clockid_t lockClock = CLOCK_REALTIME;
+
+int lockUntil(pthread_mutex_t& mutex, const timespec& until) {
+    return pthread_mutex_timedlock(&mutex, &until);
+}
+#else
+constexpr clockid_t lockClock = CLOCK_MONOTONIC;
+
+int lockUntil(pthread_mutex_t& mutex, const timespec& until) {
+    return pthread_mutex_clocklock(&mutex, lockClock, &until);
+}
+#endif
+
 /// Waits for its turn as long as hidapi would wait for a report.
 bool lockWithin(pthread_mutex_t& mutex, int milliseconds) {
     if (pthread_mutex_trylock(&mutex) == 0) {
@@ -64,12 +80,12 @@ bool lockWithin(pthread_mutex_t& mutex, int milliseconds) {
         return pthread_mutex_lock(&mutex) == 0;
     }
     timespec until{};
-    clock_gettime(CLOCK_MONOTONIC, &until);
+    clock_gettime(lockClock, &until);
     constexpr long perSecond = 1'000'000'000;
     const long nanoseconds = until.tv_nsec + milliseconds % 1000 * 1'000'000L;
     until.tv_sec += milliseconds / 1000 + nanoseconds / perSecond;
     until.tv_nsec = nanoseconds % perSecond;
-    return pthread_mutex_clocklock(&mutex, CLOCK_MONOTONIC, &until) == 0;
+    return lockUntil(mutex, until) == 0;
 }
 
 void closeSocket(int& socket) {
