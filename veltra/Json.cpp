@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <utility>
 
 namespace veltra {
 
@@ -13,9 +14,10 @@ using nlohmann::ordered_json;
 
 /// The same value as its writer has it.
 struct Json::Writing {
-    template <typename Scalar>
-    ordered_json operator()(const Scalar& scalar) const {
-        return scalar;
+    ordered_json operator()(std::nullptr_t null) const { return null; }
+    ordered_json operator()(const std::string& text) const { return text; }
+    ordered_json operator()(const Number& number) const {
+        return std::visit([](auto value) { return ordered_json(value); }, number);
     }
     ordered_json operator()(const std::vector<Json>& elements) const {
         ordered_json list = ordered_json::array();
@@ -33,7 +35,17 @@ struct Json::Writing {
     }
 };
 
+Json::Json(std::nullptr_t) {}
+Json::Json(const char* text) : value(std::string(text)) {}
+Json::Json(std::string text) : value(std::move(text)) {}
+Json::Json(Number number) : value(number) {}
+Json::Json(std::vector<Json> elements) : value(std::move(elements)) {}
 Json::Json(std::initializer_list<Member> members) : value(std::vector<Member>(members)) {}
+Json::Json(const Json&) = default;
+Json::Json(Json&&) noexcept = default;
+Json& Json::operator=(const Json&) = default;
+Json& Json::operator=(Json&&) noexcept = default;
+Json::~Json() = default;
 
 Json& Json::operator[](const std::string& name) {
     if (!std::holds_alternative<std::vector<Member>>(value)) {

@@ -15,7 +15,6 @@ namespace virtual_adapter {
 
 namespace {
 
-using nlohmann::json;
 using nlohmann::ordered_json;
 
 constexpr int version = 1;
@@ -36,8 +35,8 @@ std::string shown(const std::string& text) {
 }
 
 /// The value of the object's only member, or nothing when it is no such object.
-std::optional<json> onlyMember(const std::string& line, const char* name) {
-    const json object = json::parse(line, nullptr, false);
+std::optional<ordered_json> onlyMember(const std::string& line, const char* name) {
+    const ordered_json object = ordered_json::parse(line, nullptr, false);
     if (!object.is_object() || object.size() != 1 || !object.contains(name)) {
         return std::nullopt;
     }
@@ -113,7 +112,7 @@ Bytes readData(const std::string& line, size_t count) {
 }
 
 void readNothing(const std::string& line) {
-    const json object = json::parse(line, nullptr, false);
+    const ordered_json object = ordered_json::parse(line, nullptr, false);
     if (!object.is_object() || !object.empty()) {
         refuse(line, "{}");
     }
@@ -122,7 +121,7 @@ void readNothing(const std::string& line) {
 std::string readSetResult(const std::string& line) {
     const auto error = onlyMember(line, "error");
     if (!error) {
-        const json object = json::parse(line, nullptr, false);
+        const ordered_json object = ordered_json::parse(line, nullptr, false);
         if (!object.is_object() || !object.empty()) {
             refuse(line, R"({} or {"error":"..."})");
         }
