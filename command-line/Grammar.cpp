@@ -114,13 +114,14 @@ Option Command::addOption(const std::string& names, std::vector<std::string>& va
     return Option(*app->add_option(names, values, help));
 }
 
-Option Command::addOption(const std::string& names, std::function<void(const std::string&)> read,
+Option Command::addOption(const std::string& names,
+                          const std::function<void(const std::string&)>& read,
                           const std::string& help) const {
     return Option(*app->add_option_function(names, read, help));
 }
 
 Option Command::addOption(const std::string& names,
-                          std::function<void(const std::vector<std::string>&)> read,
+                          const std::function<void(const std::vector<std::string>&)>& read,
                           const std::string& help) const {
     return Option(*app->add_option_function(names, read, help));
 }

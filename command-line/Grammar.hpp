@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace CLI {
+namespace CLI { // NOLINT(readability-identifier-naming): as CLI11 has it
 class App;
 class Option;
 } // namespace CLI
@@ -41,6 +41,8 @@ class Option {
 public:
     explicit Option(CLI::Option& of) : option(&of) {}
 
+    // NOLINTBEGIN(modernize-use-nodiscard): each returns the option itself, for the next of a
+    // chain.
     Option required(bool isRequired = true) const;
     /// What the help calls its value; nothing when empty.
     Option typeName(const std::string& name) const;
@@ -60,6 +62,7 @@ public:
     Option oneEachTime() const;
     /// The same for an option that the help shows like one that is given once.
     Option repeatable() const;
+    // NOLINTEND(modernize-use-nodiscard)
 
     [[nodiscard]] bool wasGiven() const;
     [[nodiscard]] bool isOperand() const;
@@ -82,7 +85,7 @@ class Command {
 public:
     explicit Command(CLI::App& of) : app(&of) {}
 
-    Command addCommand(const std::string& name, const std::string& help) const;
+    [[nodiscard]] Command addCommand(const std::string& name, const std::string& help) const;
 
     // Names are as in "-b,--bus" or "ADDR". Parsing fills the value, which must live until then.
     Option addOption(const std::string& names, std::string& value, const std::string& help) const;
@@ -92,10 +95,10 @@ public:
     Option addOption(const std::string& names, std::vector<std::string>& values,
                      const std::string& help) const;
     /// What reads the value may throw a Refusal.
-    Option addOption(const std::string& names, std::function<void(const std::string&)> read,
+    Option addOption(const std::string& names, const std::function<void(const std::string&)>& read,
                      const std::string& help) const;
     Option addOption(const std::string& names,
-                     std::function<void(const std::vector<std::string>&)> read,
+                     const std::function<void(const std::vector<std::string>&)>& read,
                      const std::string& help) const;
     Option addFlag(const std::string& names, bool& value, const std::string& help) const;
     /// A flag that may have a value behind =; a name such as "--virtual{true}" tells it without.

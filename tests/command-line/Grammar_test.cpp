@@ -122,7 +122,7 @@ TEST(Grammar, TheChosenCommandIsCalled) {
 TEST(Grammar, WordsThatNobodyUnderstandsRemain) {
     const Grammar grammar("", "program");
     grammar.root().requireCommand();
-    grammar.root().addCommand("list", "");
+    (void)grammar.root().addCommand("list", "");
     const Command rest = grammar.root().addCommand("rest", "");
     rest.passThrough();
     EXPECT_NE(refusalOf(grammar, {"list", "more"}), "");
@@ -136,7 +136,7 @@ TEST(Grammar, HelpAndVersionAreAnswers) {
     const Command root = grammar.root();
     root.setVersion("1.2");
     root.setFooter("That is all");
-    root.addCommand("shown", "Is listed");
+    (void)root.addCommand("shown", "Is listed");
     root.addCommand("secret", "Is not").hide();
     EXPECT_EQ(answerTo(grammar, {"--version"}), "1.2\n");
     EXPECT_EQ(answerTo(grammar, {"--help"}), R"(Does it
