@@ -48,6 +48,9 @@ if(VELTRASDK_BUILD_VELTRA)
     install(TARGETS veltra
         RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
         COMPONENT veltra)
+    install(TARGETS veltra-devices-preload
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/veltra
+        COMPONENT veltra)
     install(FILES ${PROJECT_SOURCE_DIR}/veltra/schema.json
         DESTINATION ${CMAKE_INSTALL_DATADIR}/veltra
         COMPONENT veltra)

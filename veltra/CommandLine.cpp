@@ -91,6 +91,9 @@ Failure complaint(Command root, const Refusal& refusal) {
     if (!pathOf(command).empty()) {
         failure.during = operationOf(command);
     }
+    if (command.name() == "run") {
+        failure.exitStatus = ExitStatus::NotStarted;
+    }
     return failure;
 }
 
@@ -105,7 +108,7 @@ int execute(Invocation& invocation, Output& output) {
     session.begin(invocation.operation, invocation.options);
     try {
         invocation.action(context);
-        return static_cast<int>(ExitStatus::Done);
+        return context.exitStatus;
     } catch (Failure& failure) {
         if (!failure.during) {
             failure.during = session.operation();
@@ -123,6 +126,7 @@ void addGrammar(Command root, Invocation& invocation) {
     addOptions(root, invocation.options);
     addCommands(root, invocation);
     addExposeCommands(root, invocation);
+    addRunCommand(root, invocation);
     addBatchCommand(root, invocation);
     addCompletionCommands(root, invocation);
 }
@@ -162,7 +166,7 @@ int runCommandLine(const std::vector<std::string>& words) {
         (void)std::fputs(asked.what(), stdout);
         return static_cast<int>(ExitStatus::Done);
     } catch (const Failure& failure) {
-        const auto end = words.end();
+        const auto end = std::find(words.begin(), words.end(), "--");
         invocation.options.json = std::find(words.begin(), end, "--json") != end;
         return finish(output, failure);
     } catch (const std::exception& error) {

@@ -13,6 +13,7 @@ enum class ExitStatus : int {
     NoAdapter = 3,     ///< None there, no permission, in use; doctor found a fault.
     NoAnswer = 4,      ///< The adapter does not answer, is gone or out of step.
     NotAsExpected = 5, ///< An expect or a verification is not met.
+    NotStarted = 125,  ///< A program was not; one that was started ends as it does.
     Interrupted = 130, ///< As shells report it.
 };
 

@@ -7,6 +7,8 @@
 
 #include <veltrasdk/status.h>
 
+#include <algorithm>
+
 namespace veltra {
 
 namespace {
@@ -30,7 +32,8 @@ std::string typedWith(const Options& options, const std::string& inFront,
         words.push_back(quoted(word));
     }
     if (!behind.empty()) {
-        words.push_back(behind);
+        // What follows -- is of another program.
+        words.insert(std::find(words.begin(), words.end(), "--"), behind);
     }
     return options.typedBehind + join(words, " ");
 }

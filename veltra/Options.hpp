@@ -38,6 +38,8 @@ struct Context {
     Session& session;
     Output& output;
     const Options& options;
+    /// Of this program, where the command has come to its end: that of a program which it has run.
+    int exitStatus = 0;
 };
 
 using Action = std::function<void(Context&)>;

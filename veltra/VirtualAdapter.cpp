@@ -6,10 +6,12 @@
 #include "Failure.hpp"
 #include "Words.hpp"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <iterator>
 #include <unistd.h>
 
 namespace veltra {
@@ -54,11 +56,10 @@ void restartVirtually(const std::vector<std::string>& words, const std::string& 
         command.insert(command.end(), {"--board", board});
     }
     command.insert(command.end(), {"--", itself});
-    for (const std::string& word : words) {
-        if (!isVirtualWord(word)) {
-            command.push_back(word);
-        }
-    }
+    // What follows -- is of another program.
+    const auto end = std::find(words.begin(), words.end(), "--");
+    std::remove_copy_if(words.begin(), end, std::back_inserter(command), isVirtualWord);
+    command.insert(command.end(), end, words.end());
     std::vector<char*> arguments;
     arguments.reserve(command.size() + 1);
     for (std::string& word : command) {

@@ -85,16 +85,25 @@ ROOMS = {
     "guest": (),
     "socket": ("bytes/", "guest/"),
     "ways": ("bytes/", "device/", "socket/", "usbip/"),
-    "preload": ("bytes/", "socket/", "capture/"),
+    # With the broker of veltra the preloaded devices share what is said between them.
+    "preload": ("bytes/", "socket/", "capture/", "devices/messages.hpp"),
+    # Other people's programs, whatever is in front of their libraries.
+    "launch": ("usbip/FileDescriptor.hpp",),
+    # Of veltra: the devices as Linux has them, and what is behind them.
+    "devices": ("bytes/", "launch/", "usbip/FileDescriptor.hpp"),
     "capture": ("bytes/", "guest/"),
     "command-line": (),
     # Of veltra: each speaks one protocol with other people's programs and knows nothing else of it.
     "expose/serprog": ("bytes/", "usbip/FileDescriptor.hpp"),
     "expose/tty": ("usbip/FileDescriptor.hpp",),
     "cli": (
-        "board/BoardTable.hpp", "board/file/", "command-line/", "device/", "faults/", "replay/", "socket/",
-        "stimuli/", "usbip/", "ways/"),
+        "board/BoardTable.hpp", "board/file/", "command-line/", "device/", "faults/", "launch/", "replay/",
+        "socket/", "stimuli/", "usbip/", "ways/"),
 }
+# Where these rooms lie: a house, and what of it is checked.
+HOUSES = (
+    ("virtual-adapter", ""), ("", "capture"), ("", "guest"), ("", "command-line"), ("", "launch"), ("", "preload"),
+    ("", "usbip"), ("veltra", "devices"), ("veltra", "expose"))
 # Rooms without input or output, clock or thread, and what they would be had by.
 CLOSED = ("bytes", "model", "board", "board/parts", "faults")
 MEANS = ("fcntl.h", "filesystem", "fstream", "iostream", "poll.h", "pthread.h", "sys/", "thread", "unistd.h")
@@ -144,9 +153,7 @@ def check_rooms(root):
     complaints = []
     watched = 0
     entered = {room.split("/")[0] for room in ROOMS}
-    houses = (("virtual-adapter", ""), ("", "capture"), ("", "guest"), ("", "command-line"), ("", "preload"),
-              ("", "usbip"), ("veltra", "expose"))
-    for house, directory in houses:
+    for house, directory in HOUSES:
         for path, number, included in includes(root / house / directory):
             room = room_of(path.relative_to(root / house).as_posix())
             # A room of veltra that speaks a protocol sees nothing of veltra, whose files lie in no room.

@@ -74,6 +74,7 @@ class Terminal:
         variables["PATH"] = os.pathsep.join([str(self.directory / "bin"),
                                              str(pathlib.Path(self.virtual_adapter).parent), os.environ["PATH"]])
         variables["EXAMPLES"] = str(pathlib.Path(__file__).resolve().parents[2] / "examples" / "veltra")
+        variables["PROGRAMS"] = str(pathlib.Path(__file__).resolve().parent / "programs")
         work = self.directory / "work"
         work.mkdir(exist_ok=True)
         done = subprocess.run(["sh", "-c", command], cwd=work, env=variables, stdin=subprocess.DEVNULL,

@@ -11,6 +11,10 @@ namespace {
 
 const Named<uint8_t> pullUps[] = {{"none", 0}, {"10k", 1}, {"4k7", 2}, {"2k2", 3}};
 
+uint8_t pullUpOf(const I2cSettings& settings) {
+    return settings.pullUp.empty() ? uint8_t{0} : parseName("pull-up", settings.pullUp, pullUps);
+}
+
 std::string registerInWords(const Bytes& registerBytes) {
     return registerBytes.empty() ? "" : ", register " + hexDigits(registerBytes);
 }
@@ -21,13 +25,17 @@ std::string holdInWords(bool hold) {
 
 } // namespace
 
+void checkWords(const I2cSettings& settings) {
+    parseFrequency(settings.clock);
+    pullUpOf(settings);
+}
+
 I2c::I2c(Session& over, const I2cSettings& settings)
     : session(over), index(static_cast<uint8_t>(settings.bus)) {
     const uint32_t clock = parseFrequency(settings.clock);
     const uint8_t retry = settings.retryBusy ? 1 : 0;
     const std::string name = "i2c bus " + std::to_string(index);
-    const uint8_t pullUp =
-        settings.pullUp.empty() ? uint8_t{0} : parseName("pull-up", settings.pullUp, pullUps);
+    const uint8_t pullUp = pullUpOf(settings);
     session.supplyPins();
     session.setUp(name,
                   name + ": " + std::to_string(clock) + " Hz" + (retry != 0 ? ", retrying" : ""),

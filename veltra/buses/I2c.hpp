@@ -18,6 +18,9 @@ struct I2cSettings {
     bool retryBusy = false;
 };
 
+/// Refuses settings that nobody understands, before anything is sent.
+void checkWords(const I2cSettings& settings);
+
 /// One I2C bus of the adapter, set up; each member sends one request.
 class I2c {
 public:

@@ -31,6 +31,7 @@ void addCompletionCommands(Command app, Invocation& invocation);
 void addUartCommands(Command app, Invocation& invocation);
 void addExposeCommands(Command app, Invocation& invocation);
 void addExposeTty(Command expose, Invocation& invocation);
+void addRunCommand(Command app, Invocation& invocation);
 void addBatchCommand(Command app, Invocation& invocation);
 void addI2cCommands(Command app, Invocation& invocation);
 void addI2cTransfers(Command i2c, Invocation& invocation);

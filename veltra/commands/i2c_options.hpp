@@ -24,11 +24,8 @@ struct RegisterWord {
     }
 };
 
-/// The options that every I2C command takes.
-inline void addI2cOptions(Command command, I2cSettings& settings) {
-    command.addOption("-b,--bus", settings.bus, "The bus, 0 unless given")
-        .typeName("BUS")
-        .range(0, 1);
+/// How a bus is set up.
+inline void addI2cSettings(Command command, I2cSettings& settings) {
     command.addOption("--clock", settings.clock, "100k, 400k or 1M; 400k unless given")
         .typeName("HZ");
     command
@@ -37,6 +34,14 @@ inline void addI2cOptions(Command command, I2cSettings& settings) {
         .typeName("OHMS");
     command.addFlag("--retry-busy", settings.retryBusy,
                     "Sends an address that is not acknowledged again, as a busy EEPROM needs it");
+}
+
+/// The options that every I2C command takes.
+inline void addI2cOptions(Command command, I2cSettings& settings) {
+    command.addOption("-b,--bus", settings.bus, "The bus, 0 unless given")
+        .typeName("BUS")
+        .range(0, 1);
+    addI2cSettings(command, settings);
 }
 
 inline void addRegisterOptions(Command command, RegisterWord& word) {

@@ -4,7 +4,7 @@
 #include "cli/AdapterProcess.hpp"
 
 #include "cli/TerminationSignals.hpp"
-#include "ways/SocketPlace.hpp"
+#include "launch/SocketPlace.hpp"
 #include "ways/SocketServer.hpp"
 
 #include <fcntl.h>
@@ -103,7 +103,8 @@ int beAdapters(const std::vector<AdapterSettings>& adapters, pid_t program, File
         FileDescriptor messages = replaceStandardStreams();
         const FileDescriptor stop = terminationSignals();
         (void)std::signal(SIGPIPE, SIG_IGN);
-        SocketPlace place = SocketPlace::inDirectoryOfItsOwn();
+        launch::SocketPlace place =
+            launch::SocketPlace::inDirectoryOfItsOwn("veltra-virtual-adapter");
         AdapterRack rack(adapters);
         SocketServer server(rack, place.takeListener());
         server.endWithPrograms(program, patience);

@@ -6,7 +6,7 @@
 #include "cli/TerminationSignals.hpp"
 #include "cli/announce.hpp"
 #include "cli/options.hpp"
-#include "ways/SocketPlace.hpp"
+#include "launch/SocketPlace.hpp"
 #include "ways/SocketServer.hpp"
 #include "ways/usbip.hpp"
 
@@ -38,7 +38,7 @@ void attach(const AdapterSettings& settings) {
     server.plugInto(usbip::FileDescriptor(ends[0]));
     usbip::FileDescriptor kernelsEnd(ends[1]);
 
-    SocketPlace place = SocketPlace::inDirectoryOfItsOwn();
+    launch::SocketPlace place = launch::SocketPlace::inDirectoryOfItsOwn("veltra-virtual-adapter");
     AdapterRack rack({});
     rack.addTold(settings.serialNumber,
                  [inUse](const std::string& stimulus, HostedAdapter::Time now) {

@@ -3,14 +3,15 @@
 
 #pragma once
 
+#include "launch/StartFailure.hpp"
+
 #include <string>
 
 namespace virtual_adapter {
 
-// What shells and env(1) exit with.
-constexpr int cannotSetUp = 125;
-constexpr int cannotExecute = 126;
-constexpr int notFound = 127;
+using launch::cannotExecute;
+using launch::cannotSetUp;
+using launch::notFound;
 
 /// Ends the process, when main has it.
 struct ProcessEnd {

@@ -12,7 +12,7 @@ namespace virtual_adapter {
 constexpr const char* socketVariable = "VELTRA_VIRTUAL_ADAPTER_SOCKET";
 
 /// What programs have to preload. It lies beside the executable in a build tree and in a directory
-/// of its own once installed. Throws std::runtime_error where it is in neither.
+/// of its own once installed. Throws a ProcessEnd where it is in neither, after a message.
 std::string findPreloadLibrary();
 
 /// Replaces this process by @p program, with @p library in front of its hidapi and the adapters at

@@ -3,11 +3,11 @@
 
 #include "cli/replay.hpp"
 
-#include "cli/ChildProgram.hpp"
 #include "cli/failure.hpp"
 #include "cli/program.hpp"
+#include "launch/ChildProgram.hpp"
+#include "launch/SocketPlace.hpp"
 #include "replay/ReplayLink.hpp"
-#include "ways/SocketPlace.hpp"
 #include "ways/SocketServer.hpp"
 
 #include <csignal>
@@ -45,8 +45,14 @@ void tell(const std::string& message) {
 int replay(const std::string& path, const std::vector<std::string>& program) {
     const std::string library = findPreloadLibrary();
     const std::vector<Recording> recordings = readRecordings(path);
-    SocketPlace place = SocketPlace::inDirectoryOfItsOwn();
-    ChildProgram child([&] { startProgram(program, library, place.path()); });
+    launch::SocketPlace place = launch::SocketPlace::inDirectoryOfItsOwn("veltra-virtual-adapter");
+    launch::ChildProgram child([&]() -> int {
+        try {
+            startProgram(program, library, place.path());
+        } catch (const ProcessEnd& end) {
+            return end.exitStatus;
+        }
+    });
 
     bool isDifferent = false;
     const auto whenDifferent = [&](const std::string& difference) {

@@ -6,7 +6,7 @@
 #include "cli/TerminationSignals.hpp"
 #include "cli/announce.hpp"
 #include "cli/options.hpp"
-#include "ways/SocketPlace.hpp"
+#include "launch/SocketPlace.hpp"
 #include "ways/SocketServer.hpp"
 #include "ways/usbip.hpp"
 
@@ -38,7 +38,7 @@ std::string nameOf(const AdapterSettings& settings) {
 
 void serveAtSocket(const ServeOptions& options) {
     const usbip::FileDescriptor stop = terminationSignals();
-    SocketPlace place = SocketPlace::at(options.socket);
+    launch::SocketPlace place = launch::SocketPlace::at(options.socket);
     std::string names;
     for (const AdapterSettings& settings : options.adapters.all()) {
         names += (names.empty() ? "" : ", ") + nameOf(settings);

@@ -254,7 +254,7 @@ TEST_F(RunProcess, WithoutAPlaceTheMessageSaysWhatToType) {
         runProcess(prefix + Arguments{virtualAdapter, "run", "--", "true"});
     EXPECT_EQ(result.status, 125);
     EXPECT_EQ(result.errors,
-              "veltra-virtual-adapter: no place for the adapter's socket (/mnt: No space left on "
+              "veltra-virtual-adapter: no place for a socket (/mnt: No space left on "
               "device, /tmp: Read-only file system); name a directory of yours: "
               "XDG_RUNTIME_DIR=DIRECTORY\n");
 }

@@ -3,8 +3,8 @@
 
 #pragma once
 
+#include "launch/SocketPlace.hpp"
 #include "support/TemporaryDirectory.hpp"
-#include "ways/SocketPlace.hpp"
 #include "ways/SocketServer.hpp"
 
 #include <sys/eventfd.h>
@@ -19,7 +19,7 @@
 class ServedAdapters {
 public:
     explicit ServedAdapters(const std::vector<virtual_adapter::AdapterSettings>& adapters)
-        : place(virtual_adapter::SocketPlace::at(directory.path() / "adapter")),
+        : place(launch::SocketPlace::at(directory.path() / "adapter")),
           rack(adapters),
           server(rack, place.takeListener()),
           stop(eventfd(0, EFD_CLOEXEC)),
@@ -38,7 +38,7 @@ public:
 
 private:
     TemporaryDirectory directory;
-    virtual_adapter::SocketPlace place;
+    launch::SocketPlace place;
     virtual_adapter::AdapterRack rack;
     virtual_adapter::SocketServer server;
     usbip::FileDescriptor stop;

@@ -3,9 +3,9 @@
 
 #include "ways/SocketServer.hpp"
 
+#include "launch/SocketPlace.hpp"
 #include "socket/Channel.hpp"
 #include "support/TemporaryDirectory.hpp"
-#include "ways/SocketPlace.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -21,6 +21,7 @@
 #include <filesystem>
 #include <future>
 
+using launch::SocketPlace;
 using usbip::FileDescriptor;
 using virtual_adapter::AdapterRack;
 using virtual_adapter::AdapterSettings;
@@ -28,7 +29,6 @@ using virtual_adapter::ClientMessage;
 using virtual_adapter::ClientMessageKind;
 using virtual_adapter::Reply;
 using virtual_adapter::ReplyKind;
-using virtual_adapter::SocketPlace;
 using virtual_adapter::SocketServer;
 
 namespace {

@@ -8,14 +8,15 @@
 #include <functional>
 #include <sys/types.h>
 
-namespace virtual_adapter {
+namespace launch {
 
 /// A program that is this process's child. Signals that somebody sends to this process are passed
 /// on to it; those that a terminal sends to both are not. There is one.
 class ChildProgram {
 public:
-    /// Calls @p start in the child; it does not return there. Throws std::system_error.
-    explicit ChildProgram(const std::function<void()>& start);
+    /// Calls @p start in the child, which ends with what it returns, if it does. Throws
+    /// std::system_error.
+    explicit ChildProgram(const std::function<int()>& start);
 
     ChildProgram(const ChildProgram&) = delete;
     ChildProgram& operator=(const ChildProgram&) = delete;
@@ -39,4 +40,4 @@ private:
     int killedBy = 0;
 };
 
-} // namespace virtual_adapter
+} // namespace launch

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The libveltrasdk authors
 // SPDX-License-Identifier: MIT
 
-#include "ways/SocketPlace.hpp"
+#include "launch/SocketPlace.hpp"
 
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -16,7 +16,7 @@
 #include <utility>
 #include <vector>
 
-namespace virtual_adapter {
+namespace launch {
 
 namespace {
 
@@ -83,6 +83,13 @@ usbip::FileDescriptor listenAt(const std::string& path) {
 
 } // namespace
 
+bool isOfSameUser(const usbip::FileDescriptor& connection) {
+    ucred peer{};
+    socklen_t size = sizeof peer;
+    return getsockopt(connection.get(), SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 &&
+           peer.uid == geteuid();
+}
+
 SocketPlace::SocketPlace(std::string path, std::optional<SocketDirectory> itsDirectory)
     : directory(std::move(itsDirectory)),
       socketPath(std::move(path)),
@@ -103,7 +110,7 @@ SocketPlace SocketPlace::at(const std::string& path) {
     return {std::filesystem::absolute(path).lexically_normal(), std::nullopt};
 }
 
-SocketPlace SocketPlace::inDirectoryOfItsOwn() {
+SocketPlace SocketPlace::inDirectoryOfItsOwn(const std::string& owner) {
     std::vector<std::string> places;
     const char* const runtimeDirectory = std::getenv("XDG_RUNTIME_DIR");
     if (runtimeDirectory != nullptr && *runtimeDirectory == '/') {
@@ -113,15 +120,15 @@ SocketPlace SocketPlace::inDirectoryOfItsOwn() {
     std::string complaints;
     for (const std::string& place : places) {
         try {
-            SocketDirectory own = SocketDirectory::below(place);
+            SocketDirectory own = SocketDirectory::below(place, owner);
             const std::string path = own.socketPath();
             return {path, std::move(own)};
         } catch (const std::runtime_error& error) {
             complaints += (complaints.empty() ? "" : ", ") + std::string(error.what());
         }
     }
-    throw std::runtime_error("no place for the adapter's socket (" + complaints +
+    throw std::runtime_error("no place for a socket (" + complaints +
                              "); name a directory of yours: XDG_RUNTIME_DIR=DIRECTORY");
 }
 
-} // namespace virtual_adapter
+} // namespace launch

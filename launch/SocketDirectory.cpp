@@ -1,9 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The libveltrasdk authors
 // SPDX-License-Identifier: MIT
 
-#include "ways/SocketDirectory.hpp"
-
-#include "socket/Channel.hpp"
+#include "launch/SocketDirectory.hpp"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -17,16 +15,15 @@
 #include <system_error>
 #include <utility>
 
-namespace virtual_adapter {
+namespace launch {
 
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* prefix = "veltra-virtual-adapter-";
-constexpr const char* socketName = "adapter";
+constexpr const char* socketName = "socket";
 
-/// Nothing where it is somebody else's, or locked: then its adapter lives.
+/// Nothing where it is somebody else's, or locked: then its server lives.
 usbip::FileDescriptor lockedDirectory(const std::string& path) {
     usbip::FileDescriptor directory(
         open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
@@ -46,13 +43,8 @@ bool isAt(const std::string& path, const usbip::FileDescriptor& directory) {
            there.st_dev == here.st_dev && there.st_ino == here.st_ino;
 }
 
-/// By an adapter of a version that locks nothing.
-bool isAnswered(const std::string& path) {
-    return usbip::FileDescriptor(connectToAdapter((path + "/" + socketName).c_str())).isOpen();
-}
-
 /// Whatever cannot be removed stays.
-void removeThoseOfKilledAdapters(const std::string& place) {
+void removeThoseOfKilledOnes(const std::string& place, const std::string& prefix) {
     std::error_code error;
     for (fs::directory_iterator entry(place, error), end; !error && entry != end;
          entry.increment(error)) {
@@ -61,7 +53,7 @@ void removeThoseOfKilledAdapters(const std::string& place) {
             continue;
         }
         const usbip::FileDescriptor directory = lockedDirectory(path);
-        if (directory.isOpen() && !isAnswered(path)) {
+        if (directory.isOpen()) {
             unlinkat(directory.get(), socketName, 0);
             rmdir(path.c_str());
         }
@@ -86,10 +78,11 @@ std::string SocketDirectory::socketPath() const {
     return path + "/" + socketName;
 }
 
-SocketDirectory SocketDirectory::below(const std::string& place) {
-    removeThoseOfKilledAdapters(place);
+SocketDirectory SocketDirectory::below(const std::string& place, const std::string& owner) {
+    const std::string prefix = owner + "-";
+    removeThoseOfKilledOnes(place, prefix);
     for (;;) {
-        std::string path = place + "/" + prefix + "XXXXXX";
+        std::string path = (place + "/").append(prefix).append("XXXXXX");
         if (mkdtemp(path.data()) == nullptr) {
             throw std::runtime_error(place + ": " + std::generic_category().message(errno));
         }
@@ -101,4 +94,4 @@ SocketDirectory SocketDirectory::below(const std::string& place) {
     }
 }
 
-} // namespace virtual_adapter
+} // namespace launch

@@ -7,17 +7,17 @@
 
 #include <string>
 
-namespace virtual_adapter {
+namespace launch {
 
-/// A directory of an adapter's own, which only its user may enter; it is removed with this object,
+/// A directory of a server's own, which only its user may enter; it is removed with this object,
 /// once it is empty.
 ///
-/// It is locked as long as its adapter lives: without the lock it belongs to one that was killed.
+/// It is locked as long as its server lives: without the lock it belongs to one that was killed.
 class SocketDirectory {
 public:
-    /// Makes one below @p place, and removes those of killed adapters there. Throws
-    /// std::runtime_error, whose text says what is wrong with the place.
-    static SocketDirectory below(const std::string& place);
+    /// Makes one below @p place, whose name begins with @p owner, and removes those of the owner's
+    /// that were killed. Throws std::runtime_error, whose text says what is wrong with the place.
+    static SocketDirectory below(const std::string& place, const std::string& owner);
 
     ~SocketDirectory();
     SocketDirectory(SocketDirectory&& other) noexcept;
@@ -33,4 +33,4 @@ private:
     usbip::FileDescriptor lock;
 };
 
-} // namespace virtual_adapter
+} // namespace launch

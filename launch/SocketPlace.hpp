@@ -3,13 +3,16 @@
 
 #pragma once
 
+#include "launch/SocketDirectory.hpp"
 #include "usbip/FileDescriptor.hpp"
-#include "ways/SocketDirectory.hpp"
 
 #include <optional>
 #include <string>
 
-namespace virtual_adapter {
+namespace launch {
+
+/// Whether the program at the other end of a connection is of the same user as this one.
+bool isOfSameUser(const usbip::FileDescriptor& connection);
 
 /// A socket that programs of the same user connect to; it is removed with this object.
 class SocketPlace {
@@ -18,9 +21,9 @@ public:
     /// std::runtime_error, whose text says what is wrong with the path.
     static SocketPlace at(const std::string& path);
 
-    /// In a new directory below $XDG_RUNTIME_DIR, or below /tmp where that cannot be. Throws
-    /// std::runtime_error.
-    static SocketPlace inDirectoryOfItsOwn();
+    /// In a new directory whose name begins with @p owner, below $XDG_RUNTIME_DIR, or below /tmp
+    /// where that cannot be. Throws std::runtime_error.
+    static SocketPlace inDirectoryOfItsOwn(const std::string& owner);
 
     ~SocketPlace();
     SocketPlace(SocketPlace&& other) noexcept;
@@ -41,4 +44,4 @@ private:
     usbip::FileDescriptor listener;
 };
 
-} // namespace virtual_adapter
+} // namespace launch

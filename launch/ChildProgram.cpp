@@ -1,9 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The libveltrasdk authors
 // SPDX-License-Identifier: MIT
 
-#include "cli/ChildProgram.hpp"
-
-#include "cli/failure.hpp"
+#include "launch/ChildProgram.hpp"
 
 #include <sys/resource.h>
 #include <sys/syscall.h>
@@ -12,10 +10,9 @@
 
 #include <cerrno>
 #include <csignal>
-#include <exception>
 #include <system_error>
 
-namespace virtual_adapter {
+namespace launch {
 
 namespace {
 
@@ -46,20 +43,9 @@ void passSignalsOn(pid_t child) {
     (void)std::signal(SIGPIPE, SIG_IGN);
 }
 
-[[noreturn]] void become(const std::function<void()>& start) {
-    int status = EXIT_FAILURE;
-    try {
-        start();
-    } catch (const ProcessEnd& end) {
-        status = end.exitStatus;
-    } catch (const std::exception&) {
-    }
-    _exit(status);
-}
-
 } // namespace
 
-ChildProgram::ChildProgram(const std::function<void()>& start) {
+ChildProgram::ChildProgram(const std::function<int()>& start) {
     // None is lost between the child's start and the handlers.
     sigset_t signals;
     sigset_t before;
@@ -71,7 +57,7 @@ ChildProgram::ChildProgram(const std::function<void()>& start) {
     child = fork();
     if (child == 0) {
         pthread_sigmask(SIG_SETMASK, &before, nullptr);
-        become(start);
+        _exit(start());
     }
     const int error = errno;
     if (child > 0) {
@@ -112,4 +98,4 @@ void ChildProgram::dieAsItDid() const {
     (void)raise(killedBy);
 }
 
-} // namespace virtual_adapter
+} // namespace launch

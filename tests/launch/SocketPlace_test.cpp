@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The libveltrasdk authors
 // SPDX-License-Identifier: MIT
 
-#include "ways/SocketPlace.hpp"
+#include "launch/SocketPlace.hpp"
 
 #include "support/TemporaryDirectory.hpp"
 
@@ -15,9 +15,9 @@
 #include <fstream>
 #include <stdexcept>
 
+using launch::SocketPlace;
 using testing::HasSubstr;
 using testing::StartsWith;
-using virtual_adapter::SocketPlace;
 
 namespace {
 
@@ -41,7 +41,7 @@ TEST(SocketPlace, OnlyItsUserReachesTheSocket) {
     setenv("XDG_RUNTIME_DIR", own.path().c_str(), 1);
     fs::path path;
     {
-        const SocketPlace place = SocketPlace::inDirectoryOfItsOwn();
+        const SocketPlace place = SocketPlace::inDirectoryOfItsOwn("veltra-virtual-adapter");
         path = place.path();
         EXPECT_THAT(path.string(), StartsWith(own.path().string() + "/veltra-virtual-adapter-"));
         EXPECT_EQ(permissionsOf(path.parent_path()), 0700U);
@@ -57,13 +57,14 @@ TEST(SocketPlace, ADirectoryThatASocketsPathCannotHoldIsPassedOver) {
         const fs::path directory = own.path() / name;
         fs::create_directory(directory);
         setenv("XDG_RUNTIME_DIR", directory.c_str(), 1);
-        EXPECT_THAT(SocketPlace::inDirectoryOfItsOwn().path(), StartsWith("/tmp/"));
+        EXPECT_THAT(SocketPlace::inDirectoryOfItsOwn("veltra-virtual-adapter").path(),
+                    StartsWith("/tmp/"));
         EXPECT_TRUE(fs::is_empty(directory));
     }
     unsetenv("XDG_RUNTIME_DIR");
 }
 
-TEST(SocketPlace, WhatAKilledAdapterHasLeftBehindGoesWithTheNextStart) {
+TEST(SocketPlace, WhatAKilledServerHasLeftBehindGoesWithTheNextStart) {
     const TemporaryDirectory own;
     setenv("XDG_RUNTIME_DIR", own.path().c_str(), 1);
     const fs::path left = own.path() / "veltra-virtual-adapter-abcdef";
@@ -72,14 +73,14 @@ TEST(SocketPlace, WhatAKilledAdapterHasLeftBehindGoesWithTheNextStart) {
     for (const fs::path& each : {left, kept, others}) {
         fs::create_directory(each);
     }
-    std::ofstream(left / "adapter");
+    std::ofstream(left / "socket");
     std::ofstream(kept / "notes") << "mine";
-    const SocketPlace living = SocketPlace::inDirectoryOfItsOwn();
+    const SocketPlace living = SocketPlace::inDirectoryOfItsOwn("veltra-virtual-adapter");
     EXPECT_FALSE(fs::exists(left));
     EXPECT_TRUE(fs::exists(kept / "notes"));
     EXPECT_TRUE(fs::exists(others));
-    const SocketPlace next = SocketPlace::inDirectoryOfItsOwn();
-    EXPECT_TRUE(fs::exists(living.path())) << "its adapter lives";
+    const SocketPlace next = SocketPlace::inDirectoryOfItsOwn("veltra-virtual-adapter");
+    EXPECT_TRUE(fs::exists(living.path())) << "its server lives";
     unsetenv("XDG_RUNTIME_DIR");
 }
 
@@ -87,11 +88,11 @@ TEST(SocketPlace, WhatIsNoDirectoryIsLeftAlone) {
     const TemporaryDirectory own;
     const TemporaryDirectory elsewhere;
     setenv("XDG_RUNTIME_DIR", own.path().c_str(), 1);
-    std::ofstream(elsewhere.path() / "adapter") << "mine";
+    std::ofstream(elsewhere.path() / "socket") << "mine";
     const fs::path link = own.path() / "veltra-virtual-adapter-abcdef";
     fs::create_directory_symlink(elsewhere.path(), link);
-    const SocketPlace place = SocketPlace::inDirectoryOfItsOwn();
-    EXPECT_TRUE(fs::exists(elsewhere.path() / "adapter"));
+    const SocketPlace place = SocketPlace::inDirectoryOfItsOwn("veltra-virtual-adapter");
+    EXPECT_TRUE(fs::exists(elsewhere.path() / "socket"));
     EXPECT_TRUE(fs::exists(link));
     unsetenv("XDG_RUNTIME_DIR");
 }
