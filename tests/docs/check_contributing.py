@@ -24,7 +24,8 @@ HOUSES = ("include", "src", "virtual-adapter")
 def named_paths(text):
     for code in re.findall(r"`([^`\n]+)`", BLOCK.sub("", text)):
         for word in code.split():
-            if match := PATH.fullmatch(word):
+            # What a build makes is not there before it.
+            if (match := PATH.fullmatch(word)) and not match[1].startswith("build/"):
                 yield match[1]
 
 
