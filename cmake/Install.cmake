@@ -48,7 +48,7 @@ if(VELTRASDK_BUILD_VELTRA)
     install(TARGETS veltra
         RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
         COMPONENT veltra)
-    install(TARGETS veltra-devices-preload
+    install(TARGETS veltra-capture-preload veltra-devices-preload
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/veltra
         COMPONENT veltra)
     install(FILES ${PROJECT_SOURCE_DIR}/veltra/schema.json
@@ -87,7 +87,4 @@ if(VELTRASDK_BUILD_VIRTUAL_ADAPTER)
     install(TARGETS veltra-virtual-adapter-preload
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/veltra-virtual-adapter
         COMPONENT virtual_adapter)
-    install(TARGETS veltra-capture-preload
-        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/veltra
-        COMPONENT veltra)
 endif()

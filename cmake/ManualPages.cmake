@@ -51,6 +51,7 @@ if(VELTRASDK_BUILD_VELTRA)
     add_page_of(veltra expose "lend a bus to programs that know no adapter" veltra_pages)
     add_page_of(veltra run "start a program that finds the adapter's buses as Linux's devices" veltra_pages)
     add_page_of(veltra batch "carry out a script over one connection" veltra_pages)
+    add_page_of(veltra capture "keep what a program says with adapters for Wireshark" veltra_pages)
     install(FILES ${veltra_pages}
         DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
         COMPONENT veltra)

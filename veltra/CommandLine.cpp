@@ -3,8 +3,10 @@
 
 #include "CommandLine.hpp"
 
+#include "Capturing.hpp"
 #include "Failure.hpp"
 #include "Output.hpp"
+#include "Restart.hpp"
 #include "Session.hpp"
 #include "VirtualAdapter.hpp"
 #include "Words.hpp"
@@ -49,6 +51,9 @@ void addOptions(Command root, Options& options) {
     root.addFlag("--dry-run", options.dryRun, "Tells what would go over the wire, sends nothing");
     root.addFlag("--virtual{true}", options.board,
                  "Uses a virtual adapter; --virtual=BOARD puts a board of your own behind it");
+    root.addOption("--capture", options.captureFile,
+                   "Keeps what goes over the wire in a file for Wireshark, which it is appended to")
+        .typeName("FILE");
 }
 
 /// The command that the words lead to, as far as they do.
@@ -91,7 +96,7 @@ Failure complaint(Command root, const Refusal& refusal) {
     if (!pathOf(command).empty()) {
         failure.during = operationOf(command);
     }
-    if (command.name() == "run") {
+    if (command.name() == "run" || command.name() == "capture") {
         failure.exitStatus = ExitStatus::NotStarted;
     }
     return failure;
@@ -128,6 +133,7 @@ void addGrammar(Command root, Invocation& invocation) {
     addExposeCommands(root, invocation);
     addRunCommand(root, invocation);
     addBatchCommand(root, invocation);
+    addCaptureCommand(root, invocation);
     addCompletionCommands(root, invocation);
 }
 
@@ -159,6 +165,9 @@ int runCommandLine(const std::vector<std::string>& words) {
         parseWords(grammar, invocation, words);
         if (!invocation.options.board.empty()) {
             restartVirtually(words, invocation.options.board);
+        }
+        if (!invocation.options.captureFile.empty()) {
+            restartCaptured(words, invocation.options.captureFile);
         }
         output = Output(invocation.options);
         return execute(invocation, output);

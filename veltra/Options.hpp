@@ -21,6 +21,7 @@ struct Options {
     std::string voltageLimit;
     std::string timeout = "5000"; ///< In milliseconds.
     std::string board;            ///< Of the virtual adapter; "true" for its own.
+    std::string captureFile;      ///< Empty without a capture.
     bool json = false;
     bool raw = false;
     bool yes = false;

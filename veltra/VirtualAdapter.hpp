@@ -11,7 +11,4 @@ namespace veltra {
 /// Starts this very command again under a virtual adapter; returns only by a Failure.
 [[noreturn]] void restartVirtually(const std::vector<std::string>& words, const std::string& board);
 
-/// What stands in front of a hint's words because of it.
-std::string typedBefore();
-
 } // namespace veltra

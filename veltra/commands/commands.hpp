@@ -33,6 +33,7 @@ void addExposeCommands(Command app, Invocation& invocation);
 void addExposeTty(Command expose, Invocation& invocation);
 void addRunCommand(Command app, Invocation& invocation);
 void addBatchCommand(Command app, Invocation& invocation);
+void addCaptureCommand(Command app, Invocation& invocation);
 void addI2cCommands(Command app, Invocation& invocation);
 void addI2cTransfers(Command i2c, Invocation& invocation);
 void addEepromCommand(Command i2c, Invocation& invocation);
