@@ -28,8 +28,11 @@ bool Outstanding::mayGo(const Slot& slot, size_t maxSizeInOneReport) const {
     });
 }
 
-void Outstanding::wakeAll() {
+void Outstanding::endAll() {
     for (Slot& slot : slots) {
-        slot.ended.notify_one();
+        if (slot.stage == Stage::OnWire) {
+            slot.stage = Stage::Ended;
+            slot.ended.notify_one();
+        }
     }
 }

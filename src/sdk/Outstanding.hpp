@@ -17,7 +17,7 @@ class Outstanding {
 public:
     static constexpr uint8_t maxOverlap = 4;
 
-    enum class Stage : uint8_t { Free, Preparing, OnWire, Answered };
+    enum class Stage : uint8_t { Free, Preparing, OnWire, Answered, Ended };
 
     /// An operation's place. Its memory is kept for the operations after it.
     struct Slot {
@@ -61,8 +61,8 @@ public:
     /// room for an answer of @p maxSizeInOneReport bytes.
     [[nodiscard]] bool mayGo(const Slot& slot, size_t maxSizeInOneReport) const;
 
-    /// Wakes every operation that waits for its response.
-    void wakeAll();
+    /// Ends the wait of every operation for its response, without one.
+    void endAll();
 
 private:
     std::array<Slot, maxOverlap> slots;

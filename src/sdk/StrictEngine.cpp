@@ -61,11 +61,11 @@ uint16_t StrictEngine::transact(size_t maxAnswerSize, SendRequest sendRequest, J
         return sent;
     }
     BlockingApi::waitFor(slot.ended, mutex, slot.isWritten ? timeoutMs : failedWriteWaitMs,
-                         [&] { return slot.stage == Stage::Answered || hasEnded(); });
+                         [&] { return slot.stage != Stage::OnWire; });
     if (slot.stage == Stage::Answered) {
         return judge(ResponseFrame(slot.response));
     }
-    return hasEnded() ? ResultCode_NotConnected : ResultCode_NoResponse;
+    return slot.stage == Stage::Ended ? ResultCode_NotConnected : ResultCode_NoResponse;
 }
 
 uint16_t StrictEngine::send(const RequestFrame& request) {
@@ -166,7 +166,7 @@ void StrictEngine::handleResponse(ResponseFrame response) {
 void StrictEngine::handleReadError() {
     const std::lock_guard<std::mutex> lock(mutex);
     isGone = true;
-    wakeAll();
+    endAll();
     gone.notify_all();
 }
 
@@ -175,8 +175,8 @@ void StrictEngine::forgetReadError() {
     isGone = false;
 }
 
-void StrictEngine::wakeAll() {
-    outstanding.wakeAll();
+void StrictEngine::endAll() {
+    outstanding.endAll();
     tellWaiting();
 }
 
@@ -209,7 +209,7 @@ StrictEngine::Closing::Closing(StrictEngine& strictEngine)
     : engine(strictEngine), connecting(engine.connectionMutex) {
     const std::lock_guard<std::mutex> lock(engine.mutex);
     engine.isClosing = true;
-    engine.wakeAll();
+    engine.endAll();
     BlockingApi::waitFor(engine.allLeft, engine.mutex, BlockingApi::noTimeout,
                          [this] { return engine.inside == 0; });
 }

@@ -95,7 +95,7 @@ private:
     void wait(const Condition& condition);
     void tellWaiting();
     void leave();
-    [[gnu::cold]] void wakeAll();
+    [[gnu::cold]] void endAll();
     [[nodiscard]] bool hasEnded() const { return isClosing || isGone; }
 
     const int timeoutMs;

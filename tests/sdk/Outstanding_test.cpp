@@ -48,13 +48,24 @@ TEST_F(OutstandingTest, AnIdentifierIsTakenUntilItsPlaceIsFree) {
     EXPECT_FALSE(outstanding.hasTwin(slot));
     const Outstanding::Slot& twin = take(7);
     const Outstanding::Slot& other = take(8);
-    for (const Stage stage : {Stage::Preparing, Stage::OnWire, Stage::Answered}) {
+    for (const Stage stage : {Stage::Preparing, Stage::OnWire, Stage::Answered, Stage::Ended}) {
         slot.stage = stage;
         EXPECT_TRUE(outstanding.hasTwin(twin));
         EXPECT_FALSE(outstanding.hasTwin(other));
     }
     slot.stage = Stage::Free;
     EXPECT_FALSE(outstanding.hasTwin(twin));
+}
+
+TEST_F(OutstandingTest, EndingAllEndsWhatWaitsForAResponseOnly) {
+    const Outstanding::Slot& waits = take(1, Stage::OnWire);
+    const Outstanding::Slot& answered = take(2, Stage::Answered);
+    const Outstanding::Slot& preparing = take(3, Stage::Preparing);
+    outstanding.endAll();
+    EXPECT_EQ(waits.stage, Stage::Ended);
+    EXPECT_EQ(answered.stage, Stage::Answered);
+    EXPECT_EQ(preparing.stage, Stage::Preparing);
+    EXPECT_EQ(outstanding.findAwaiting(waits.header), nullptr) << "its response comes too late";
 }
 
 TEST_F(OutstandingTest, SmallRequestsGoBesideEachOther) {
