@@ -440,8 +440,39 @@ def part_answers():
             yield f"{kind}-{number}", bytes([kind, 2]) + answer
 
 
+def devices():
+    """Requests of programs to the two devices that are there, open under the identifiers 0 and 1."""
+    def request(kind, device, content):
+        return run(bytes([kind, device]) + bytes(15) + content)
+
+    def control(device, number, content=b""):
+        return request(3, device, struct.pack("<I", number) + content)
+
+    def transfer(length, sent=b"", receives=0, speed=0, bits=0, change=0, delay=0):
+        return struct.pack("<IIHBBBBBB", length, speed, delay, bits, change, 0, 0, 0, bool(sent) | receives << 1) + sent
+
+    opened = request(1, 0, b"\x02i2c-0") + request(1, 1, b"\x02spidev0.0")
+    message = struct.pack("<HHH", 0x50, 0, 1) + b"\x00" + struct.pack("<HHH", 0x50, 1, 4)
+    smbus = [(0, 0, 0, 0), (1, 0, 1, 1), (0, 7, 1, 0), (1, 7, 2, 1), (0, 7, 3, 2), (1, 7, 4, 2), (0, 7, 5, 34), (1, 7, 6, 34),
+             (0, 7, 7, 34), (1, 7, 8, 34), (0, 7, 8, 34), (1, 7, 9, 34)]
+    yield "open", opened + request(1, 0, b"\x02i2c-0") + request(1, 2, b"\x02i2c-9") + request(2, 0, b"spidev0.0")
+    yield "messages", opened + control(0, 0x0707, struct.pack("<I", 2) + message)
+    yield "messages-cut", opened + control(0, 0x0707, struct.pack("<I", 42) + message) + control(0, 0x0707)
+    yield "smbus", opened + b"".join(control(0, 0x0720, struct.pack("<BBI", *words) + b"\x02" * size) for *words, size in smbus)
+    yield "numbers", opened + b"".join(control(0, 0x0700 + number, struct.pack("<I", 0x50)) for number in range(9))
+    yield "settings", opened + b"".join(
+        control(1, direction | number, struct.pack("<I", 8))
+        for number in (0x016B01, 0x016B02, 0x016B03, 0x046B04, 0x046B05) for direction in (0x40000000, 0x80000000))
+    yield "spi", opened + control(1, 0x40406B00, transfer(1, b"\x9f") + transfer(3, receives=1))
+    yield "spi-two", opened + control(1, 0x40406B00, transfer(2, b"ab", 1, 100000, 16, 1, 3) + transfer(2, b"cd", 1, 0, 8))
+    yield "spi-large", opened + control(1, 0x40206B00, transfer(0xFFFF, receives=1)) + control(1, 0x40206B00, transfer(0x10000))
+    yield "streams", opened + request(4, 0, struct.pack("<I", 9000)) + request(5, 0, b"abc") + request(4, 1, b"\2\0\0\0") + request(
+        5, 1, b"abc")
+    yield "nonsense", opened + request(9, 0, b"") + run(b"\x03") + request(4, 7, b"") + request(4, 0, b"\0")
+
+
 TARGETS = (
-    board_file, capture, notifications, operations, packet_joining, part_answers, serprog, socket, stimuli, strict_mode,
+    board_file, capture, devices, notifications, operations, packet_joining, part_answers, serprog, socket, stimuli, strict_mode,
     usbip, veltra_words, virtual_adapter)
 
 for target in TARGETS:
