@@ -3,8 +3,8 @@
 
 #include <veltra-virtual-adapter/tell.h>
 
+#include "launch/SocketPlace.hpp"
 #include "support/TemporaryDirectory.hpp"
-#include "ways/SocketPlace.hpp"
 #include "ways/SocketServer.hpp"
 
 #include <gmock/gmock.h>
@@ -18,11 +18,11 @@
 
 extern "C" const char* tellInC(const char* stimulus);
 
+using launch::SocketPlace;
 using usbip::FileDescriptor;
 using virtual_adapter::AdapterRack;
 using virtual_adapter::AdapterSettings;
 using virtual_adapter::Bytes;
-using virtual_adapter::SocketPlace;
 using virtual_adapter::SocketServer;
 
 namespace {
