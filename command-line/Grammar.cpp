@@ -229,6 +229,8 @@ void Grammar::parse(const std::vector<std::string>& words) const {
         std::ostringstream answer;
         app->exit(asked, answer, answer);
         throw Asked(answer.str());
+    } catch (const CLI::ExcludesError& error) {
+        throw Refusal(std::string(error.what()) + ": leave one of them out");
     } catch (const CLI::ParseError& error) {
         throw Refusal(error.what());
     }

@@ -85,7 +85,8 @@ TEST(Grammar, ARefusalSaysWhatIsWrong) {
     EXPECT_EQ(refusalOf(grammar, {"--bits", "9"}), "--bits: 9 not in {8,16}");
     EXPECT_EQ(refusalOf(grammar, {"--state", "up"}), "--state: up not in {on,off}");
     EXPECT_EQ(refusalOf(grammar, {"--word", "bad"}), "--word: not good");
-    EXPECT_EQ(refusalOf(grammar, {"--word", "good", "--other", "x"}), "--word excludes --other");
+    EXPECT_EQ(refusalOf(grammar, {"--word", "good", "--other", "x"}),
+              "--word excludes --other: leave one of them out");
     EXPECT_EQ(refusalOf(grammar, {"--port", "1"}), "--port: no port");
     EXPECT_EQ(refusalOf(grammar, {"--mode", "3", "--bits", "8", "--state", "on"}), "");
 }

@@ -339,7 +339,7 @@ TEST_F(RunProcess, SeveralAdaptersAreChosenByTheirSerialNumbers) {
     EXPECT_EQ(twice.status, 125);
     EXPECT_EQ(twice.errors, "veltra-virtual-adapter: two adapters have the serial number A\n");
     EXPECT_THAT(run({"--adapter", ""}, {"true"}).errors,
-                StartsWith("--adapter: expected UTF-8 text of"));
+                StartsWith("veltra-virtual-adapter: run: --adapter: expected UTF-8 text of"));
 }
 
 } // namespace

@@ -105,7 +105,8 @@ TEST(RunCommandLine, AProgramWithoutItsSeparatorBringsWhatToType) {
 TEST(RunCommandLine, AWordTooManyBehindACommandIsNotTakenForOne) {
     const ProcessResult result = runProcess({virtualAdapter, "serve", "serve"});
     EXPECT_EQ(result.status, refused);
-    EXPECT_THAT(result.errors, HasSubstr("not expected: serve"));
+    EXPECT_THAT(result.errors, HasSubstr("serve starts no program; type: "
+                                         "veltra-virtual-adapter run -- serve\n"));
 }
 
 TEST(RunCommandLine, OnlyRunTakesAProgram) {
@@ -130,7 +131,7 @@ TEST(RunCommandLine, ABadValueIsRefusedWithWhatWasExpected) {
     for (const auto& [options, message] : cases) {
         const ProcessResult result = run(options, {hidProbe});
         EXPECT_EQ(result.status, refused);
-        EXPECT_THAT(result.errors, StartsWith(message));
+        EXPECT_THAT(result.errors, StartsWith("veltra-virtual-adapter: run: " + message));
         EXPECT_EQ(result.output, "");
     }
 }
