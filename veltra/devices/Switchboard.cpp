@@ -45,8 +45,7 @@ Answer Switchboard::answer(RequestKind kind, const Id& id, ByteReader& content) 
     switch (kind) {
     case RequestKind::Control: {
         const uint32_t request = content.u32();
-        const Answer answer = found->second.device->control(request, content);
-        return answer;
+        return found->second.device->control(request, content);
     }
     case RequestKind::Read:
         return read(found->second, content);
