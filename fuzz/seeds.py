@@ -356,6 +356,29 @@ def serprog():
     yield "for-ever", b"\x00\xff" + run(frame("0DFFFFFF000000")) + repeated(0xFFFF, 0x10)
 
 
+def tiny_usb():
+    """Control transfers of Linux's driver; behind each write or read its fate is the next transfer's first byte."""
+    def control(setup, data=b"", fate=0):
+        return bytes([fate]) + frame(setup) + run(data)
+
+    # Read as fates, the endpoint's byte 0 is success; the fuzzer finds the others.
+    asked = "8006000100001200 80060002000012FF 8006000300000FF0 8006020300000FF0 0009010000000000".split()
+    yield "enumeration", b"".join(control(each) for each in asked)
+    yield "functions", control("C101000000000400") + control("C100341200000200") + control("4102 0A00 0000 0000")
+    write = control("4107000050000300", b"\x10\x01\x02")
+    read = control("4105000050000100", b"\x10") + control("C103000000000100") + control("C106010050001000")
+    for fate in range(3):
+        yield f"write-{fate}", write + bytes([fate]) + control("C103000000000100")
+        yield f"read-{fate}", read + bytes([fate]) + control("C103000000000100")
+        yield f"long-{fate}", control("4105000050000500", bytes(5)) + bytes([0]) + control("C106010050000100") + bytes(
+            [fate]) + control("C103000000000100")
+        yield f"middle-{fate}", control("4105000050000100", b"\x10") + control(
+            "4104000050000100", b"\x11") + bytes([0, fate]) + control("4106000051000100", b"\x12")
+    for name, setup in {"ten-bits": "4107100050000000", "block-read": "C107010450000100", "no-address": "4107000080000000",
+                        "nothing": "C107010050000000", "class": "A101000000000100"}.items():
+        yield name, control(setup)
+
+
 def message(kind, content=b""):
     return struct.pack("<IB", len(content) + 1, kind) + content
 
@@ -473,7 +496,7 @@ def devices():
 
 TARGETS = (
     board_file, capture, devices, notifications, operations, packet_joining, part_answers, serprog, socket, stimuli, strict_mode,
-    usbip, veltra_words, virtual_adapter)
+    tiny_usb, usbip, veltra_words, virtual_adapter)
 
 for target in TARGETS:
     directory = pathlib.Path(sys.argv[1], target.__name__)

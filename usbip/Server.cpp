@@ -53,6 +53,12 @@ void Server::plugInto(FileDescriptor socket) {
     hosts.emplace_back(std::move(socket), exported).connection.plugIn();
 }
 
+void Server::plugInto(FileDescriptor socket, ExportedDevice device) {
+    others.push_back(std::move(device));
+    fcntl(socket.get(), F_SETFL, O_NONBLOCK);
+    hosts.emplace_back(std::move(socket), others.back()).connection.plugIn();
+}
+
 Server::End Server::run(const FileDescriptor& stop) {
     const auto hasWork = [this] { return listener.isOpen() || !hosts.empty(); };
     while (hasWork() && serveOnce(stop)) {

@@ -30,7 +30,7 @@ struct ServerLimits {
 /// does, the others are served.
 class Server {
 public:
-    explicit Server(ExportedDevice exportedDevice, ServerLimits granted = {})
+    explicit Server(ExportedDevice exportedDevice = {}, ServerLimits granted = {})
         : exported(std::move(exportedDevice)), limits(std::move(granted)) {}
 
     /// Serves every host that connects to @p listeningSocket. Without one, `run` serves until the
@@ -39,6 +39,10 @@ public:
 
     /// Plugs the device into the host at the other end of @p socket.
     void plugInto(FileDescriptor socket);
+
+    /// Plugs another @p device, which no host can ask for, into the host at the other end of
+    /// @p socket.
+    void plugInto(FileDescriptor socket, ExportedDevice device);
 
     /// Looks after @p task too, which must outlive `run`.
     void lookAfter(PollTask& task) { beside = &task; }
@@ -72,6 +76,7 @@ private:
     void removeFinishedHosts(Time now);
 
     ExportedDevice exported;
+    std::list<ExportedDevice> others;
     const ServerLimits limits;
     PollTask* beside = nullptr;
     FileDescriptor listener;

@@ -5,7 +5,9 @@
 
 #include <fcntl.h>
 
+#include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <sstream>
@@ -57,6 +59,23 @@ void Vhci::pullOut(unsigned port) const {
     } catch (const std::runtime_error&) {
         // The kernel says so when the port is free, which is what was wanted.
     }
+}
+
+std::string Vhci::busIdOf(unsigned port) const {
+    std::ifstream status(directory / "status");
+    std::string line;
+    std::getline(status, line); // the columns' names
+    while (std::getline(status, line)) {
+        std::istringstream columns(line);
+        std::array<std::string, 7> words; // hub port sta spd dev sockfd local_busid
+        for (std::string& word : words) {
+            columns >> word;
+        }
+        if (std::strtoul(words[1].c_str(), nullptr, 10) == port) {
+            return words.back();
+        }
+    }
+    return {};
 }
 
 unsigned Vhci::freePort() const {

@@ -22,6 +22,9 @@ public:
     /// returns the port's number. The kernel keeps its own reference to the socket.
     [[nodiscard]] unsigned plugIn(const FileDescriptor& socket, Speed speed) const;
 
+    /// The kernel's name for what is plugged into @p port, as in sysfs: "1-1".
+    [[nodiscard]] std::string busIdOf(unsigned port) const;
+
     /// Pulls out what is plugged into @p port. Nothing happens when that has gone already.
     void pullOut(unsigned port) const;
 

@@ -10,6 +10,7 @@
 
 #include <veltrasdk/VeltraSDK.hpp>
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <memory>
@@ -30,6 +31,10 @@ public:
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
+    /// No operation waits longer for its response.
+    void limitPatience(int milliseconds) {
+        timeoutMs = timeoutMs < 0 ? milliseconds : std::min(timeoutMs, milliseconds);
+    }
     /// From now on failures concern this operation, under these options.
     void begin(Operation operation, const Options& options);
     /// What of the operation people want to know beside its name, such as "0x22"; and its bus.

@@ -95,6 +95,7 @@ ROOMS = {
     "command-line": (),
     # Of veltra: each speaks one protocol with other people's programs and knows nothing else of it.
     "expose/serprog": ("bytes/", "usbip/FileDescriptor.hpp"),
+    "expose/tiny_usb": ("bytes/", "usbip/Device.hpp"),
     "expose/tty": ("usbip/FileDescriptor.hpp",),
     "cli": (
         "board/BoardTable.hpp", "board/file/", "command-line/", "device/", "faults/", "launch/", "replay/",

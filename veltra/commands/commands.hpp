@@ -30,6 +30,7 @@ void addWatchCommand(Command app, Invocation& invocation);
 void addCompletionCommands(Command app, Invocation& invocation);
 void addUartCommands(Command app, Invocation& invocation);
 void addExposeCommands(Command app, Invocation& invocation);
+void addExposeKernel(Command expose, Invocation& invocation);
 void addExposeTty(Command expose, Invocation& invocation);
 void addRunCommand(Command app, Invocation& invocation);
 void addBatchCommand(Command app, Invocation& invocation);

@@ -76,6 +76,7 @@ void addExposeCommands(Command app, Invocation& invocation) {
     flash.addFlag("--once", wanted->once, "Ends behind the first program");
     onChosen(flash, invocation, [wanted](Context& context) { exposeFlash(*wanted, context); });
     addExposeTty(expose, invocation);
+    addExposeKernel(expose, invocation);
 }
 
 } // namespace veltra
