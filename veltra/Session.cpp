@@ -82,7 +82,9 @@ uint16_t Session::attempt(const std::string& request, const Call& call, const By
     }
     output.trace("> " + request);
     const uint16_t result = call(connected);
-    output.trace(answerInWords(result, current, answer));
+    if (options->verbose) { // an answer may be long
+        output.trace(answerInWords(result, current, answer));
+    }
     return result;
 }
 

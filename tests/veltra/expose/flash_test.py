@@ -3,6 +3,7 @@
 # SPDX-License-Identifier: MIT
 """flashrom, as Debian has it, with `veltra expose flash`: flash_test.py VELTRA VIRTUAL_ADAPTER [TEST...]"""
 
+import functools
 import json
 import os
 import random
@@ -29,6 +30,17 @@ part = "nor-flash"
 size = 65536
 image = "@contents.bin"
 write_back = true
+"""
+
+
+SMALL_BYTES = 64 * 1024
+SMALL_BOARD = f"""
+board = 1
+
+[[spi]]
+chip_select = 0
+part = "nor-flash"
+size = {SMALL_BYTES}
 """
 
 
@@ -118,16 +130,24 @@ class FlashTest(ExposedTest):
                 probed = self.flashrom(programmer)  # whoever says nothing has to make room
             self.assertEqual(probed.returncode, 0, probed.stdout)
 
+    def small(self):
+        """A board whose flash is soon read."""
+        board = self.directory / "small.toml"
+        board.write_text(SMALL_BOARD)
+        return "--board", str(board)
+
+    @functools.cache
     def transfers(self, *words):
         """How many transfers flashrom asks for when nothing goes wrong."""
-        programmer = exposed.Exposed("-v", *COMMAND, "--once")
+        programmer = exposed.Exposed("-v", *COMMAND, "--once", adapter=self.small())
         self.assertEqual(self.flashrom(programmer, *words).returncode, 0)
         return programmer.wait()[2].count("> spi transfer:")
 
     def under_fault(self, fault, words=("-r", "read.bin")):
-        """What flashrom and veltra say of a fault at the last transfer but two, which is one of many bytes."""
-        place = f"{fault}@spi-transfer:{self.transfers(*words) - 2}"
-        programmer = exposed.Exposed("-t", "300", *COMMAND, "--once", adapter=("--fault", place))
+        """What flashrom and veltra say of a fault at the last transfer but one, which is one of many bytes."""
+        place = f"{fault}@spi-transfer:{self.transfers(*words) - 1}"
+        adapter = (*self.small(), "--fault", place)
+        programmer = exposed.Exposed("-t", "300", *COMMAND, "--once", adapter=adapter)
         done = self.flashrom(programmer, *words)
         self.assertNotEqual(done.returncode, 0, done.stdout)
         self.assertNotIn("VERIFIED", done.stdout)
@@ -141,19 +161,19 @@ class FlashTest(ExposedTest):
                 self.assertEqual(ended, (0, "", f"veltra: expose flash: {NO_RESPONSE}\n"))
 
     def test_a_bit_that_flips_on_the_bus_fails_the_verification(self):
-        self.file(HELLO.ljust(FLASH_BYTES, b"\xff"))
+        self.file(b"\xff" * SMALL_BYTES)
         said, ended = self.under_fault("flipped-bit", words=("-v", "new.bin"))
         self.assertIn("FAILED at 0x", said)
         self.assertEqual(ended, (0, "", ""))
 
     def test_a_write_is_verified_only_where_it_has_arrived(self):
-        contents = some_bytes(4096) + b"\xff" * (FLASH_BYTES - 4096)
+        contents = some_bytes(4096) + b"\xff" * (SMALL_BYTES - 4096)
         self.file(contents)
         count = self.transfers("-w", "new.bin")
         for part in (0.4, 0.5, 0.6, 0.9):  # flashrom begins anew after some failures, and verifies after them
+            fault = f"lost-response@spi-transfer:{int(count * part)}"
             with self.subTest(part), exposed.exposed(
-                    "-t", "300", *COMMAND,
-                    adapter=("--fault", f"lost-response@spi-transfer:{int(count * part)}")) as programmer:
+                    "-t", "300", *COMMAND, adapter=(*self.small(), "--fault", fault)) as programmer:
                 written = self.flashrom(programmer, "-w", "new.bin")
                 self.assertEqual("VERIFIED" in written.stdout, self.read(programmer) == contents, written.stdout)
                 self.assertEqual(written.returncode == 0, "VERIFIED" in written.stdout)
