@@ -94,6 +94,7 @@ try:
 except TypeError as error:
     print(error)
 adapter.close()
+sys.stdout.flush()
 os._exit(0)
 """
     )

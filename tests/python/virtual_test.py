@@ -140,7 +140,7 @@ def test_a_fault_is_aimed_at_an_operation(fault: str, kind: type[veltrasdk.Veltr
 
 
 def test_what_the_adapter_refuses_is_an_error_with_its_words() -> None:
-    with pytest.raises(BoardError, match="board: --model: expected one of full-speed, high-speed"):
+    with pytest.raises(BoardError, match="board: .*: --model: expected one of full-speed, high-speed"):
         Board(program=VIRTUAL_ADAPTER, model="snail-speed")
     with Board(program=VIRTUAL_ADAPTER) as board, pytest.raises(BoardError, match="board: .*dance"):
         board.tell("dance")

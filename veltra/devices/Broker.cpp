@@ -110,6 +110,11 @@ void Broker::answer(Client& client) {
 }
 
 void Broker::send(Client& client) {
+    if (client.opened) {
+        // What goes past the preloaded functions, as of a stream of C's library, is to fail there,
+        // from the first moment on.
+        shutdown(client.socket.get(), SHUT_RD);
+    }
     const ssize_t size =
         ::send(client.socket.get(), client.output.data(), client.output.size(), MSG_NOSIGNAL);
     if (size < 0) {
@@ -117,15 +122,7 @@ void Broker::send(Client& client) {
         return;
     }
     client.output.erase(client.output.begin(), client.output.begin() + size);
-    if (!client.output.empty()) {
-        return;
-    }
-    if (client.opened) {
-        // What goes past the preloaded functions, as of a stream of C's library, is to fail there.
-        shutdown(client.socket.get(), SHUT_RD);
-    } else {
-        client.isGone = true;
-    }
+    client.isGone = client.output.empty() && !client.opened;
 }
 
 void Broker::accept() {
