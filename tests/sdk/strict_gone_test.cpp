@@ -90,10 +90,8 @@ TEST_P(StrictGoneTest, AWriteThatFailsAsTheAdapterGoesIsNotConnectedAndNoMoreIsW
 
 TEST_P(StrictGoneTest, AResponseThatCameBeforeTheReadErrorIsTheAnswer) {
     hid.settleWrites(true);
-    hid.respond([&](const Bytes&) {
-        hid.failReading(true);
-        return std::vector<Bytes>{GetParam().input(pinIsHigh1)};
-    });
+    hid.failReadingBehindAnswers();
+    hid.respond([&](const Bytes&) { return std::vector<Bytes>{GetParam().input(pinIsHigh1)}; });
     EXPECT_EQ(readPin(), 0);
     EXPECT_EQ(level, GpioLogicLevel_High);
 }

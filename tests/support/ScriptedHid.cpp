@@ -320,6 +320,7 @@ int ScriptedHid::write(void* device, const uint8_t* data, size_t length) {
         return -1;
     }
     std::move(answers.begin(), answers.end(), std::back_inserter(target->input));
+    readingFails = readingFails || readingFailsBehindAnswers;
     written.push_back(std::move(report));
     changed.notify_all();
     if (writesSettle) {

@@ -101,6 +101,8 @@ public:
     /// Whether hid_read_timeout returns -1 at once when it finds nothing to read, as it does after
     /// an unplug.
     void failReading(bool fail) { set(readingFails, fail); }
+    /// The same as soon as what answers the next write has been read.
+    void failReadingBehindAnswers() { set(readingFailsBehindAnswers, true); }
 
     /// Is told of every call with its arguments, as it begins; of a read as it ends, with what it
     /// read, and not of one that found nothing. It is called on the calling thread.
@@ -209,6 +211,7 @@ private:
     std::vector<Bytes> written;
     std::optional<int> writingResult;
     bool readingFails = false;
+    bool readingFailsBehindAnswers = false;
     std::list<OpenDevice> opened;
     size_t reads = 0;
     size_t enumerations = 0;
