@@ -175,8 +175,10 @@ class FlashTest(ExposedTest):
             with self.subTest(part), exposed.exposed(
                     "-t", "300", *COMMAND, adapter=(*self.small(), "--fault", fault)) as programmer:
                 written = self.flashrom(programmer, "-w", "new.bin")
-                self.assertEqual("VERIFIED" in written.stdout, self.read(programmer) == contents, written.stdout)
-                self.assertEqual(written.returncode == 0, "VERIFIED" in written.stdout)
+                verified = "VERIFIED" in written.stdout
+                self.assertEqual(written.returncode == 0, verified, written.stdout)
+                # flashrom asks more or less often whether the flash is busy: the fault may also lose what verifies
+                self.assertTrue(self.read(programmer) == contents or not verified, written.stdout)
                 complaints = programmer.end()[2]
                 self.assertIn(f"veltra: expose flash: {NO_RESPONSE}\n", complaints)
 
