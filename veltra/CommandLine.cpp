@@ -13,6 +13,7 @@
 #include "commands/commands.hpp"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdio>
 
 namespace veltra {
@@ -74,11 +75,56 @@ Operation operationOf(Command command) {
     return operation;
 }
 
+bool startsProgram(Command command) {
+    return command.name() == "run" || command.name() == "capture";
+}
+
+Failure refused(Command command, const std::string& text, const std::string& hint) {
+    Failure failure = Failure::ofUsage(text).advise(hint);
+    if (!pathOf(command).empty()) {
+        failure.during = operationOf(command);
+    }
+    if (startsProgram(command)) {
+        failure.exitStatus = ExitStatus::NotStarted;
+    }
+    return failure;
+}
+
+/// The same words with -- in front of the program, where these say which one is it.
+std::string withSeparator(Command command, const std::vector<std::string>& words) {
+    const bool takesFile = command.name() == "capture";
+    const auto name = std::find(words.begin(), words.end(), command.name());
+    const std::ptrdiff_t place = takesFile ? 2 : 1;
+    const auto isOption = [](const std::string& word) { return word.rfind('-', 0) == 0; };
+    if (words.end() - name <= place || std::any_of(name, name + place + 1, isOption)) {
+        return "Type: veltra" + pathOf(command) + (takesFile ? " FILE" : " [OPTIONS]") +
+               " -- PROGRAM";
+    }
+    const auto program = name + place;
+    std::string typed = "Type: veltra ";
+    std::for_each(words.begin(), program,
+                  [&](const std::string& word) { typed += quoted(word) + " "; });
+    return typed + "-- " + quoted(*program) + (program + 1 == words.end() ? "" : " ...");
+}
+
+/// Refuses a program without -- in front of it: its options would be taken for veltra's own.
+void requireSeparator(Command root, const std::vector<std::string>& words) {
+    const Command command = innermost(root);
+    if (startsProgram(command) && command.option("PROGRAM").wasGiven() &&
+        std::find(words.begin(), words.end(), "--") == words.end()) {
+        throw refused(command, "-- is missing in front of the program",
+                      withSeparator(command, words));
+    }
+}
+
 /// What is wrong, and where to read what would be right.
-Failure complaint(Command root, const Refusal& refusal) {
+Failure complaint(Command root, const std::vector<std::string>& words, const Refusal& refusal) {
     const Command command = innermost(root);
     const std::vector<std::string> surplus = root.remaining();
     std::string text = refusal.what();
+    if (text == "PROGRAM is required" && (surplus.empty() || surplus.front() == "--")) {
+        return refused(command, "-- " + text, withSeparator(command, words));
+    }
     if (command.requiresCommand()) {
         std::vector<std::string> names;
         for (const Command verb : command.commands()) {
@@ -91,15 +137,7 @@ Failure complaint(Command root, const Refusal& refusal) {
     } else if (!surplus.empty()) {
         text = quoted(surplus.front()) + " is not understood";
     }
-    Failure failure = Failure::ofUsage(text);
-    failure.hint = "See: veltra" + pathOf(command) + " --help";
-    if (!pathOf(command).empty()) {
-        failure.during = operationOf(command);
-    }
-    if (command.name() == "run" || command.name() == "capture") {
-        failure.exitStatus = ExitStatus::NotStarted;
-    }
-    return failure;
+    return refused(command, text, "See: veltra" + pathOf(command) + " --help");
 }
 
 int finish(Output& output, const Failure& failure) {
@@ -149,9 +187,11 @@ void parseWords(const Grammar& grammar, Invocation& invocation,
     invocation.options.typed = words;
     try {
         grammar.parse(words);
+        requireSeparator(grammar.root(), words);
         invocation.operation = operationOf(innermost(grammar.root()));
     } catch (const Refusal& refusal) {
-        throw complaint(grammar.root(), refusal);
+        requireSeparator(grammar.root(), words);
+        throw complaint(grammar.root(), words, refusal);
     }
 }
 

@@ -194,7 +194,8 @@ TEST_F(CaptureCommand, WordsOfTheProgramAreItsOwn) {
 TEST_F(CaptureCommand, WithoutAProgramTheCommandLineIsRefused) {
     const ProcessResult result = runProcess({veltra, "capture", path});
     EXPECT_EQ(result.status, 125);
-    EXPECT_EQ(result.errors, "veltra: capture: PROGRAM is required. See: veltra capture --help\n");
+    EXPECT_EQ(result.errors,
+              "veltra: capture: -- PROGRAM is required. Type: veltra capture FILE -- PROGRAM\n");
 }
 
 } // namespace
