@@ -17,7 +17,7 @@ struct Json::Writing {
     ordered_json operator()(std::nullptr_t null) const { return null; }
     ordered_json operator()(const std::string& text) const { return text; }
     ordered_json operator()(const Number& number) const {
-        return std::visit([](auto value) { return ordered_json(value); }, number);
+        return std::visit([](auto each) { return ordered_json(each); }, number);
     }
     ordered_json operator()(const std::vector<Json>& elements) const {
         ordered_json list = ordered_json::array();
