@@ -35,6 +35,7 @@ html_static_path = ["static"]
 html_css_files = ["site.css"]
 html_copy_source = False
 html_show_sphinx = False
+smartquotes = False  # they close what they should open behind a markup
 pygments_style = "friendly"
 pygments_dark_style = "native"
 toc_object_entries_show_parents = "hide"
