@@ -39,6 +39,23 @@ giveUp() {
     exit 1
 }
 
+# Its input, with a comma behind every thousand.
+groupThousands() {
+    sed -E ':a; s/(^|[^0-9.])([0-9]+)([0-9]{3})($|[^0-9])/\1\2,\3\4/; ta'
+}
+
+# replaceRow DOCUMENT ROW: in the table that has a row with the same first cell
+replaceRow() {
+    local first
+    first=$(printf '%s' "$2" | cut -d '|' -f 2)
+    awk -v row="$2" -v first="|$first|" '
+        index($0, first) == 1 && !replaced { print row; replaced = 1; next }
+        { print }
+        END { exit !replaced }' "$1" >"$1.new" || { rm -f "$1.new"; giveUp "$1 has no row that begins with |$first|"; }
+    cat "$1.new" >"$1"
+    rm "$1.new"
+}
+
 # Where nobody can be asked for a password, sudo must not wait for one.
 asRoot() {
     if [ "$(id -u)" -eq 0 ]; then
