@@ -10,7 +10,8 @@ are not programs. A file without a program fails: then it should not be listed a
 
 A text block that follows a program in the same section, commands that build it aside, is what the
 program prints, to the letter. In a guide every program is followed by one. Tests in Python are run by pytest, without
-anything around it, and print how many have passed; of tests in GoogleTest the last line counts. A part of a board is
+anything around it but the boards that the document saves, and print how many have passed, which are all unless the text
+block says otherwise; of tests in GoogleTest the last line counts. A part of a board is
 run by the commands that follow it.
 """
 
@@ -24,10 +25,14 @@ import tempfile
 document, virtual_adapter, c_compiler, cxx_compiler, python_path, *flags = sys.argv[1:]
 
 FENCED_BLOCK = re.compile(r"^```(\w+)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
+SAVED_BLOCK = re.compile(r"^<!-- save: ([\w.-]+) -->\n```\w+\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 TESTS = re.compile("^def test_", re.MULTILINE)
+ALL_PASSED = re.compile(r"\d+ passed\n")
 PART = "from veltrasdk.parts import"
 GOOGLE_TEST = "#include <gtest/gtest.h>"
 SYSTEM_PYTHON = "/usr/bin/python3"  # which has pytest
+# What a sanitizer watches in the library it watches in C and C++ too.
+SANITIZED = any(flag.startswith("-fsanitize=") for flag in flags)
 IN_GUIDE = pathlib.Path(document).parent.name == "guides"
 
 
@@ -68,10 +73,11 @@ def shown_output(text, position):
 
 def run_tests(source, directory, environment):
     """Returns pytest's closing line, without the time."""
+    for name, saved in SAVED_BLOCK.findall(text):
+        if name.endswith(".toml"):  # a board
+            (directory / name).write_text(saved)
     (directory / "block_test.py").write_text(source)
     environment |= {"VELTRA_VIRTUAL_ADAPTER": virtual_adapter, "PYTEST_DISABLE_PLUGIN_AUTOLOAD": "1"}
-    # A library that a sanitizer watches needs its runtime in front of everything in the interpreter.
-    environment["LD_PRELOAD"] = os.environ["SANITIZER_RUNTIME"]
     command = [SYSTEM_PYTHON, "-m", "pytest", "-q", "-p", "veltrasdk.pytest_plugin", "-p", "no:cacheprovider", "."]
     printed = subprocess.run(
         command, cwd=directory, env=environment, timeout=120, stdout=subprocess.PIPE, text=True, check=False
@@ -83,9 +89,6 @@ def run_tests(source, directory, environment):
 def run(language, source):
     """Returns what the program prints on standard output."""
     environment = dict(os.environ, PYTHONPATH=python_path, PYTHONDONTWRITEBYTECODE="1")
-    if language == "python":
-        # The interpreter itself leaves memory behind; C and C++ keep the leak check.
-        environment["ASAN_OPTIONS"] = "detect_leaks=0"
     with tempfile.TemporaryDirectory() as name:
         if language == "python" and TESTS.search(source):
             return run_tests(source, pathlib.Path(name), environment)
@@ -104,7 +107,7 @@ for block in FENCED_BLOCK.finditer(text):
     if language not in ("c", "cpp", "python"):
         continue
     programs += 1
-    if PART in source:
+    if PART in source or (language == "python" and SANITIZED):
         continue
     line = text.count("\n", 0, block.start()) + 1
     where = f"{document}:{line}: a program in {language}"
@@ -114,6 +117,8 @@ for block in FENCED_BLOCK.finditer(text):
     shown = shown_output(text, block.end())
     if shown is None and IN_GUIDE:
         problems.append(f"{where}: no text block shows what it prints")
+    elif shown is None and TESTS.search(source) and not ALL_PASSED.fullmatch(printed):
+        problems.append(f"{where}: not all of its tests pass")
     elif shown is not None and shown != printed:
         problems.append(f"{where}: the text block that follows it shows something else than it prints:\n{shown}")
 if programs == 0:
