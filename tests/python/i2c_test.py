@@ -3,11 +3,13 @@
 """I2C: every operation, and what it refuses."""
 
 import errno
+import subprocess
 from collections.abc import Iterator
 
 import pytest
 
 import veltrasdk
+from conftest import VIRTUAL_ADAPTER
 from veltrasdk import Adapter, I2cBus, Read, Write
 
 EEPROM = 0x50
@@ -88,8 +90,9 @@ def test_an_address_that_nobody_acknowledges_is_an_os_error(bus: I2cBus) -> None
 
 
 def test_a_byte_that_is_refused_is_an_os_error_too(bus: I2cBus) -> None:
+    subprocess.run([VIRTUAL_ADAPTER, "tell", "i2c", "0", "0x48", "nack", "data:1"], check=True)
     with pytest.raises(veltrasdk.NackError, match="i2c.write 0x48: data not acknowledged") as caught:
-        bus.write(0x48, b"\x07")
+        bus.write(0x48, b"\x01")
     assert caught.value.errno == errno.EREMOTEIO
 
 

@@ -101,7 +101,6 @@ def test_messages_of_the_original_are_taken_too(bus: SMBus) -> None:
     [
         (lambda bus: bus.read_byte(0x22), errno.EREMOTEIO),
         (lambda bus: bus.write_quick(0x22), errno.EREMOTEIO),
-        (lambda bus: bus.write_byte(SENSOR, 7), errno.EREMOTEIO),
         (lambda bus: bus.read_byte(0x80), errno.EINVAL),
         (lambda bus: bus.i2c_rdwr(), errno.EINVAL),
         (lambda bus: bus.i2c_rdwr(*[i2c_msg.read(EEPROM, 1)] * 43), errno.EINVAL),

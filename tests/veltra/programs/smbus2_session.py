@@ -2,6 +2,8 @@
 # SPDX-License-Identifier: MIT
 """What scripts do with smbus2, in its own words."""
 
+import subprocess
+
 import smbus2
 
 
@@ -22,7 +24,8 @@ with smbus2.SMBus(0) as bus:
         print("busy", attempt(bus.read_byte, 0x50))
     print("written", bytes(bus.read_i2c_block_data(0x50, 0x20, 8)))
     print("nobody", attempt(bus.read_byte_data, 0x22, 0))
-    print("pointer", attempt(bus.write_byte_data, 0x48, 9, 0))
+    subprocess.run("veltra-virtual-adapter tell i2c 0 0x48 nack data:2", shell=True, check=True)
+    print("refused", attempt(bus.write_byte_data, 0x48, 1, 0))
     print("quick", attempt(bus.write_quick, 0x50), attempt(bus.write_quick, 0x23))
     print("length from the target", attempt(bus.read_block_data, 0x50, 0))
     print("process call", hex(bus.process_call(0x48, 3, 0x0050)))

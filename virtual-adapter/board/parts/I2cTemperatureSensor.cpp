@@ -10,6 +10,8 @@ namespace virtual_adapter {
 namespace {
 
 constexpr size_t temperatureRegister = 0;
+/// The part looks at no other bits, and acknowledges whatever they are.
+constexpr unsigned pointerMask = 0x03;
 
 /// A temperature register holds nine bits, left-justified.
 Bytes nineBits(double temperature) {
@@ -53,10 +55,7 @@ bool I2cTemperatureSensor::start(I2cDirection direction) {
 
 bool I2cTemperatureSensor::write(uint8_t byte) {
     if (pointerExpected) {
-        if (byte >= registers.size()) {
-            return false;
-        }
-        pointer = byte;
+        pointer = byte & pointerMask;
         pointerExpected = false;
         return true;
     }

@@ -6,7 +6,6 @@
 #include "virtual-adapter/model/i2c/I2cModel.hpp"
 #include "virtual-adapter/requests.hpp"
 
-using virtual_adapter::answerOf;
 using virtual_adapter::Board;
 using virtual_adapter::i2cData;
 using virtual_adapter::i2cRead;
@@ -67,9 +66,11 @@ TEST(I2cTemperatureSensorSetting, ItMeasuresInStepsOfHalfADegreeAndKeepsThatThro
     }
 }
 
-TEST_F(I2cTemperatureSensorPart, APointerToNoRegisterOfTheSensorIsNotAcknowledged) {
-    EXPECT_EQ(response(i2cWrite(0, 0x48, {0x04}, {})), answerOf(CommandCode::I2cWrite, 0x07));
-    EXPECT_EQ(response(i2cRead(0, 0x48, {0x04}, 2)), answerOf(CommandCode::I2cRead, 0x07));
+TEST_F(I2cTemperatureSensorPart, OfThePointerTheTwoLowestBitsCountAlone) {
+    EXPECT_EQ(status(i2cWrite(0, 0x48, {0x05}, {0x12})), 0x0000U);
+    EXPECT_EQ(response(i2cRead(0, 0x48, {0x01}, 1)), i2cData(0, {0x12}));
+    EXPECT_EQ(response(i2cRead(0, 0x48, {0x04}, 2)), i2cData(0, {0x19, 0x00}));
+    EXPECT_EQ(response(i2cRead(0, 0x48, {0xFE}, 2)), i2cData(0, {0x4B, 0x00}));
 }
 
 } // namespace
