@@ -494,9 +494,52 @@ def devices():
     yield "nonsense", opened + request(9, 0, b"") + run(b"\x03") + request(4, 7, b"") + request(4, 0, b"\0")
 
 
+def device_answers():
+    """Answers to the functions in programs, in pieces of up to a size, and what those are called with."""
+    def answered(call, result, data=b"", arguments=b"", piece=255):
+        return bytes([call, piece, 1]) + struct.pack("<i", result) + two_parts(data) + arguments
+
+    def message(flags, length):
+        return struct.pack("<BHH", 0x50, flags, length)
+
+    def transfer(directions, length):
+        return struct.pack("<BH", directions, length)
+
+    reads, writes = b"\x03\x00\x01", b"\x03\x00\x00"
+    yield "read", answered(0, 3, b"abc", reads)
+    yield "read-in-pieces", answered(0, 3, b"abc", reads, piece=0)
+    yield "read-too-much", answered(0, 9, b"abcdefghi", reads)
+    yield "read-cut", answered(0, 3, b"a", reads)
+    yield "write", answered(0, 3, b"", writes)
+    yield "write-too-much", answered(0, 9, b"", writes)
+    yield "messages", answered(1, 2, b"abcd", b"\x02" + message(0, 1) + message(1, 4))
+    yield "messages-cut", answered(1, 2, b"abc", b"\x02" + message(0, 1) + message(1, 4))
+    yield "messages-too-many", answered(1, 99, b"abcd", b"\x01" + message(1, 4))
+    yield "messages-long", bytes([1, 255, 1]) + struct.pack("<i", 1) + repeated(8192, 7) + b"\x00\x01" + message(1, 8192)
+    yield "messages-43", answered(1, 43, b"", b"\x2b")
+    for size in range(10):
+        yield f"smbus-{size}", answered(2, 0, bytes(34 if size > 4 else size), bytes([1, 7, size, 0]))
+        yield f"smbus-{size}-too-much", answered(2, 0, bytes(35), bytes([1, 7, size, 0]))
+    yield "smbus-nowhere", answered(2, 0, b"a", bytes([1, 7, 2, 1]))
+    yield "spi", answered(3, 4, b"abc", b"\x02" + transfer(1, 1) + transfer(2, 3))
+    yield "spi-cut", answered(3, 4, b"ab", b"\x02" + transfer(3, 1) + transfer(2, 3))
+    for number in range(10):
+        yield f"number-{number}", answered(4, 0, b"\x08\x07\x06\x05", bytes([number]))
+    yield "number-cut", answered(4, 0, b"\x08", b"\x08")
+    yield "open", answered(5, 0)
+    yield "open-strangely", answered(5, 7)
+    yield "error", answered(0, -6, b"", reads)
+    yield "error-unknown", answered(0, -70000, b"", reads)
+    yield "error-lowest", answered(0, -(1 << 31), b"", reads)
+    yield "silence", bytes(3) + two_parts(b"") + reads
+    yield "head-cut", bytes([0, 255, 0]) + two_parts(b"\4\0\0\0\0\0") + reads
+    yield "size-small", bytes([0, 255, 0]) + two_parts(b"\3\0\0\0\0\0\0\0") + reads
+    yield "size-huge", bytes([0, 255, 0]) + two_parts(b"\xff\xff\xff\xff\0\0\0\0") + reads
+
+
 TARGETS = (
-    board_file, capture, devices, notifications, operations, packet_joining, part_answers, serprog, socket, stimuli, strict_mode,
-    tiny_usb, usbip, veltra_words, virtual_adapter)
+    board_file, capture, device_answers, devices, notifications, operations, packet_joining, part_answers, serprog, socket,
+    stimuli, strict_mode, tiny_usb, usbip, veltra_words, virtual_adapter)
 
 for target in TARGETS:
     directory = pathlib.Path(sys.argv[1], target.__name__)

@@ -17,6 +17,9 @@ namespace {
 
 constexpr size_t nameSize = sizeof devices::nameOfOpened - 1;
 
+/// The kernel has none above.
+constexpr int32_t maxError = 4095;
+
 /// What stands between a program and its bus has gone, and the device with it.
 bool failGone() {
     if (errno != EFAULT && errno != EMFILE && errno != ENFILE && errno != ENOMEM) {
@@ -130,7 +133,7 @@ int Conversation::ask(devices::RequestKind kind, const DeviceId& id, iovec* part
     }
     left = rest - (sizeof answer - devices::sizeField);
     if (result < 0) {
-        errno = -result;
+        errno = result >= -maxError ? -result : EIO;
         return -1;
     }
     return result;

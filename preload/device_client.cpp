@@ -111,7 +111,9 @@ int openDevice(const DeviceName& name, int flags) {
     Fields<1> access;
     access.u8(static_cast<unsigned>(flags) & O_ACCMODE);
     iovec parts[] = {{}, access.part(), {const_cast<char*>(name.text), std::strlen(name.text)}};
-    if (conversation.ask(RequestKind::Open, id, parts, 3) != 0) {
+    const int result = conversation.ask(RequestKind::Open, id, parts, 3);
+    if (result != 0) {
+        errno = result < 0 ? errno : EIO;
         return -1;
     }
     const int descriptor = conversation.release();
@@ -170,8 +172,15 @@ ssize_t writeDevice(int descriptor, const void* data, size_t size) {
     const size_t sent = size <= devices::maxSpiBytes ? size : devices::maxSpiBytes + 1;
     // sendmsg does not write to what it sends.
     iovec parts[] = {{}, {const_cast<void*>(data), sent}};
-    return conversation.begin(descriptor, id) ? conversation.ask(RequestKind::Write, id, parts, 2)
-                                              : -1;
+    if (!conversation.begin(descriptor, id)) {
+        return -1;
+    }
+    const int result = conversation.ask(RequestKind::Write, id, parts, 2);
+    if (result > 0 && static_cast<size_t>(result) > size) {
+        errno = EIO;
+        return -1;
+    }
+    return result;
 }
 
 int controlDevice(int descriptor, uint32_t request, void* argument) {

@@ -87,7 +87,7 @@ int transferMessages(Conversation& conversation, const DeviceId& id,
             return -1;
         }
     }
-    return result;
+    return result > 0 && static_cast<size_t>(result) > count ? fail(EIO) : result;
 }
 
 /// How many bytes of i2c_smbus_data a program must have for a size.
