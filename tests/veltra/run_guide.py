@@ -41,6 +41,9 @@ def main(label, guide, veltra, virtual_adapter):
     blocks = session(label, text)
     problems = []
     printed = run("".join(f"{commands}echo '{END}'\n" for commands, _ in blocks), veltra, virtual_adapter).stdout
+    marked = text.count(f"<!-- run: {label} -->")
+    if (marked, len(blocks)) != (len(blocks), printed.count(END)):
+        problems.append(f"{marked} blocks are marked, {len(blocks)} say what they print, {printed.count(END)} ended")
     for (commands, expected), seen in zip(blocks, printed.split(END + "\n")):
         if seen != expected:
             problems.append(f"{commands}expected:\n{expected}printed:\n{seen}")
