@@ -5,7 +5,8 @@
 
 usage: replay_example.py EXPECTED MODEL VIRTUAL_ADAPTER PRELOADED PROGRAM [ARGUMENT...]
 
-PRELOADED is what LD_PRELOAD holds while it is captured: a sanitizer's runtime, if any, and the capture library.
+PRELOADED is what LD_PRELOAD holds while it is captured: a sanitizer's runtime, if any, and the capture library. Or it
+is a capture, which is played back as it is.
 
 Both times it prints what EXPECTED holds, in which {model} stands for the model's name and TIME for that of an event.
 """
@@ -37,6 +38,9 @@ def check(command, environment):
 
 with tempfile.TemporaryDirectory() as directory:
     capture = f"{directory}/example.pcapng"
-    check([virtual_adapter, "run", "--model", model], {"LD_PRELOAD": preloaded, "VELTRA_CAPTURE": capture})
+    if preloaded.endswith(".pcapng"):
+        capture = preloaded
+    else:
+        check([virtual_adapter, "run", "--model", model], {"LD_PRELOAD": preloaded, "VELTRA_CAPTURE": capture})
     check([virtual_adapter, "replay", capture], {})
 sys.exit(failed)

@@ -9,6 +9,7 @@ values INCLUDE_DIRECTORY    values, commands and statuses have the names that th
 golden CONVERSATION SIZE JSON   a whole conversation in reports of that size, field by field; with --renew the
                             JSON is written
 hostile CORPUS              the fuzzers' inputs as reports raise no error
+usbmon CAPTURE JSON         likewise what the kernel itself has recorded of a program; with --renew the JSON is written
 live CONVERSATION           what comes through a pipe is shown as it is from a file
 tools CONVERSATION          capinfos and editcap take our captures, and tshark one that is cut
 """
@@ -179,15 +180,19 @@ def decoded(capture, *options):
     return [own(packet["_source"]["layers"]["veltra"]) for packet in packets]
 
 
-def check_golden(conversation, report_size, golden):
-    lines = pathlib.Path(conversation).read_text().splitlines()
-    seen = decoded(captured(lines, report_size), "-2")
+def expect_golden(seen, golden):
     text = "[\n" + ",\n".join(json.dumps(each, sort_keys=True) for each in seen) + "\n]\n"
     if "--renew" in arguments:
         pathlib.Path(golden).write_text(text)
     for number, (line, expected) in enumerate(zip(text.splitlines(), pathlib.Path(golden).read_text().splitlines()), 1):
         expect_same(f"{golden}:{number}", line, expected)
     expect_same("lines", len(text.splitlines()), len(pathlib.Path(golden).read_text().splitlines()))
+
+
+def check_golden(conversation, report_size, golden):
+    lines = pathlib.Path(conversation).read_text().splitlines()
+    seen = decoded(captured(lines, report_size), "-2")
+    expect_golden(seen, golden)
     codes = {line.split("\t")[2] for line in tshark("-G", "values").splitlines() if line.startswith("V\tveltra.command\t")}
     shown = {hex(int(layer.get("veltra.command", "0"), 0)) for layer in seen}
     expect_same("codes that the conversation lacks", codes - shown, set())
@@ -236,6 +241,8 @@ def check_tools(conversation):
 
 if check == "golden":
     check_golden(*arguments[:3])
+elif check == "usbmon":
+    expect_golden(decoded(arguments[0], "-2"), arguments[1])
 else:
     {"fields": check_fields, "values": check_values, "hostile": check_hostile, "live": check_live, "tools": check_tools}[check](*arguments)
 print("\n".join(failures[:40]) or f"{check}: the dissector agrees")
