@@ -156,19 +156,19 @@ except veltrasdk.VeltraError as error:
 # Each fault strikes at the third request.
 FAULTS = {
     "lost-response": (
-        "adapter = veltrasdk.Adapter(timeout=0.2)\ntry: adapter.strings()\n"
+        "adapter = veltrasdk.Adapter(timeout=1)\ntry: adapter.strings()\n"
         "except TimeoutError as error: print(type(error).__name__, error)\nprint(adapter.strings()[2])",
-        "NoResponseError strings 3: no response within 0.2 s\nVA-0001\n",
+        "NoResponseError strings 3: no response within 1 s\nVA-0001\n",
     ),
     "wrong-identifier": (
-        "adapter = veltrasdk.Adapter(timeout=0.2)\ntry: adapter.strings()\n"
+        "adapter = veltrasdk.Adapter(timeout=1)\ntry: adapter.strings()\n"
         "except TimeoutError as error: print(type(error).__name__, error)\nprint(adapter.unmatched_responses)",
-        "NoResponseError strings 3: no response within 0.2 s\n1\n",
+        "NoResponseError strings 3: no response within 1 s\n1\n",
     ),
     "short-frame": (
-        "adapter = veltrasdk.Adapter(timeout=0.2)\ntry: adapter.strings()\n"
+        "adapter = veltrasdk.Adapter(timeout=1)\ntry: adapter.strings()\n"
         "except TimeoutError as error: print(type(error).__name__, error)\nprint(adapter.strings()[2])",
-        "NoResponseError strings 3: no response within 0.2 s\nVA-0001\n",
+        "NoResponseError strings 3: no response within 1 s\nVA-0001\n",
     ),
     "unplug": (
         "adapter = veltrasdk.Adapter(timeout=None)\nevents = adapter.events('gpio')\n"
@@ -180,9 +180,9 @@ FAULTS = {
         "events: the adapter has gone\nFalse\nabsent\n",
     ),
     "stall": (
-        "adapter = veltrasdk.Adapter(timeout=0.2)\ntry: adapter.strings()\n"
+        "adapter = veltrasdk.Adapter(timeout=1)\ntry: adapter.strings()\n"
         "except veltrasdk.NoResponseError as error: print(error)\nprint(adapter.connected)",
-        "strings 3: no response within 0.2 s\nTrue\n",
+        "strings 3: no response within 1 s\nTrue\n",
     ),
     "no-permission": (
         "print(veltrasdk.adapters()[0].accessible)\nfor serial in (None, 'VA-0001'):\n"
@@ -207,7 +207,7 @@ FAULTS = {
         " (<EventKind.UART: 'uart'>, 400), (<EventKind.UNKNOWN: 'unknown'>, 400)] 0\n",
     ),
     "late-response": (
-        "adapter = veltrasdk.Adapter(voltage=3.3, timeout=0.2)\n"
+        "adapter = veltrasdk.Adapter(voltage=3.3, timeout=1)\n"
         "bus = adapter.i2c(0)\n"
         "try: bus.set_pull_up('4k7')\nexcept TimeoutError: pass\n"
         "while True:\n    try: bus.set_pull_up('4k7'); break\n    except TimeoutError: pass\n"

@@ -116,8 +116,8 @@ def test_resetting_a_board_begins_again() -> None:
 
 
 def test_a_fault_strikes_where_it_is_asked_for() -> None:
-    with Board(program=VIRTUAL_ADAPTER, faults=["lost-response"]) as board, board.adapter(timeout=0.2) as adapter:
-        with pytest.raises(veltrasdk.NoResponseError, match="strings 3: no response within 0.2 s"):
+    with Board(program=VIRTUAL_ADAPTER, faults=["lost-response"]) as board, board.adapter(timeout=1) as adapter:
+        with pytest.raises(veltrasdk.NoResponseError, match="strings 3: no response within 1 s"):
             adapter.strings()
 
 
@@ -126,13 +126,13 @@ def test_a_fault_strikes_where_it_is_asked_for() -> None:
     [
         ("address-nack@i2c-read:2", veltrasdk.NackError, "i2c.read 0x50: not acknowledged"),
         ("stuck-bus@i2c-read:2", veltrasdk.StatusError, r"a line of the bus low \(status 0x0009\). Initialising"),
-        ("lost-response@i2c-read:2", veltrasdk.NoResponseError, "i2c.read 0x50: no response within 0.2 s"),
+        ("lost-response@i2c-read:2", veltrasdk.NoResponseError, "i2c.read 0x50: no response within 1 s"),
         ("unplug@i2c-read:2", veltrasdk.DisconnectedError, "i2c.read 0x50: the adapter has gone"),
     ],
 )
 def test_a_fault_is_aimed_at_an_operation(fault: str, kind: type[veltrasdk.VeltraError], text: str) -> None:
     with Board(program=VIRTUAL_ADAPTER, faults=[fault]) as board:
-        with board.adapter(voltage=3.3, timeout=0.2) as adapter:
+        with board.adapter(voltage=3.3, timeout=1) as adapter:
             bus = adapter.i2c(0, pull_up="4k7")
             assert bus.read(0x50, 5, register=0) == b"Hello"
             with pytest.raises(kind, match=text):

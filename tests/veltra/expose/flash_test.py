@@ -21,7 +21,7 @@ from exposed import ExposedTest
 FLASH_BYTES = 256 * 1024
 HELLO = b"Hello from the SPI flash!"
 COMMAND = ("-V", "3.3", "expose", "flash")
-NO_RESPONSE = "no response within 300 ms. Is the adapter well? veltra doctor; or give it longer: -t MS"
+NO_RESPONSE = "no response within 2000 ms. Is the adapter well? veltra doctor; or give it longer: -t MS"
 SMALL_BYTES = 64 * 1024
 SMALL_BOARD = """
 board = 1
@@ -149,7 +149,7 @@ class FlashTest(ExposedTest):
         """What flashrom and veltra say of a fault at the last transfer but one, which is one of many bytes."""
         place = f"{fault}@spi-transfer:{self.transfers('-r', 'read.bin') - 1}"
         adapter = (*self.small(), "--fault", place)
-        programmer = exposed.Exposed("-t", "300", *COMMAND, "--once", adapter=adapter)
+        programmer = exposed.Exposed("-t", "2000", *COMMAND, "--once", adapter=adapter)
         done = self.flashrom(programmer, *words)
         self.assertNotEqual(done.returncode, 0, done.stdout)
         self.assertNotIn("VERIFIED", done.stdout)
@@ -175,7 +175,7 @@ class FlashTest(ExposedTest):
         for part in (0.4, 0.6, 0.9):  # flashrom begins anew after some failures, and verifies after them
             fault = f"lost-response@spi-transfer:{int(count * part)}"
             with self.subTest(part), exposed.exposed(
-                    "-t", "300", *COMMAND, adapter=(*self.small(), "--fault", fault)) as programmer:
+                    "-t", "2000", *COMMAND, adapter=(*self.small(), "--fault", fault)) as programmer:
                 written = self.flashrom(programmer, "-w", "new.bin")
                 verified = "VERIFIED" in written.stdout
                 self.assertEqual(written.returncode == 0, verified, written.stdout)
