@@ -32,6 +32,10 @@ public:
                               uint32_t{data[3]} << 24U
                         : 0;
     }
+    /// Whether the frame is the response to the request with this identifier and command code.
+    [[nodiscard]] bool answers(uint16_t requestId, CommandCode command) const {
+        return header() == (requestId | static_cast<uint32_t>(command) << 16U);
+    }
     [[nodiscard]] uint16_t status() const { return u16(4); }
 
     [[nodiscard]] bool holds(size_t byteCount) const { return size >= byteCount; }

@@ -5,22 +5,6 @@
 
 #include <veltrasdk/result.h>
 
-#include <chrono>
-
-namespace {
-
-/// A locked mutex as a condition variable wants it; it stays locked.
-struct Held {
-    explicit Held(std::mutex& mutex) : lock(mutex, std::adopt_lock) {}
-    ~Held() { lock.release(); }
-    Held(const Held&) = delete;
-    Held& operator=(const Held&) = delete;
-
-    std::unique_lock<std::mutex> lock;
-};
-
-} // namespace
-
 BlockingApi::BlockingApi(int timeout) : timeoutMs(timeout) {}
 
 void BlockingApi::respond(ResponseFrame response) {
@@ -39,20 +23,7 @@ uint16_t BlockingApi::await(Judge judge) {
     return judge(ResponseFrame(lastResponse));
 }
 
-bool BlockingApi::waitForChange(std::condition_variable& changed, std::mutex& mutex, int timeoutMs,
-                                FunctionRef<bool()> condition) {
-    Held held(mutex);
-    if (timeoutMs == noTimeout) {
-        do {
-            changed.wait(held.lock);
-        } while (!condition());
-        return true;
-    }
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
-    do {
-        if (changed.wait_until(held.lock, deadline) == std::cv_status::timeout) {
-            return condition();
-        }
-    } while (!condition());
-    return true;
+uint16_t BlockingApi::transact(TransactionIds& ids, SendRequest sendRequest, Judge judge) {
+    const uint16_t sent = sendRequest(ids.next());
+    return sent == ResultCode_Success ? await(judge) : sent;
 }

@@ -4,7 +4,9 @@
 #pragma once
 
 #include "protocol/ResponseFrame.hpp"
+#include "sdk/Deadline.hpp"
 #include "sdk/FunctionRef.hpp"
+#include "sdk/TransactionIds.hpp"
 
 #include <condition_variable>
 #include <cstdint>
@@ -17,13 +19,18 @@
 /// wait at once.
 class BlockingApi {
 public:
-    /// The time-out that waits without limit.
-    static constexpr int noTimeout = -1;
+    static constexpr int noTimeout = Deadline::noTimeout;
+
+    /// Sends a request under a transaction identifier; returns the encoder's result code.
+    using SendRequest = FunctionRef<uint16_t(uint16_t)>;
 
     /// Makes of a response the result code of its operation.
     using Judge = FunctionRef<uint16_t(const ResponseFrame&)>;
 
     explicit BlockingApi(int timeoutMs);
+
+    /// Has @p sendRequest send a request under the next of @p ids, and awaits what answers it.
+    uint16_t transact(TransactionIds& ids, SendRequest sendRequest, Judge judge);
 
     /// Keeps @p response as the last response and ends the wait; runs on the polling thread.
     void respond(ResponseFrame response);
@@ -37,14 +44,19 @@ public:
     template <typename Condition>
     static bool waitFor(std::condition_variable& changed, std::mutex& mutex, int timeoutMs,
                         const Condition& condition) {
-        return condition() ||
-               waitForChange(changed, mutex, timeoutMs, FunctionRef<bool()>(condition));
+        if (condition()) {
+            return true;
+        }
+        const Deadline deadline(timeoutMs);
+        while (deadline.wait(changed, mutex)) {
+            if (condition()) {
+                return true;
+            }
+        }
+        return condition();
     }
 
 private:
-    static bool waitForChange(std::condition_variable& changed, std::mutex& mutex, int timeoutMs,
-                              FunctionRef<bool()> condition);
-
     const int timeoutMs;
 
     // Guards everything below: what was stored before a wait ended is read under the lock that the

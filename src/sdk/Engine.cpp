@@ -117,11 +117,8 @@ uint16_t VeltraSDK::Engine::setOverlap(uint8_t requests) {
 
 uint16_t VeltraSDK::Engine::transact(size_t maxAnswerSize, StrictEngine::SendRequest sendRequest,
                                      BlockingApi::Judge judge) {
-    if (isStrict) {
-        return strictEngine.transact(maxAnswerSize, sendRequest, judge);
-    }
-    const uint16_t sent = sendRequest(transactionIds.next());
-    return sent == ResultCode_Success ? blockingApi.await(judge) : sent;
+    return isStrict ? strictEngine.transact(maxAnswerSize, sendRequest, judge)
+                    : blockingApi.transact(transactionIds, sendRequest, judge);
 }
 
 void VeltraSDK::Engine::handleResponse(const std::vector<uint8_t>& frame) {

@@ -22,7 +22,7 @@
 /// waited for, so that requests never mix and as many as may overlap are outstanding.
 class StrictEngine final : public RequestGate {
 public:
-    using SendRequest = FunctionRef<uint16_t(uint16_t)>;
+    using SendRequest = BlockingApi::SendRequest;
     using Judge = BlockingApi::Judge;
 
     /// @p adapterLink carries the requests; it may be torn down once nobody uses this object.

@@ -14,8 +14,7 @@ constexpr size_t maxStringAnswer = stringOffset + 254;
 uint16_t VeltraSDK::getUsbString(std::vector<uint8_t>& text, uint8_t index) {
     auto question = engine->ask(maxStringAnswer, &VeltraAsyncSDK::getUsbString, index);
     return question.judged([&](const ResponseFrame& response) -> uint16_t {
-        if (response.transactionId() != question.transactionId() ||
-            response.commandCode() != CommandCode::GetUsbString) {
+        if (!response.answers(question.transactionId(), CommandCode::GetUsbString)) {
             return ResultCode_UnexpectedResponse;
         }
         // The length byte counts itself; 0 stands for the empty string too.
