@@ -196,6 +196,14 @@ TEST_F(TinyUsbTest, AFailureInTheMiddleReleasesTheBus) {
     EXPECT_EQ(bus.log, "write 50: 0102030405, held\nread 50: , 1\nrelease\n");
 }
 
+TEST_F(TinyUsbTest, AFailureOfAWriteThatWasHeldBackReleasesTheBus) {
+    bus.outcomes = {Outcome::Done, Outcome::Failed};
+    EXPECT_TRUE(out(5, 0, 0x50, {1, 2, 3, 4, 5}));
+    EXPECT_TRUE(out(5, 0, 0x50, {0x10}));
+    EXPECT_EQ(in(6, 1, 0x51, 1), "stalled");
+    EXPECT_EQ(bus.log, "write 50: 0102030405, held\nwrite 50: 10, held\nrelease\n");
+}
+
 TEST_F(TinyUsbTest, PulledOutInTheMiddleItReleasesTheBus) {
     EXPECT_TRUE(out(5, 0, 0x50, {1, 2, 3, 4, 5}));
     device.reset();

@@ -180,7 +180,8 @@ Outcome Device::sendHeldBack() {
     }
     const HeldBack held = *std::exchange(heldBack, std::nullopt);
     const Outcome outcome = bus.write(held.address, held.data, true);
-    holds = outcome == Outcome::Done;
+    // Where it has failed, nobody knows how far it came: whoever is told releases the bus.
+    holds = outcome != Outcome::NotAcknowledged;
     return outcome;
 }
 
