@@ -76,12 +76,16 @@ uint16_t Session::attempt(const std::string& request, const Call& call, const By
         output.rehearse(request);
         return ResultCode_Success;
     }
-    VeltraSDK& connected = adapter();
+    adapter();
     if (Interruption::requested()) {
         throw Failure::interruption();
     }
+    return send(request, call, answer);
+}
+
+uint16_t Session::send(const std::string& request, const Call& call, const Bytes* answer) {
     output.trace("> " + request);
-    const uint16_t result = call(connected);
+    const uint16_t result = call(*link);
     if (options->verbose) { // an answer may be long
         output.trace(answerInWords(result, current, answer));
     }
@@ -92,6 +96,12 @@ void Session::perform(const std::string& request, const Call& call, const Bytes*
     const uint16_t result = attempt(request, call, answer);
     if (result != ResultCode_Success) {
         throw failureOf(result);
+    }
+}
+
+void Session::takeBack(const std::string& request, const Call& call) {
+    if (link && !rehearses()) {
+        send(request, call, nullptr);
     }
 }
 

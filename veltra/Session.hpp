@@ -48,6 +48,8 @@ public:
     uint16_t attempt(const std::string& request, const Call& call, const Bytes* answer = nullptr);
     /// The same; any result but success is a Failure.
     void perform(const std::string& request, const Call& call, const Bytes* answer = nullptr);
+    /// Takes back what a request has done, after a failure and after Ctrl+C too, as far as it goes.
+    void takeBack(const std::string& request, const Call& call);
     /// The same, unless the very same request was the last one of this name.
     void setUp(const std::string& name, const std::string& request, const Call& call);
     /// What was set up under the name may be so no longer.
@@ -60,6 +62,7 @@ public:
 
     /// Whether requests are shown and not sent.
     [[nodiscard]] bool rehearses() const { return options->dryRun; }
+    [[nodiscard]] bool isOpen() const { return link != nullptr; }
     /// The adapter, connected.
     VeltraSDK& adapter();
     /// What the adapter sends of its own accord, from the first call on.
@@ -73,6 +76,7 @@ public:
 
 private:
     void open();
+    uint16_t send(const std::string& request, const Call& call, const Bytes* answer);
     uint16_t millivolts();
 
     const Options* options;

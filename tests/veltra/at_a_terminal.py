@@ -93,6 +93,12 @@ class AtATerminal(unittest.TestCase):
         self.assertEqual(status, 2)
         self.assertIn("veltra: i2c program 0x50: nothing has been done", rest)
 
+    def test_a_flash_is_written_with_progress_too(self):
+        terminal = Terminal(VELTRA, "--virtual", "-y", "-V", "3.3", "spi", "flash", "write", str(self.contents))
+        terminal.wait_for(b"\rwriting   [##############################] 16 of 16 bytes\r\n")
+        terminal.wait_for(b"\rverifying [##############################] 16 of 16 bytes\r\n")
+        self.assertEqual(terminal.end(), (0, "16 bytes written and verified\r\n"))
+
     def test_quiet_and_json_show_no_progress(self):
         for option, result in (("-q", "16 bytes written and verified"), ("--json", '"verified":true}')):
             status, rest = self.program_eeprom("-y", option).end()
@@ -110,25 +116,35 @@ class AtATerminal(unittest.TestCase):
         terminal.type(b"bye" + ESCAPE_KEY + b"not sent")
         self.assertEqual(terminal.end()[0], 0)
 
-    def test_an_interrupted_watch_ends_with_130(self):
-        terminal = Terminal(VELTRA, "--virtual", "-V", "3.3", "watch", "gpio", "--edge", "4=rising")
-        terminal.wait_for(b"ready\r\n")
-        terminal.program.send_signal(signal.SIGINT)
-        status, rest = terminal.end()
-        self.assertEqual((status, rest), (130, "veltra: watch: interrupted\r\n"))
+    def test_an_interrupted_watch_disarms_its_pins_and_ends_with_130(self):
+        for option, said in (("-v", "veltra: watch: interrupted"),
+                             ("--json", '{"error":{"op":"watch","kind":"interrupted","status":null,"name":null,'
+                                        '"hint":null,"message":"interrupted"}}')):
+            with self.subTest(option):
+                terminal = Terminal(VELTRA, "--virtual", option, "-V", "3.3", "watch", "--edge", "4=rising")
+                terminal.wait_for(b"ready")
+                terminal.program.send_signal(signal.SIGINT)
+                status, rest = terminal.end()
+                self.assertEqual(status, 130)
+                self.assertTrue(rest.endswith(f"\r\n{said}\r\n"), rest)
+                if option == "-v":
+                    self.assertIn("> gpio pin 4: no interrupt\r\n< done\r\n", rest)
 
     def test_an_adapter_in_use_is_said_to_be_so(self):
-        both = Terminal(VIRTUAL_ADAPTER, "run", "--", "sh", "-c",
-                        f"{VELTRA} -V 3.3 watch gpio | {{ read -r ready; echo $ready; {VELTRA} info; }}")
+        both = Terminal(VIRTUAL_ADAPTER, "run", "--", "sh", "-c", f"{VELTRA} -V 3.3 watch gpio | "
+                        f"{{ read -r ready; echo $ready; {VELTRA} info; {VELTRA} --json info; }}")
         both.wait_for(b"ready\r\nveltra: info: the adapter at 1-1:1.0 is in use. "
-                      b"One program at a time can have it: end the other one\r\n")
+                      b"One program at a time can have it: end the other one\r\n"
+                      b'{"error":{"op":"info","kind":"busy","status":null,"name":null,'
+                      b'"hint":"One program at a time can have it: end the other one",'
+                      b'"message":"the adapter at 1-1:1.0 is in use"}}\r\n')
         os.killpg(both.program.pid, signal.SIGTERM)
         both.end()
 
 
 class Completion(unittest.TestCase):
-    def complete(self, line, current, before):
-        script = (f". {COMPLETION}; COMP_LINE={line!r} COMP_POINT={len(line)}; _veltra {VELTRA} {current!r} {before!r}; "
+    def complete(self, line, current, before, setup=":"):
+        script = (f"{setup} >&2; . {COMPLETION}; COMP_LINE={line!r} COMP_POINT={len(line)}; _veltra {VELTRA} {current!r} {before!r}; "
                   'printf "%s\\n" "${COMPREPLY[@]}"')
         return subprocess.run([VIRTUAL_ADAPTER, "run", "--", "bash", "--norc", "-c", script], stdout=subprocess.PIPE,
                               stderr=subprocess.DEVNULL, text=True, timeout=LIMIT).stdout.split()
@@ -140,6 +156,8 @@ class Completion(unittest.TestCase):
     def test_only_the_last_piece_of_a_word_is_replaced(self):
         self.assertEqual(self.complete("veltra gpio mode 3=in-", "in-", "="), ["in-up", "in-down"])
         self.assertEqual(self.complete("veltra gpio set 3=", "", "="), ["0", "1"])
+        self.assertEqual(self.complete("veltra i3c info pid:fffe002", "fffe002", ":", f"{VELTRA} -V 1.8 i3c init"),
+                         ["fffe00201000"])
 
     def test_a_tab_completes_a_word(self):
         terminal = Terminal("bash", "--norc", "--noprofile", "-i")

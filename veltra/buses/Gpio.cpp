@@ -40,6 +40,14 @@ std::string nameOf(uint8_t pin) {
     return "gpio pin " + std::to_string(pin);
 }
 
+std::string noInterruptOf(uint8_t pin) {
+    return nameOf(pin) + ": no interrupt";
+}
+
+Session::Call disarming(uint8_t pin) {
+    return [pin](VeltraSDK& sdk) { return sdk.gpioDisableInterrupt(numberOf(pin)); };
+}
+
 } // namespace
 
 Gpio::Gpio(Session& over) : session(over) {
@@ -123,8 +131,11 @@ void Gpio::arm(uint8_t pin, const std::string& edge) {
 }
 
 void Gpio::disarm(uint8_t pin) {
-    session.perform(nameOf(pin) + ": no interrupt",
-                    [&](VeltraSDK& sdk) { return sdk.gpioDisableInterrupt(numberOf(pin)); });
+    session.perform(noInterruptOf(pin), disarming(pin));
+}
+
+void Gpio::disarmAnyway(uint8_t pin) {
+    session.takeBack(noInterruptOf(pin), disarming(pin));
 }
 
 } // namespace veltra

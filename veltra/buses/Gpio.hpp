@@ -31,6 +31,8 @@ public:
     /// A pin that was not configured becomes an input.
     void arm(uint8_t pin, const std::string& edge);
     void disarm(uint8_t pin);
+    /// The same on a failure's way out.
+    void disarmAnyway(uint8_t pin);
 
 private:
     uint16_t attemptRead(uint8_t pin, GpioLogicLevel& level);

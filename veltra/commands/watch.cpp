@@ -16,12 +16,12 @@ namespace veltra {
 
 namespace {
 
-void tellLevel(Context& context, Gpio& gpio, uint8_t pin) {
+void tellLevel(Context& context, uint8_t pin) {
     timespec now{};
     clock_gettime(CLOCK_MONOTONIC, &now);
     const std::string time = secondsOf(static_cast<uint64_t>(now.tv_sec) * 1'000'000'000U +
                                        static_cast<uint64_t>(now.tv_nsec));
-    const int level = gpio.read(pin);
+    const int level = Gpio(context.session).read(pin);
     context.output.result(
         {{"event", "level"}, {"time", std::stod(time)}, {"pin", pin}, {"level", level}},
         time + " level " + std::to_string(pin) + "=" + std::to_string(level));
@@ -46,8 +46,7 @@ void follow(const Plan& plan, Context& context) {
     }
 }
 
-/// Returns the pins, where any are watched.
-std::unique_ptr<Gpio> enable(const Watch& wanted, const Plan& plan, Context& context) {
+void enable(const Watch& wanted, Context& context) {
     Session& session = context.session;
     if (wanted.wantsI3c()) {
         const int events = (wanted.names("ibi") ? 0x01 : 0) | (wanted.names("hotjoin") ? 0x08 : 0);
@@ -58,14 +57,30 @@ std::unique_ptr<Gpio> enable(const Watch& wanted, const Plan& plan, Context& con
     if (wanted.names("uart")) {
         Uart(session, context.output, wanted.uart);
     }
-    std::unique_ptr<Gpio> gpio;
     if (wanted.wantsPins()) {
-        gpio = std::make_unique<Gpio>(session);
+        session.supplyPins();
     }
-    for (const Edge& edge : plan.edges) {
-        gpio->arm(edge.pin, edge.trigger);
+}
+
+/// The pins are armed for as long as the work takes, however it ends.
+void whileArmed(const std::vector<Edge>& edges, Session& session,
+                const std::function<void()>& work) {
+    Gpio gpio(session);
+    size_t armed = 0;
+    try {
+        for (; armed < edges.size(); ++armed) {
+            gpio.arm(edges[armed].pin, edges[armed].trigger);
+        }
+        work();
+        for (; armed > 0; --armed) {
+            gpio.disarm(edges[armed - 1].pin);
+        }
+    } catch (const Failure&) {
+        for (; armed > 0; --armed) {
+            gpio.disarmAnyway(edges[armed - 1].pin);
+        }
+        throw;
     }
-    return gpio;
 }
 
 void watch(const Watch& wanted, Context& context) {
@@ -76,19 +91,19 @@ void watch(const Watch& wanted, Context& context) {
     if (!context.session.rehearses()) {
         context.session.inbox(); // before anything is enabled: the first event is not missed
     }
-    const std::unique_ptr<Gpio> gpio = enable(wanted, plan, context);
-    context.output.result({{"event", "ready"}}, "ready");
-    for (const Edge& edge : plan.edges) {
-        if (wanted.initialState) {
-            tellLevel(context, *gpio, edge.pin);
+    enable(wanted, context);
+    const auto show = [&] {
+        context.output.result({{"event", "ready"}}, "ready");
+        for (const Edge& edge : plan.edges) {
+            if (wanted.initialState) {
+                tellLevel(context, edge.pin);
+            }
         }
-    }
-    if (!context.session.rehearses()) {
-        follow(plan, context);
-    }
-    for (const Edge& edge : plan.edges) {
-        gpio->disarm(edge.pin);
-    }
+        if (!context.session.rehearses()) {
+            follow(plan, context);
+        }
+    };
+    plan.edges.empty() ? show() : whileArmed(plan.edges, context.session, show);
 }
 
 } // namespace
