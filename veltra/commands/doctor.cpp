@@ -3,6 +3,7 @@
 
 #include "AdapterChoice.hpp"
 #include "Output.hpp"
+#include "Restart.hpp"
 #include "Session.hpp"
 #include "commands/commands.hpp"
 #include "doctor/Diagnosis.hpp"
@@ -17,12 +18,17 @@ namespace {
 
 using State = Check::State;
 
-/// Through the session's own way of opening, so that what it says is what other commands would.
-std::string talkTo(Context& context) {
+/// Through a session's way of opening, so that what it says is what other commands would. One that
+/// is open already is asked: its adapter is taken.
+std::string talkTo(const VeltraSDK_AdapterInfo& adapter, Context& context) {
+    Options thisOne = context.options;
+    thisOne.device = adapter.path;
+    Session own(thisOne, context.output);
+    Session& session = context.session.isOpen() ? context.session : own;
     try {
         for (uint8_t index = 1; index <= 5; ++index) {
             Bytes text;
-            context.session.perform(
+            session.perform(
                 "identity string " + std::to_string(index),
                 [&](VeltraSDK& sdk) { return sdk.getUsbString(text, index); }, &text);
         }
@@ -48,7 +54,9 @@ void doctor(Context& context) {
         return access(node.c_str(), R_OK | W_OK) == 0;
     };
     machine.adapters = [] { return VeltraSDK::adapters(); };
-    machine.talkTo = [&](const VeltraSDK_AdapterInfo&) { return talkTo(context); };
+    machine.program = thisProgram();
+    machine.device = context.options.device;
+    machine.talkTo = [&](const VeltraSDK_AdapterInfo& adapter) { return talkTo(adapter, context); };
     machine.hidapiVersion = hidapiVersion();
     machine.libraryVersion = libraryVersion();
     size_t faults = 0;

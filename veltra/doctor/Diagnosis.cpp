@@ -3,9 +3,12 @@
 
 #include "doctor/Diagnosis.hpp"
 
+#include "Words.hpp"
+
 #include <algorithm>
 #include <cstdio>
 #include <grp.h>
+#include <optional>
 #include <pwd.h>
 #include <sys/stat.h>
 
@@ -21,7 +24,8 @@ const char* const reload = "sudo udevadm control --reload && sudo udevadm trigge
 
 /// Where udev looks for rules, the user's own ones first.
 const char* const ruleDirectories[] = {"etc/udev/rules.d", "run/udev/rules.d",
-                                       "usr/lib/udev/rules.d", "lib/udev/rules.d"};
+                                       "usr/local/lib/udev/rules.d", "usr/lib/udev/rules.d",
+                                       "lib/udev/rules.d"};
 
 Check ok(const char* name, const std::string& text) {
     return {name, State::Ok, text, ""};
@@ -64,38 +68,86 @@ std::string installedRule(const Roots& roots) {
     return "";
 }
 
-/// A rule below another prefix, which udev does not read; or where the package has it.
-std::string ruleToCopy(const Roots& roots) {
-    std::error_code error;
-    const std::string local = std::string("usr/local/lib/udev/rules.d/") + ruleName;
-    return fs::exists(roots.root / local, error) ? "/" + local
-                                                 : std::string("/usr/lib/udev/rules.d/") + ruleName;
+/// A rule below the program's own prefix or in its build, where udev does not look; or the package.
+std::string cureOfMissingRule(const Machine& machine) {
+    const fs::path prefix = machine.program.parent_path().parent_path();
+    for (const char* const directory : {"lib/udev/rules.d", "packaging/udev"}) {
+        const fs::path rule = prefix / directory / ruleName;
+        std::error_code error;
+        if (fs::exists(rule, error)) {
+            return "sudo cp " + quoted(rule) + " /etc/udev/rules.d/ && " + reload;
+        }
+    }
+    return "sudo apt install --reinstall libveltrasdk1";
 }
 
-Check checkUsb(const std::vector<UsbDevice>& devices,
-               const std::vector<VeltraSDK_AdapterInfo>& adapters) {
-    if (!devices.empty()) {
-        const UsbDevice& device = devices.front();
+/// The adapter that the checks are about: as the kernel has it, and as hidapi finds it.
+struct Subject {
+    std::optional<UsbDevice> device; ///< Not of a virtual adapter.
+    std::optional<VeltraSDK_AdapterInfo> adapter;
+    size_t others = 0; ///< That hidapi finds beside it.
+};
+
+/// The port of "1-1.4:1.0" is 1-1.4.
+std::string portOf(const std::string& path) {
+    return path.substr(0, path.find(':'));
+}
+
+template <typename Element, typename Predicate>
+std::optional<Element> findIn(const std::vector<Element>& elements, const Predicate& isMeant) {
+    const auto found = std::find_if(elements.begin(), elements.end(), isMeant);
+    return found == elements.end() ? std::nullopt : std::optional<Element>(*found);
+}
+
+Subject subjectOf(const Machine& machine) {
+    const std::string& name = machine.device;
+    const std::vector<VeltraSDK_AdapterInfo> adapters = machine.adapters();
+    const auto findAt = [&](const std::string& port) {
+        return findIn(adapters, [&](const VeltraSDK_AdapterInfo& adapter) {
+            return portOf(adapter.path) == port;
+        });
+    };
+    Subject subject;
+    subject.device = findIn(usbDevices(machine.roots), [&](const UsbDevice& device) {
+        // Where hidapi finds none of them, it finds virtual ones.
+        return name.empty() ? adapters.empty() || findAt(device.port)
+                            : name == device.serial || portOf(name) == device.port;
+    });
+    subject.adapter = subject.device ? findAt(subject.device->port)
+                                     : findIn(adapters, [&](const VeltraSDK_AdapterInfo& adapter) {
+                                           return name.empty() || name == adapter.serialNumber ||
+                                                  name == adapter.path;
+                                       });
+    subject.others = adapters.size() - (subject.adapter ? 1 : 0);
+    return subject;
+}
+
+Check checkUsb(const Machine& machine, const Subject& subject) {
+    if (subject.device) {
+        const UsbDevice& device = *subject.device;
         return ok("usb", device.identifiers + " at " + device.port + ", " +
                              speedInWords(device.speed) +
                              (device.serial.empty() ? ", no serial number"
                                                     : ", serial number " + device.serial));
     }
-    if (!adapters.empty()) {
-        return ok("usb", std::string("a virtual adapter at ") + adapters.front().path);
+    if (subject.adapter) {
+        return ok("usb", std::string("a virtual adapter at ") + subject.adapter->path);
     }
-    return fail("usb", "no adapter is plugged in",
-                "plug one in and look: lsusb; or do without: veltra --virtual list");
+    return machine.device.empty()
+               ? fail("usb", "no adapter is plugged in",
+                      "plug one in and look: lsusb; or do without: veltra --virtual list")
+               : fail("usb", "no adapter has the serial number or path " + machine.device,
+                      "see which there are: veltra list");
 }
 
-Check checkRule(const Roots& roots, bool mayOpen) {
-    const std::string rule = installedRule(roots);
+Check checkRule(const Machine& machine, bool mayOpen) {
+    const std::string rule = installedRule(machine.roots);
     if (!rule.empty()) {
         return ok("udev rule", rule);
     }
     return mayOpen ? skip("udev rule", "not installed, and not needed by you")
-                   : fail("udev rule", std::string(ruleName) + " is where udev does not look",
-                          "sudo cp " + ruleToCopy(roots) + " /etc/udev/rules.d/ && " + reload);
+                   : fail("udev rule", std::string(ruleName) + " is not where udev looks",
+                          cureOfMissingRule(machine));
 }
 
 Check checkPermission(const Machine& machine, const UsbDevice& device, bool mayOpen) {
@@ -107,7 +159,7 @@ Check checkPermission(const Machine& machine, const UsbDevice& device, bool mayO
     const std::string rule = installedRule(machine.roots);
     const std::string cure =
         rule.empty()
-            ? "sudo cp " + ruleToCopy(machine.roots) + " /etc/udev/rules.d/ && " + reload
+            ? cureOfMissingRule(machine)
             : std::string(reload) + "; over ssh also: sudo adduser $USER plugdev, and log in again";
     return fail("permission", node + " is not writable for you (" + ownership(device.node) + ")",
                 cure);
@@ -139,26 +191,26 @@ Check checkHolder(const Machine& machine, const UsbDevice& device) {
     return ok("free", "no program has it open");
 }
 
-Check checkEnumeration(const std::vector<VeltraSDK_AdapterInfo>& adapters) {
-    if (adapters.empty()) {
+Check checkEnumeration(const Subject& subject) {
+    if (!subject.adapter) {
         return fail("hidapi", "hidapi does not find the adapter",
                     "is it the libusb back end? ldconfig -p | grep hidapi");
     }
-    return ok(
-        "hidapi",
-        "finds it at " + std::string(adapters.front().path) +
-            (adapters.size() > 1 ? ", and " + std::to_string(adapters.size() - 1) + " more" : ""));
+    std::string text = std::string("finds it at ") + subject.adapter->path;
+    if (subject.others > 0) {
+        text += ", and " + std::to_string(subject.others) + " more";
+    }
+    return ok("hidapi", text);
 }
 
-Check checkStrings(const Machine& machine, const std::vector<VeltraSDK_AdapterInfo>& adapters,
-                   bool mayOpen) {
-    if (adapters.empty()) {
+Check checkStrings(const Machine& machine, const Subject& subject, bool mayOpen) {
+    if (!subject.adapter) {
         return skip("strings", "needs hidapi to find it");
     }
-    if (!mayOpen || !adapters.front().accessible) {
+    if (!mayOpen || !subject.adapter->accessible) {
         return skip("strings", "needs permission");
     }
-    const std::string trouble = machine.talkTo(adapters.front());
+    const std::string trouble = machine.talkTo(*subject.adapter);
     return trouble.empty()
                ? ok("strings", "the adapter answers")
                : fail("strings", trouble, "unplug it, plug it in, and ask again: veltra doctor");
@@ -186,31 +238,30 @@ Check checkVersions(const Machine& machine) {
 } // namespace
 
 std::vector<Check> diagnose(const Machine& machine) {
-    const std::vector<UsbDevice> devices = usbDevices(machine.roots);
-    const std::vector<VeltraSDK_AdapterInfo> adapters = machine.adapters();
-    std::vector<Check> checks{checkUsb(devices, adapters)};
+    const Subject subject = subjectOf(machine);
+    std::vector<Check> checks{checkUsb(machine, subject)};
     if (checks.front().state == State::Fail) {
         for (const char* const name :
              {"permission", "udev rule", "driver", "free", "hidapi", "strings"}) {
             checks.push_back(skip(name, "needs an adapter"));
         }
-    } else if (devices.empty()) {
+    } else if (!subject.device) {
         for (const char* const name : {"permission", "udev rule", "driver", "free"}) {
             checks.push_back(skip(name, "a virtual adapter needs none"));
         }
-        checks.push_back(checkEnumeration(adapters));
-        checks.push_back(checkStrings(machine, adapters, true));
+        checks.push_back(checkEnumeration(subject));
+        checks.push_back(checkStrings(machine, subject, true));
     } else {
-        const UsbDevice& device = devices.front();
+        const UsbDevice& device = *subject.device;
         const bool mayOpen = machine.mayOpen(device.node);
         checks.push_back(checkPermission(machine, device, mayOpen));
-        checks.push_back(checkRule(machine.roots, mayOpen));
+        checks.push_back(checkRule(machine, mayOpen));
         checks.push_back(checkDriver(device));
         checks.push_back(checkHolder(machine, device));
-        checks.push_back(checkEnumeration(adapters));
+        checks.push_back(checkEnumeration(subject));
         checks.push_back(checks[4].state == State::Fail
                              ? skip("strings", "needs the other program to end")
-                             : checkStrings(machine, adapters, mayOpen));
+                             : checkStrings(machine, subject, mayOpen));
     }
     checks.push_back(checkVersions(machine));
     return checks;

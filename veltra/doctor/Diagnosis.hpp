@@ -26,10 +26,14 @@ struct Check {
 /// How the machine is asked, beside its files; tests answer themselves.
 struct Machine {
     Roots roots;
+    /// The serial number or path of the adapter that is meant; empty for the first one.
+    std::string device;
+    /// Where this program lies: the rule may be beside it.
+    std::filesystem::path program;
     /// Whether the user may read and write the node.
     std::function<bool(const std::filesystem::path&)> mayOpen;
     std::function<std::vector<VeltraSDK_AdapterInfo>()> adapters;
-    /// Opens the adapter and reads its strings; returns what failed, empty for nothing.
+    /// Opens that adapter and reads its strings; returns what failed, empty for nothing.
     std::function<std::string(const VeltraSDK_AdapterInfo&)> talkTo;
     std::string hidapiVersion;
     std::string libraryVersion;

@@ -33,28 +33,36 @@ protected:
         std::string name = testing::TempDir() + "veltra-doctor-XXXXXX";
         root = mkdtemp(name.data());
         devices = root / "sys/bus/usb/devices";
-        device = devices / "1-1.4";
+        device = plugIn("1-1.4", "14", "VA-0001");
         node = root / "dev/bus/usb/001/014";
         machine.roots = {root / "sys", root / "dev", root / "proc", root};
-        put(device / "idVendor", "1209\n");
-        put(device / "idProduct", "0001\n");
-        put(device / "busnum", "1\n");
-        put(device / "devnum", "14\n");
-        put(device / "speed", "12\n");
-        put(device / "serial", "VA-0001\n");
         bind("usbhid");
         put(devices / "usb1/idVendor", "1d6b\n");
         put(devices / "usb1/idProduct", "0001\n");
-        put(node, "");
         put(root / "usr/lib/udev/rules.d/70-veltra-adapter.rules", "");
+        machine.program = root / "opt/bin/veltra";
         machine.mayOpen = [this](const fs::path& asked) { return asked == node && mayOpen; };
         machine.adapters = [this] { return adapters; };
-        machine.talkTo = [this](const VeltraSDK_AdapterInfo&) { return trouble; };
+        machine.talkTo = [this](const VeltraSDK_AdapterInfo& adapter) {
+            spokenTo = adapter.path;
+            return trouble;
+        };
         machine.hidapiVersion = "0.13.1";
         machine.libraryVersion = "1.2.3";
     }
     void TearDown() override { fs::remove_all(root); }
 
+    fs::path plugIn(const std::string& port, const std::string& number, const std::string& serial) {
+        const fs::path plugged = devices / port;
+        put(plugged / "idVendor", "1209\n");
+        put(plugged / "idProduct", "0001\n");
+        put(plugged / "busnum", "1\n");
+        put(plugged / "devnum", number + "\n");
+        put(plugged / "speed", "12\n");
+        put(plugged / "serial", serial + "\n");
+        put(root / "dev/bus/usb/001" / ("0" + number), "");
+        return plugged;
+    }
     void bind(const std::string& driver) {
         const fs::path interface = device / "1-1.4:1.0";
         fs::create_directories(interface);
@@ -87,6 +95,7 @@ protected:
     Machine machine;
     bool mayOpen = true;
     std::string trouble;
+    std::string spokenTo; ///< The path of an adapter.
     std::vector<VeltraSDK_AdapterInfo> adapters{info("1-1.4:1.0", true)};
     fs::path devices;
     fs::path device;
@@ -149,25 +158,38 @@ TEST_F(Diagnosis, WithoutTheRuleItSaysWhereToCopyItTo) {
     mayOpen = false;
     adapters = {info("1-1.4:1.0", false)};
     ASSERT_EQ(chmod(node.c_str(), 0664), 0);
-    const std::string cure = " -> sudo cp /usr/lib/udev/rules.d/70-veltra-adapter.rules "
-                             "/etc/udev/rules.d/ && sudo udevadm control --reload && sudo udevadm "
+    const std::string own = (root / "opt/lib/udev/rules.d/70-veltra-adapter.rules").string();
+    put(own, "");
+    const std::string cure = " -> sudo cp " + own +
+                             " /etc/udev/rules.d/ && sudo udevadm control --reload && sudo udevadm "
                              "trigger";
-    EXPECT_EQ(told("udev rule"),
-              "FAIL: 70-veltra-adapter.rules is where udev does not look" + cure);
+    EXPECT_EQ(told("udev rule"), "FAIL: 70-veltra-adapter.rules is not where udev looks" + cure);
     const std::string permission = told("permission");
     EXPECT_EQ(permission.find("FAIL: /dev/bus/usb/001/014 is not writable for you ("), 0U);
     EXPECT_NE(permission.find(" 0664)" + cure), std::string::npos) << permission;
     EXPECT_EQ(told("strings"), "skip: needs permission");
 }
 
-TEST_F(Diagnosis, ARuleBelowLocalIsTheOneToCopy) {
+TEST_F(Diagnosis, ARuleInABuildIsToBeCopiedFromThere) {
     removeRule();
     mayOpen = false;
-    put(root / "usr/local/lib/udev/rules.d/70-veltra-adapter.rules", "");
-    EXPECT_NE(told("udev rule")
-                  .find("-> sudo cp /usr/local/lib/udev/rules.d/70-veltra-adapter.rules "
-                        "/etc/udev/rules.d/ && "),
+    put(root / "opt/packaging/udev/70-veltra-adapter.rules", "");
+    EXPECT_NE(told("udev rule").find("-> sudo cp " + root.string() + "/opt/packaging/udev/70-"),
               std::string::npos);
+}
+
+TEST_F(Diagnosis, ARuleThatIsNowhereComesWithItsPackage) {
+    removeRule();
+    mayOpen = false;
+    const std::string cure = " -> sudo apt install --reinstall libveltrasdk1";
+    EXPECT_EQ(told("udev rule"), "FAIL: 70-veltra-adapter.rules is not where udev looks" + cure);
+    EXPECT_NE(told("permission").find(cure), std::string::npos);
+}
+
+TEST_F(Diagnosis, ARuleBelowLocalIsReadByUdevToo) {
+    removeRule();
+    put(root / "usr/local/lib/udev/rules.d/70-veltra-adapter.rules", "");
+    EXPECT_EQ(told("udev rule"), "ok: /usr/local/lib/udev/rules.d/70-veltra-adapter.rules");
 }
 
 TEST_F(Diagnosis, WithTheRuleAndWithoutPermissionItSaysToApplyIt) {
@@ -236,6 +258,40 @@ TEST_F(Diagnosis, AnAdapterThatHidapiDoesNotFindPointsToItsBackEnd) {
 TEST_F(Diagnosis, SeveralAdaptersAreCounted) {
     adapters.push_back(info("1-2:1.0", true));
     EXPECT_EQ(told("hidapi"), "ok: finds it at 1-1.4:1.0, and 1 more");
+}
+
+TEST_F(Diagnosis, OfSeveralAdaptersTheOneThatIsMeantIsLookedAt) {
+    plugIn("1-2", "15", "VA-0002");
+    adapters.push_back(info("1-2:1.0", true));
+    EXPECT_EQ(told("strings"), "ok: the adapter answers");
+    EXPECT_EQ(spokenTo, "1-1.4:1.0");
+
+    open("4711", "python3", node);
+    for (const char* const name : {"VA-0002", "1-2:1.0"}) {
+        machine.device = name;
+        spokenTo.clear();
+        EXPECT_EQ(told("usb"), "ok: 1209:0001 at 1-2, full speed, serial number VA-0002");
+        EXPECT_EQ(told("permission").find("FAIL: /dev/bus/usb/001/015 is not writable"), 0U);
+        EXPECT_EQ(told("free"), "ok: no program has it open");
+        EXPECT_EQ(told("hidapi"), "ok: finds it at 1-2:1.0, and 1 more");
+        node = root / "dev/bus/usb/001/015"; // which the user may open now
+        EXPECT_EQ(told("strings"), "ok: the adapter answers");
+        EXPECT_EQ(spokenTo, "1-2:1.0");
+        node = root / "dev/bus/usb/001/014";
+    }
+}
+
+TEST_F(Diagnosis, AnAdapterThatNobodyHasIsLookedForInTheList) {
+    machine.device = "VA-0009";
+    EXPECT_EQ(told("usb"), "FAIL: no adapter has the serial number or path VA-0009 -> see which "
+                           "there are: veltra list");
+    EXPECT_EQ(told("strings"), "skip: needs an adapter");
+}
+
+TEST_F(Diagnosis, AVirtualAdapterIsLookedAtBesideARealOne) {
+    adapters = {info("1-7:1.0", true)};
+    EXPECT_EQ(told("usb"), "ok: a virtual adapter at 1-7:1.0");
+    EXPECT_EQ(told("hidapi"), "ok: finds it at 1-7:1.0");
 }
 
 TEST_F(Diagnosis, AnAdapterThatDoesNotAnswerIsToBePluggedInAgain) {
