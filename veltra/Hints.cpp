@@ -45,6 +45,9 @@ std::string hintFor(uint16_t status, const Operation& operation, const Options& 
                typedWith(options, concerns(operation, "i3c") ? "-V 1.8" : "-V 3.3", "");
     case VeltraStatus_NoPullUp:
         return "Switch the adapter's on: " + typedWith(options, "", "--pull-up 4k7");
+    case VeltraStatus_BusStuck:
+        return "A line is held low; the same again first tries to free it: " +
+               typedWith(options, "", "");
     case VeltraStatus_NotInitialised:
         return ofInitialisation(operation);
     default:

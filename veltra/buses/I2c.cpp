@@ -23,6 +23,10 @@ std::string holdInWords(bool hold) {
     return hold ? ", no STOP" : "";
 }
 
+std::string nameOf(uint8_t bus) {
+    return "i2c bus " + std::to_string(bus);
+}
+
 } // namespace
 
 void checkWords(const I2cSettings& settings) {
@@ -34,7 +38,7 @@ I2c::I2c(Session& over, const I2cSettings& settings)
     : session(over), index(static_cast<uint8_t>(settings.bus)) {
     const uint32_t clock = parseFrequency(settings.clock);
     const uint8_t retry = settings.retryBusy ? 1 : 0;
-    const std::string name = "i2c bus " + std::to_string(index);
+    const std::string name = nameOf(index);
     const uint8_t pullUp = pullUpOf(settings);
     session.supplyPins();
     session.setUp(name,
@@ -54,7 +58,7 @@ I2c::Found I2c::scan(bool tenBit) {
     Bytes list;
     uint8_t sevenBitCount = 0;
     uint8_t tenBitCount = 0;
-    session.perform(
+    perform(
         "i2c scan: bus " + std::to_string(index) + (tenBit ? ", 10-bit addresses too" : ""),
         [&](VeltraSDK& sdk) {
             return sdk.i2cScanBus(list, &sevenBitCount, &tenBitCount, index, tenBit);
@@ -71,7 +75,7 @@ I2c::Found I2c::scan(bool tenBit) {
 
 Bytes I2c::read(uint8_t address, const Bytes& registerBytes, uint16_t count, bool hold) {
     Bytes data;
-    session.perform(
+    perform(
         request("read", address) + registerInWords(registerBytes) + ", length " +
             std::to_string(count) + holdInWords(hold),
         [&](VeltraSDK& sdk) {
@@ -82,7 +86,7 @@ Bytes I2c::read(uint8_t address, const Bytes& registerBytes, uint16_t count, boo
 }
 
 void I2c::write(uint8_t address, const Bytes& registerBytes, const Bytes& data, bool hold) {
-    session.perform(
+    perform(
         request("write", address) + registerInWords(registerBytes) + ", bytes " + hexWords(data) +
             holdInWords(hold),
         [&](VeltraSDK& sdk) { return sdk.i2cWrite(index, address, registerBytes, data, hold); });
@@ -92,10 +96,24 @@ bool I2c::acknowledges(uint8_t address) {
     const uint16_t result = session.attempt(request("ask", address), [&](VeltraSDK& sdk) {
         return sdk.i2cWrite(index, address, {}, {}, false);
     });
-    if (result != ResultCode_Success && result != VeltraStatus_NotAcknowledged) {
+    if (result == VeltraStatus_NotAcknowledged) {
+        return false;
+    }
+    require(result);
+    return true;
+}
+
+void I2c::perform(const std::string& words, const Session::Call& call, const Bytes* answer) {
+    require(session.attempt(words, call, answer));
+}
+
+void I2c::require(uint16_t result) {
+    if (result == VeltraStatus_BusStuck) {
+        session.forget(nameOf(index)); // the next command initialises it, which may free it
+    }
+    if (result != ResultCode_Success) {
         throw session.failureOf(result);
     }
-    return result == ResultCode_Success;
 }
 
 } // namespace veltra

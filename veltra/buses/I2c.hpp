@@ -40,6 +40,10 @@ public:
 
 private:
     [[nodiscard]] std::string request(const std::string& verb, uint8_t address) const;
+    void perform(const std::string& words, const Session::Call& call,
+                 const Bytes* answer = nullptr);
+    /// Any result but success is a Failure.
+    void require(uint16_t result);
 
     Session& session;
     uint8_t index;

@@ -53,4 +53,28 @@ TEST(FaultDocuments, EveryCommandHasARowWithItsCode) {
     EXPECT_EQ(rowsOf("faults.md", R"(\| (0x[0-9A-F]{4}) \| `([a-z0-9-]+)` \|)"), commands);
 }
 
+/// How many commands of veltra stand behind an adapter with the fault, in the table of what they
+/// make of each.
+size_t commandsUnder(const std::string& fault) {
+    std::ifstream table(VELTRA_FAULTS);
+    EXPECT_TRUE(table.is_open());
+    const std::regex adapter(R"(# adapter:.* --fault )" + fault + R"((@\S+)?( .*)?)");
+    const std::regex command(R"(\$ .*\bveltra .*)");
+    size_t count = 0;
+    bool plugged = false;
+    for (std::string line; std::getline(table, line);) {
+        if (line.rfind("# adapter:", 0) == 0) {
+            plugged = std::regex_match(line, adapter);
+        }
+        count += plugged && std::regex_match(line, command) ? size_t{1} : size_t{0};
+    }
+    return count;
+}
+
+TEST(FaultDocuments, ThreeCommandsShowWhatVeltraMakesOfEachFault) {
+    for (const auto& [name, kind, span] : virtual_adapter::faultNames()) {
+        EXPECT_GE(commandsUnder(name), 3U) << name;
+    }
+}
+
 } // namespace
