@@ -250,9 +250,11 @@ std::string hexDigits(const Bytes& bytes) {
 }
 
 std::string hexWords(const Bytes& bytes) {
+    const std::string digits = hexDigits(bytes);
     std::string text;
-    for (const uint8_t byte : bytes) {
-        text += (text.empty() ? "" : " ") + hexDigits({byte});
+    text.reserve(digits.size() + bytes.size());
+    for (size_t at = 0; at < digits.size(); at += 2) {
+        text.append(at == 0 ? "" : " ").append(digits, at, 2);
     }
     return text;
 }

@@ -3,6 +3,8 @@
 
 #include "buses/Uart.hpp"
 
+#include "Pieces.hpp"
+
 #include <algorithm>
 
 namespace veltra {
@@ -48,19 +50,11 @@ Uart::Uart(Session& over, Output& tells, const UartSettings& settings)
 }
 
 void Uart::send(const Bytes& message) {
-    for (size_t at = 0; at < message.size(); at += messageBytes) {
-        const auto begin = message.begin() + static_cast<ptrdiff_t>(at);
-        const Bytes piece(
-            begin, begin + static_cast<ptrdiff_t>(std::min(messageBytes, message.size() - at)));
-        try {
-            session.perform("uart send: bytes " + hexWords(piece),
-                            [&](VeltraSDK& sdk) { return sdk.uartSendMessage(piece); });
-        } catch (Failure& failure) {
-            failure.progress =
-                std::to_string(at) + " of " + std::to_string(message.size()) + " bytes are sent";
-            throw;
-        }
-    }
+    forEachPiece({message.size(), messageBytes, "sent"}, [&](size_t at, size_t count) {
+        const Bytes piece = pieceOf(message, at, count);
+        session.perform("uart send: bytes " + hexWords(piece),
+                        [&](VeltraSDK& sdk) { return sdk.uartSendMessage(piece); });
+    });
 }
 
 Bytes Uart::receive(std::optional<std::chrono::milliseconds> patience) {

@@ -3,6 +3,8 @@
 
 #include "eeprom/Programmer.hpp"
 
+#include "Pieces.hpp"
+
 #include <algorithm>
 #include <chrono>
 
@@ -20,11 +22,6 @@ constexpr size_t readBytes = 1024;
 
 Bytes registerOf(const Eeprom& eeprom, size_t at) {
     return parseRegister(std::to_string(at), eeprom.registerBytes);
-}
-
-Bytes part(const Bytes& bytes, size_t at, size_t count) {
-    const auto begin = bytes.begin() + static_cast<ptrdiff_t>(at);
-    return {begin, begin + static_cast<ptrdiff_t>(std::min(count, bytes.size() - at))};
 }
 
 /// An EEPROM acknowledges nothing while it writes.
@@ -51,39 +48,24 @@ void compare(const Bytes& wanted, const Bytes& found, size_t at) {
         .advise("Is it write-protected, or are its pages smaller than --page says?");
 }
 
-template <typename Step>
-void forEachPart(Output& output, const char* doing, const char* done, const Bytes& contents,
-                 size_t partBytes, const Step& step) {
-    for (size_t at = 0; at < contents.size(); at += partBytes) {
-        output.progress(doing, at, contents.size());
-        try {
-            step(at, part(contents, at, partBytes));
-        } catch (Failure& failure) {
-            failure.progress = std::to_string(at) + " of " + std::to_string(contents.size()) +
-                               " bytes are " + done;
-            throw;
-        }
-    }
-    output.progress(doing, contents.size(), contents.size());
-}
-
 } // namespace
 
 void programEeprom(I2c& bus, Output& output, bool rehearses, const Eeprom& eeprom,
                    const Bytes& contents) {
-    forEachPart(output, "writing", "written", contents, eeprom.pageBytes,
-                [&](size_t at, const Bytes& page) {
-                    bus.write(eeprom.address, registerOf(eeprom, at), page);
-                    waitUntilWritten(bus, eeprom);
-                });
-    forEachPart(output, "verifying", "verified", contents, readBytes,
-                [&](size_t at, const Bytes& wanted) {
-                    const Bytes found = bus.read(eeprom.address, registerOf(eeprom, at),
-                                                 static_cast<uint16_t>(wanted.size()));
-                    if (!rehearses) {
-                        compare(wanted, found, at);
-                    }
-                });
+    forEachPiece({contents.size(), eeprom.pageBytes, "written"}, output, "writing",
+                 [&](size_t at, size_t count) {
+                     bus.write(eeprom.address, registerOf(eeprom, at),
+                               pieceOf(contents, at, count));
+                     waitUntilWritten(bus, eeprom);
+                 });
+    forEachPiece({contents.size(), readBytes, "verified"}, output, "verifying",
+                 [&](size_t at, size_t count) {
+                     const Bytes found = bus.read(eeprom.address, registerOf(eeprom, at),
+                                                  static_cast<uint16_t>(count));
+                     if (!rehearses) {
+                         compare(pieceOf(contents, at, count), found, at);
+                     }
+                 });
 }
 
 } // namespace veltra

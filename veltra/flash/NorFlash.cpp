@@ -3,6 +3,8 @@
 
 #include "flash/NorFlash.hpp"
 
+#include "Pieces.hpp"
+
 #include <algorithm>
 #include <chrono>
 
@@ -33,32 +35,9 @@ Bytes withAddress(uint8_t opcode, uint32_t address) {
             static_cast<uint8_t>(address)};
 }
 
-Bytes part(const Bytes& bytes, size_t at, size_t count) {
-    const auto begin = bytes.begin() + static_cast<ptrdiff_t>(std::min(at, bytes.size()));
-    return {begin, begin + static_cast<ptrdiff_t>(
-                               std::min<size_t>(count, static_cast<size_t>(bytes.end() - begin)))};
-}
-
 /// Many makers put the power of two there; 64 KiB to 16 MiB are believed.
 bool namesSize(const Bytes& id) {
     return id.size() == 3 && id[2] >= 16 && id[2] <= 24;
-}
-
-/// Carries a step out for each piece; a Failure says how many bytes the steps before have done.
-template <typename Step>
-void inPieces(Output& output, const char* doing, const char* done, size_t total, size_t piece,
-              const Step& step) {
-    for (size_t at = 0; at < total; at += piece) {
-        output.progress(doing, at, total);
-        try {
-            step(at, std::min(piece, total - at));
-        } catch (Failure& failure) {
-            failure.progress =
-                std::to_string(at) + " of " + std::to_string(total) + " bytes are " + done;
-            throw;
-        }
-    }
-    output.progress(doing, total, total);
 }
 
 } // namespace
@@ -93,7 +72,7 @@ Bytes NorFlash::readPiece(uint32_t offset, size_t count) {
 
 Bytes NorFlash::read(uint32_t offset, size_t count) {
     Bytes contents;
-    inPieces(output, "reading", "read", count, pieceBytes, [&](size_t at, size_t size) {
+    forEachPiece({count, pieceBytes, "read"}, output, "reading", [&](size_t at, size_t size) {
         const Bytes piece = readPiece(static_cast<uint32_t>(offset + at), size);
         contents.insert(contents.end(), piece.begin(), piece.end());
     });
@@ -126,8 +105,8 @@ void NorFlash::eraseBlock(uint32_t offset) {
 
 void NorFlash::program(uint32_t offset, const Bytes& before, const Bytes& wanted) {
     for (size_t at = 0; at < wanted.size(); at += shape.pageBytes) {
-        const Bytes page = part(wanted, at, shape.pageBytes);
-        if (page == part(before, at, shape.pageBytes)) {
+        const Bytes page = pieceOf(wanted, at, shape.pageBytes);
+        if (page == pieceOf(before, at, shape.pageBytes)) {
             continue;
         }
         Bytes command = withAddress(opcodeProgram, static_cast<uint32_t>(offset + at));
@@ -142,7 +121,7 @@ void NorFlash::write(uint32_t offset, const Bytes& contents) {
     const uint32_t block = shape.eraseBytes;
     const uint32_t first = offset - offset % block;
     const size_t total = offset - first + contents.size();
-    inPieces(output, "writing", "written", total, block, [&](size_t at, size_t) {
+    forEachPiece({total, block, "written"}, output, "writing", [&](size_t at, size_t) {
         const auto start = static_cast<uint32_t>(first + at);
         Bytes before = readPiece(start, block);
         Bytes wanted = before;
@@ -163,25 +142,25 @@ void NorFlash::write(uint32_t offset, const Bytes& contents) {
 }
 
 void NorFlash::erase(uint32_t offset, size_t count) {
-    inPieces(output, "erasing", "erased", count, shape.eraseBytes,
-             [&](size_t at, size_t) { eraseBlock(static_cast<uint32_t>(offset + at)); });
+    forEachPiece({count, shape.eraseBytes, "erased"}, output, "erasing",
+                 [&](size_t at, size_t) { eraseBlock(static_cast<uint32_t>(offset + at)); });
     verify(offset, Bytes(count, 0xFF));
 }
 
 void NorFlash::verify(uint32_t offset, const Bytes& contents) {
-    inPieces(output, "verifying", "verified", contents.size(), pieceBytes,
-             [&](size_t at, size_t size) {
-                 const Bytes seen = readPiece(static_cast<uint32_t>(offset + at), size);
-                 const Bytes wanted = part(contents, at, size);
-                 const auto differs = std::mismatch(wanted.begin(), wanted.end(), seen.begin());
-                 if (differs.first != wanted.end()) {
-                     const auto byte = static_cast<size_t>(differs.first - wanted.begin());
-                     throw Failure(ExitStatus::NotAsExpected, "verify",
-                                   "byte " + hexNumber(offset + at + byte, 6) + " is " +
-                                       hexDigits({*differs.second}) + " and should be " +
-                                       hexDigits({*differs.first}));
-                 }
-             });
+    const Pieces pieces{contents.size(), pieceBytes, "verified"};
+    forEachPiece(pieces, output, "verifying", [&](size_t at, size_t size) {
+        const Bytes seen = readPiece(static_cast<uint32_t>(offset + at), size);
+        const Bytes wanted = pieceOf(contents, at, size);
+        const auto differs = std::mismatch(wanted.begin(), wanted.end(), seen.begin());
+        if (differs.first != wanted.end()) {
+            const auto byte = static_cast<size_t>(differs.first - wanted.begin());
+            throw Failure(ExitStatus::NotAsExpected, "verify",
+                          "byte " + hexNumber(offset + at + byte, 6) + " is " +
+                              hexDigits({*differs.second}) + " and should be " +
+                              hexDigits({*differs.first}));
+        }
+    });
 }
 
 } // namespace veltra
