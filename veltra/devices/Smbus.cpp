@@ -6,6 +6,7 @@
 #include <linux/i2c-dev.h>
 #include <linux/i2c.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -45,8 +46,8 @@ I2cMessage read(uint8_t address, size_t count) {
 
 /// The command and what follows it.
 Bytes behind(uint8_t command, const Bytes& rest) {
-    Bytes bytes{command};
-    bytes.insert(bytes.end(), rest.begin(), rest.end());
+    Bytes bytes(1 + rest.size(), command);
+    std::copy(rest.begin(), rest.end(), bytes.begin() + 1);
     return bytes;
 }
 
