@@ -73,8 +73,10 @@ class Terminal:
         variables = {name: value for name, value in os.environ.items() if not name.startswith("VELTRA")}
         variables["PATH"] = os.pathsep.join([str(self.directory / "bin"),
                                              str(pathlib.Path(self.virtual_adapter).parent), os.environ["PATH"]])
-        variables["EXAMPLES"] = str(pathlib.Path(__file__).resolve().parents[2] / "examples" / "veltra")
-        variables["PROGRAMS"] = str(pathlib.Path(__file__).resolve().parent / "programs")
+        here = pathlib.Path(__file__).resolve().parent
+        variables["EXAMPLES"] = str(here.parents[1] / "examples" / "veltra")
+        variables["PROGRAMS"] = str(here / "programs")
+        variables["BOARDS"] = str(here / "boards")
         work = self.directory / "work"
         work.mkdir(exist_ok=True)
         done = subprocess.run(["sh", "-c", command], cwd=work, env=variables, stdin=subprocess.DEVNULL,
