@@ -10,14 +10,18 @@
 #include "i3c/Target.hpp"
 
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 
 namespace veltra {
 
 namespace {
 
-/// What a user waits for without noticing.
-const char* const askingTimeout = "100";
+/// As VELTRA_TIMEOUT says, or what a user waits for without noticing.
+std::string askingTimeout() {
+    const char* const wanted = std::getenv("VELTRA_TIMEOUT");
+    return wanted == nullptr ? "100" : wanted;
+}
 
 std::vector<std::string> adapters() {
     std::vector<std::string> names;
@@ -31,11 +35,11 @@ std::vector<std::string> adapters() {
 std::vector<std::string> targets(const std::string& device) {
     Options options;
     options.device = device;
-    options.timeout = askingTimeout;
+    options.timeout = askingTimeout();
     Output output(options);
-    Session session(options, output);
     std::vector<std::string> names;
     try {
+        Session session(options, output);
         for (const I3cTargetInfo& target : I3c(session).table()) {
             if (target.dynamicAddress != 0) {
                 names.push_back(hexNumber(target.dynamicAddress, 2));
