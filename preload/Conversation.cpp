@@ -4,6 +4,7 @@
 #include "preload/Conversation.hpp"
 
 #include "bytes/ByteReader.hpp"
+#include "guest/sendAll.hpp"
 
 #include <sys/socket.h>
 #include <unistd.h>
@@ -32,32 +33,6 @@ bool connectTo(int socket, const sockaddr_un& broker) {
     while (connect(socket, reinterpret_cast<const sockaddr*>(&broker), sizeof broker) != 0) {
         if (errno != EINTR) {
             return failGone();
-        }
-    }
-    return true;
-}
-
-bool sendAll(int socket, iovec* parts, size_t count) {
-    msghdr message{};
-    message.msg_iov = parts;
-    message.msg_iovlen = count;
-    while (message.msg_iovlen > 0) {
-        const ssize_t result = sendmsg(socket, &message, MSG_NOSIGNAL);
-        if (result < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
-            return failGone();
-        }
-        auto sent = static_cast<size_t>(result);
-        while (message.msg_iovlen > 0 && sent >= message.msg_iov->iov_len) {
-            sent -= message.msg_iov->iov_len;
-            ++message.msg_iov;
-            --message.msg_iovlen;
-        }
-        if (message.msg_iovlen > 0) {
-            message.msg_iov->iov_base = static_cast<uint8_t*>(message.msg_iov->iov_base) + sent;
-            message.msg_iov->iov_len -= sent;
         }
     }
     return true;
@@ -121,7 +96,11 @@ int Conversation::ask(devices::RequestKind kind, const DeviceId& id, iovec* part
     }
     parts[0] = head.part();
     uint8_t answer[devices::answerHead];
-    if (!sendAll(socket, parts, count) || !receive(answer, sizeof answer)) {
+    if (!guest::sendAll(socket, parts, count)) {
+        failGone();
+        return -1;
+    }
+    if (!receive(answer, sizeof answer)) {
         return -1;
     }
     virtual_adapter::ByteReader reader(answer, sizeof answer);

@@ -86,7 +86,7 @@ ROOMS = {
     "socket": ("bytes/", "guest/"),
     "ways": ("bytes/", "device/", "socket/", "usbip/"),
     # With the broker of veltra the preloaded devices share what is said between them.
-    "preload": ("bytes/", "socket/", "capture/", "devices/messages.hpp"),
+    "preload": ("bytes/", "guest/", "socket/", "capture/", "devices/messages.hpp"),
     # Other people's programs, whatever is in front of their libraries.
     "launch": ("usbip/FileDescriptor.hpp",),
     # Of veltra: the devices as Linux has them, and what is behind them.

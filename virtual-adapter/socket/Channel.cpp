@@ -4,9 +4,9 @@
 #include "socket/Channel.hpp"
 
 #include "guest/outOfTheWay.hpp"
+#include "guest/sendAll.hpp"
 
 #include <sys/socket.h>
-#include <sys/uio.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -16,32 +16,6 @@
 namespace virtual_adapter {
 
 namespace {
-
-bool sendAll(int socket, iovec* parts, size_t count) {
-    msghdr message{};
-    message.msg_iov = parts;
-    message.msg_iovlen = count;
-    while (message.msg_iovlen > 0) {
-        const ssize_t result = sendmsg(socket, &message, MSG_NOSIGNAL);
-        if (result < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
-            return false;
-        }
-        auto sent = static_cast<size_t>(result);
-        while (message.msg_iovlen > 0 && sent >= message.msg_iov->iov_len) {
-            sent -= message.msg_iov->iov_len;
-            ++message.msg_iov;
-            --message.msg_iovlen;
-        }
-        if (message.msg_iovlen > 0) {
-            message.msg_iov->iov_base = static_cast<uint8_t*>(message.msg_iov->iov_base) + sent;
-            message.msg_iov->iov_len -= sent;
-        }
-    }
-    return true;
-}
 
 /// Receives at least @p wanted bytes behind the @p have that are there, at most @p capacity in all.
 /// Returns how many there are then; less than wanted when the connection has ended.
@@ -109,7 +83,7 @@ bool sendMessage(int socket, ClientMessage& message) {
     // sendmsg does not write to what it sends.
     iovec parts[] = {{const_cast<uint8_t*>(message.fields()), message.fieldsSize()},
                      {const_cast<void*>(message.rest()), message.restSize()}};
-    return sendAll(socket, parts, message.restSize() > 0 ? 2 : 1);
+    return guest::sendAll(socket, parts, message.restSize() > 0 ? 2 : 1);
 }
 
 ReplyStep nextReply(const uint8_t* bytes, size_t have, size_t capacity, ReplyKind kind,
