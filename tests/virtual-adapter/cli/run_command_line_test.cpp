@@ -6,6 +6,9 @@
 
 #include <dlfcn.h>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
 
 #include <gmock/gmock.h>
 
@@ -144,6 +147,21 @@ TEST(RunCommandLine, HelpNamesEveryOption) {
           "run --model high-speed -- ./my-program"}) {
         EXPECT_THAT(result.output, HasSubstr(text));
     }
+}
+
+TEST(RunCommandLine, EveryOptionHasARowInTheDocuments) {
+    std::ifstream stream(RUN_PAGE);
+    const std::string page{std::istreambuf_iterator<char>(stream), {}};
+    std::istringstream help(runProcess({virtualAdapter, "run", "--help"}).output);
+    size_t options = 0;
+    for (std::string line; std::getline(help, line);) {
+        if (line.rfind("  --", 0) == 0) {
+            const std::string name = line.substr(2, line.find(' ', 2) - 2);
+            EXPECT_THAT(page, HasSubstr("\n| `" + name + "` | "));
+            ++options;
+        }
+    }
+    EXPECT_EQ(options, 8U);
 }
 
 TEST(RunCommandLine, TheVersionIsTheProjects) {
