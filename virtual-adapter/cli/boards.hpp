@@ -16,10 +16,10 @@ struct ReadBoard {
     std::vector<ScheduledStimulus> schedule;
 };
 
-/// Throws BoardFileError.
+/// Throws BoardFileError, and std::runtime_error when the file cannot be read.
 ReadBoard readBoard(const std::string& path);
 
-/// Puts the adapter on the board that the file describes. Throws BoardFileError.
+/// Puts the adapter on the board that the file describes. Throws as readBoard does.
 void putOnBoard(AdapterSettings& settings, const std::string& path);
 
 } // namespace virtual_adapter

@@ -9,6 +9,7 @@
 
 #include <iostream>
 #include <memory>
+#include <stdexcept>
 #include <string>
 
 namespace virtual_adapter {
@@ -24,6 +25,8 @@ void check(const std::string& file) {
     } catch (const BoardFileError& error) {
         std::cerr << error.what() << std::endl;
         throw ProcessEnd{notRight};
+    } catch (const std::runtime_error& error) {
+        fail(notRight, error.what());
     }
 }
 

@@ -36,6 +36,8 @@ void readBoardOption(const std::string& option, AdapterSettings& settings,
         putOnBoard(settings, path);
     } catch (const BoardFileError& error) {
         throw command_line::Refusal(option, std::string("\n") + error.what());
+    } catch (const std::runtime_error& error) {
+        throw command_line::Refusal(option, error.what());
     }
 }
 

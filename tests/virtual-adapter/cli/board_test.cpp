@@ -75,6 +75,17 @@ TEST_F(BoardOption, AFileThatIsNotRightIsToldWithItsLine) {
     EXPECT_NE(result.errors.find(board + ":1: "), std::string::npos) << result.errors;
 }
 
+TEST_F(BoardOption, AFileThatIsNotThereIsToldInOneLine) {
+    for (const std::string option : {"--board=", "--adapter=A="}) {
+        const ProcessResult result = run({option + "/no/such/board.toml"}, {"true"});
+        EXPECT_EQ(result.status, 125);
+        EXPECT_EQ(result.errors,
+                  "veltra-virtual-adapter: run: " + option.substr(0, option.find('=')) +
+                      ": cannot read /no/such/board.toml: there is no such file. See: "
+                      "veltra-virtual-adapter run --help\n");
+    }
+}
+
 TEST_F(BoardOption, AnImageThatIsMissingIsNamedBeforeTheProgramStarts) {
     const std::string board = write("board.toml", "board = 1\n[[spi]]\nchip_select = 0\n"
                                                   "part = \"nor-flash\"\nimage = \"@gone.bin\"\n");

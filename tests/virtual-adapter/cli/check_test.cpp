@@ -109,7 +109,8 @@ TEST(Check, AStimulusThatCannotBeIsToldWithItsLine) {
 TEST(Check, AFileThatIsNotThereIsNamed) {
     const ProcessResult result = check("/no/such/board.toml");
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.errors, "cannot read /no/such/board.toml: there is no such file\n");
+    EXPECT_EQ(result.errors, "veltra-virtual-adapter: cannot read /no/such/board.toml: there is no "
+                             "such file\n");
 }
 
 TEST(Check, AFileIsRequired) {

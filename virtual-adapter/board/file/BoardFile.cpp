@@ -266,13 +266,7 @@ private:
 } // namespace
 
 BoardFile::BoardFile(const std::filesystem::path& file) : path(file) {
-    std::string text;
-    try {
-        text = readFile(path, maxFileSize);
-    } catch (const std::exception& error) {
-        throw BoardFileError(error.what());
-    }
-    read(text);
+    read(readFile(path, maxFileSize));
 }
 
 BoardFile::BoardFile(const std::filesystem::path& file, const std::string& text) : path(file) {

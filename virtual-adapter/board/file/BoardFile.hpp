@@ -15,7 +15,7 @@ namespace virtual_adapter {
 /// A board that its users have described in a file.
 class BoardFile {
 public:
-    /// Reads the file. Throws BoardFileError.
+    /// Reads the file. Throws BoardFileError, and as readFile does when it cannot be read.
     explicit BoardFile(const std::filesystem::path& file);
 
     /// Reads the description from a text that stands for the file. Throws BoardFileError.

@@ -195,10 +195,12 @@ TEST(BoardFile, WiresJoinDifferentPins) {
 TEST(BoardFile, FilesThatCannotBeReadAreNamed) {
     const TemporaryDirectory directory;
     const std::string board = directory.path().string() + "/board.toml";
-    EXPECT_THROW(BoardFile{board}, BoardFileError);
     try {
         const BoardFile file(board);
+        ADD_FAILURE() << "nothing was read";
     } catch (const BoardFileError& error) {
+        ADD_FAILURE() << "not there, it has no lines that could be wrong: " << error.what();
+    } catch (const std::runtime_error& error) {
         EXPECT_EQ(std::string(error.what()), "cannot read " + board + ": there is no such file");
     }
     std::ofstream(board) << "board = 1\n[[i2c]]\nbus = 1\naddress = 0x50\npart = \"24c02\"\n"
