@@ -10,6 +10,7 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <ostream>
 
 #include <gmock/gmock.h>
 
@@ -97,22 +98,35 @@ TEST_F(RunProcess, WhatOneProgramWritesTheNextOneReads) {
     EXPECT_THAT(result.output, HasSubstr("05 00 05 09 00 00 00 02 00 ca fe\n"));
 }
 
-TEST_F(RunProcess, AProgramThatHasEndedLeavesNothing) {
-    const std::vector<std::pair<std::string, int>> cases{
-        {"close", 0},
-        {"leave", 0},
-        {"raise " + std::to_string(SIGKILL), -SIGKILL},
-        {"raise " + std::to_string(SIGSEGV), -SIGSEGV},
-        {"exit", -SIGABRT}};
-    for (const auto& [end, status] : cases) {
-        BackgroundProcess program = probe({openIt, writeIt, "wait " + signal, end});
-        const std::string path = withoutLineEnd(program.nextLine());
-        const WatchedProcess adapter(adapterAt(path));
-        giveSignal();
-        EXPECT_EQ(program.wait(), status) << end;
-        EXPECT_TRUE(leavesNothing(adapter)) << end;
-    }
+struct Ending {
+    const char* name;
+    std::string lastCall;
+    int status;
+};
+
+void PrintTo(const Ending& ending, std::ostream* output) {
+    *output << ending.name;
 }
+
+class ProgramThatEnds : public RunProcess, public testing::WithParamInterface<Ending> {};
+
+TEST_P(ProgramThatEnds, LeavesNothing) {
+    BackgroundProcess program = probe({openIt, writeIt, "wait " + signal, GetParam().lastCall});
+    const std::string path = withoutLineEnd(program.nextLine());
+    const WatchedProcess adapter(adapterAt(path));
+    giveSignal();
+    EXPECT_EQ(program.wait(), GetParam().status);
+    EXPECT_TRUE(leavesNothing(adapter));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    By, ProgramThatEnds,
+    testing::Values(Ending{"Closing", "close", 0}, Ending{"LeavingItOpen", "leave", 0},
+                    Ending{"BeingKilled", "raise " + std::to_string(SIGKILL), -SIGKILL},
+                    Ending{"Crashing", "raise " + std::to_string(SIGSEGV), -SIGSEGV},
+                    Ending{"ShuttingHidapiDownWhileItIsOpen", "exit", -SIGABRT},
+                    Ending{"Forking", "fork 3", 0}),
+    [](const auto& ending) { return std::string(ending.param.name); });
 
 TEST_F(RunProcess, WhoeverIsKilledHasClosedTheAdapter) {
     EXPECT_EQ(run({}, {"sh", "-c",
@@ -188,18 +202,24 @@ TEST_F(RunProcess, AStoppedAdapterAnswersWhenItGoesOn) {
     EXPECT_EQ(program.wait(), 0);
 }
 
-TEST_F(RunProcess, TwoHundredShortProcessesUseOneAdapter) {
-    const ProcessResult result =
-        run({}, {"sh", "-c",
-                 "echo $VELTRA_VIRTUAL_ADAPTER_SOCKET; i=0; while [ $i -lt 200 ]; do \"$0\" '" +
-                     openIt + "' '" + writeIt + "' 'read 0' close; i=$((i+1)); done",
-                 hidProbe});
-    std::string expected;
-    for (int i = 0; i < 200; ++i) {
-        expected += "open: ok\nwrite: 8\n" + response;
+TEST_F(RunProcess, TwoHundredShortProcessesUseOneAdapterAndLeaveNothing) {
+    constexpr int processes = 200;
+    BackgroundProcess program({virtualAdapter, "run", "--", "sh", "-c",
+                               "exec 2>&1; echo $VELTRA_VIRTUAL_ADAPTER_SOCKET; cat \"$1\"; i=0; "
+                               "while [ $i -lt " +
+                                   std::to_string(processes) + " ]; do \"$0\" '" + openIt + "' '" +
+                                   writeIt + "' 'read 0' close; i=$((i+1)); done",
+                               hidProbe, signal});
+    const WatchedProcess adapter(adapterAt(withoutLineEnd(program.nextLine())));
+    giveSignal();
+    for (int i = 0; i < processes; ++i) {
+        ASSERT_EQ(program.nextLine(), "open: ok\n") << i;
+        ASSERT_EQ(program.nextLine(), "write: 8\n") << i;
+        ASSERT_EQ(program.nextLine(), response) << i;
     }
-    EXPECT_EQ(result.output.substr(result.output.find('\n') + 1), expected);
-    EXPECT_EQ(result.errors, "");
+    EXPECT_EQ(program.nextLine(), "");
+    EXPECT_EQ(program.wait(), 0);
+    EXPECT_TRUE(leavesNothing(adapter));
 }
 
 TEST_F(RunProcess, TheAdapterHoldsNothingOfTheProgram) {
@@ -238,20 +258,39 @@ TEST_F(RunProcess, AnInnerRunHasAnAdapterOfItsOwn) {
                   listed(VELTRASDK_USB_PRODUCT_ID_FULL_SPEED, "Veltra | full-speed | outer"));
 }
 
-TEST_F(RunProcess, WithoutAPlaceTheMessageSaysWhatToType) {
-    setenv("XDG_RUNTIME_DIR", "/mnt", 1);
-    const Arguments prefix{"unshare",
-                           "--map-root-user",
-                           "--mount",
-                           "sh",
-                           "-c",
-                           "mount -t tmpfs -o nr_inodes=1 none /mnt && "
-                           "mount -t tmpfs -o ro none /tmp && exec \"$0\" \"$@\""};
-    if (runProcess(prefix + Arguments{virtualAdapter, "--version"}).status != 0) {
-        GTEST_SKIP() << "this machine grants no namespace of mounts";
+/// `run` where file systems of the test's own stand in for /mnt and /tmp.
+class RunWithoutRoom : public RunProcess {
+protected:
+    RunWithoutRoom() { setenv("XDG_RUNTIME_DIR", "/mnt", 1); }
+
+    void SetUp() override {
+        if (runProcess(behindMounts(fullMnt, {virtualAdapter, "--version"})).status != 0) {
+            GTEST_SKIP() << "this machine grants no namespace of mounts";
+        }
     }
-    const ProcessResult result =
-        runProcess(prefix + Arguments{virtualAdapter, "run", "--", "true"});
+
+    static Arguments behindMounts(const std::string& mounts, const Arguments& program) {
+        return Arguments{"unshare", "--map-root-user",
+                         "--mount", "sh",
+                         "-c",      mounts + " && exec \"$0\" \"$@\""} +
+               program;
+    }
+
+    static inline const std::string fullMnt = "mount -t tmpfs -o nr_inodes=1 none /mnt";
+};
+
+TEST_F(RunWithoutRoom, AFullDirectoryIsReplaced) {
+    const ProcessResult result = runProcess(
+        behindMounts(fullMnt, {virtualAdapter, "run", "--", "sh", "-c",
+                               "echo $VELTRA_VIRTUAL_ADAPTER_SOCKET; exec \"$0\" list", hidProbe}));
+    EXPECT_THAT(result.output, StartsWith("/tmp/veltra-virtual-adapter-"));
+    EXPECT_THAT(result.output, HasSubstr("VA-0001"));
+    EXPECT_EQ(result.errors, "");
+}
+
+TEST_F(RunWithoutRoom, WithoutAPlaceTheMessageSaysWhatToType) {
+    const ProcessResult result = runProcess(behindMounts(
+        fullMnt + " && mount -t tmpfs -o ro none /tmp", {virtualAdapter, "run", "--", "true"}));
     EXPECT_EQ(result.status, 125);
     EXPECT_EQ(result.errors,
               "veltra-virtual-adapter: no place for a socket (/mnt: No space left on "
@@ -322,7 +361,8 @@ TEST_F(RunProcess, ASocketThatNobodyServesAnyMoreIsTakenOver) {
 
 TEST_F(RunProcess, AJoinedAdapterIsWhatItIs) {
     for (const std::string option :
-         {"--model=full-speed", "--serial=X", "--fault=none", "--adapter=X"}) {
+         {"--model=full-speed", "--serial=X", "--fault=none", "--fault-delay=1", "--latency=1",
+          "--board=" FACTORY_BOARD, "--adapter=X"}) {
         const ProcessResult result = run({"--join", "/nonexistent", option}, {"true"});
         EXPECT_EQ(result.status, 125) << option;
         EXPECT_THAT(result.errors, HasSubstr("excludes --join")) << option;
