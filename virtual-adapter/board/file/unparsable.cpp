@@ -4,6 +4,7 @@
 #include "board/file/unparsable.hpp"
 
 #include <algorithm>
+#include <string>
 
 namespace virtual_adapter {
 
@@ -33,10 +34,63 @@ size_t lengthOfString(std::string_view text) {
     return text.size();
 }
 
-/// Whether a string may begin behind this character: a value, or a key.
-bool mayPrecedeString(char character) {
-    return std::string_view("\n=[,{.").find(character) != std::string_view::npos;
-}
+/// Where the check is: whether a key or a value may begin there. Anywhere else the parser takes for
+/// letters of a bare value what looks like a text, a list or an assignment.
+class Place {
+public:
+    [[nodiscard]] bool takesText() const {
+        return isBehind("\n=[,{") || (isInKey && isBehind("."));
+    }
+    [[nodiscard]] bool takesBracket() const { return isBehind("\n=[,"); }
+    [[nodiscard]] bool takesValue() const { return isInKey; }
+    [[nodiscard]] size_t depth() const { return open.size(); }
+
+    /// Goes on behind a character that is no part of a text or a comment.
+    void pass(char character) {
+        switch (character) {
+        case '[':
+            // A heading holds a key.
+            open += isInKey && (open.empty() || open.back() == heading) ? heading : character;
+            isInKey = open.back() == heading;
+            break;
+        case '{':
+            open += character;
+            isInKey = true;
+            break;
+        case ']':
+        case '}':
+            open.resize(open.size() - (open.empty() ? 0 : 1));
+            isInKey = false;
+            break;
+        case '=':
+            isInKey = false;
+            break;
+        case ',':
+            isInKey = !open.empty() && open.back() == '{';
+            break;
+        case '\n':
+            isInKey = open.empty() || open.back() == '{';
+            break;
+        default:
+            break;
+        }
+        previous = character;
+    }
+
+    void passText() { previous = '"'; }
+
+private:
+    [[nodiscard]] bool isBehind(std::string_view characters) const {
+        return characters.find(previous) != std::string_view::npos;
+    }
+
+    static constexpr char heading = 'h';
+
+    std::string open;
+    bool isInKey = true;
+    /// The last one that is neither white space within a line nor of a comment.
+    char previous = '\n';
+};
 
 bool isBeyondAscii(char byte) {
     return static_cast<unsigned char>(byte) >= 0x80;
@@ -65,15 +119,14 @@ std::optional<Unparsable> findUnparsable(std::string_view text) {
         text.remove_prefix(byteOrderMark.size());
     }
     size_t line = 1;
-    size_t brackets = 0;
     size_t dots = 0;
-    char previous = '\n';
+    Place place;
     for (size_t i = 0; i < text.size();) {
         size_t length = 1;
         switch (text[i]) {
         case '"':
         case '\'':
-            if (!mayPrecedeString(previous)) {
+            if (!place.takesText()) {
                 return Unparsable{line, "no text begins here"};
             }
             length = lengthOfString(text.substr(i));
@@ -81,40 +134,46 @@ std::optional<Unparsable> findUnparsable(std::string_view text) {
                 return Unparsable{line,
                                   "a text does not go on behind a backslash with this letter"};
             }
+            place.passText();
             break;
         case '#':
             length = std::min(text.find('\n', i), text.size()) - i;
             break;
+        case ' ':
+        case '\t':
+            break;
         case '[':
         case '{':
-            ++brackets;
+            if (!place.takesBracket()) {
+                return Unparsable{line, "no list and no table begins here"};
+            }
             dots = 0;
+            place.pass(text[i]);
             break;
-        case ']':
-        case '}':
-            brackets -= brackets > 0 ? 1 : 0;
-            break;
-        case '.':
-            ++dots;
+        case '=':
+            if (!place.takesValue()) {
+                return Unparsable{line, "no value begins here"};
+            }
+            dots = 0;
+            place.pass(text[i]);
             break;
         case '\n':
         case ',':
-        case '=':
             dots = 0;
+            place.pass(text[i]);
             break;
         default:
             if (isBeyondAscii(text[i])) {
                 return Unparsable{line, "letters beyond ASCII stand in texts and comments only"};
             }
+            dots += text[i] == '.' ? 1U : 0U;
+            place.pass(text[i]);
             break;
         }
-        if (brackets > maxBrackets || dots > maxDots) {
+        if (place.depth() > maxBrackets || dots > maxDots) {
             return Unparsable{line, "this nests deeper than a board does"};
         }
         const std::string_view passed = text.substr(i, length);
-        if (passed.front() != ' ' && passed.front() != '\t' && passed.front() != '#') {
-            previous = passed.back();
-        }
         line += static_cast<size_t>(std::count(passed.begin(), passed.end(), '\n'));
         i += length;
     }

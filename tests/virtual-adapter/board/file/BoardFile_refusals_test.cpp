@@ -245,6 +245,15 @@ TEST(BoardFile, LettersBeyondAsciiStandInTextsAndCommentsOnly) {
               "board.toml:1: letters beyond ASCII stand in texts and comments only");
     EXPECT_EQ(complaint("board = 1\nx = 5'\xCA\x88'"), "board.toml:2: no text begins here");
     EXPECT_EQ(complaint("board = 1\nx = 'a''\xCA\x88'"), "board.toml:2: no text begins here");
+    // All of a bare value, up to white space, is the parser's, quotes and brackets included.
+    EXPECT_EQ(complaint("board = 1\nx = 5='\xCA\x88'"), "board.toml:2: no value begins here");
+    EXPECT_EQ(complaint("board = 1\nx = [5='\xCA\x88']"), "board.toml:2: no value begins here");
+    EXPECT_EQ(complaint("board = 1\nx = {a = 5='\xCA\x88'}"), "board.toml:2: no value begins here");
+    EXPECT_EQ(complaint("board = 1\nx = 5.'\xCA\x88'"), "board.toml:2: no text begins here");
+    EXPECT_EQ(complaint("board = 1\nx = [5.'\xCA\x88']"), "board.toml:2: no text begins here");
+    const std::string noList = "board.toml:2: no list and no table begins here";
+    EXPECT_EQ(complaint("board = 1\nx = 5['\xCA\x88']"), noList);
+    EXPECT_EQ(complaint("board = 1\nx = 5{'\xCA\x88' = 1}"), noList);
     const std::string expected =
         "board.toml:2: a text does not go on behind a backslash with this letter";
     EXPECT_EQ(complaint("board = 1\nx = \"\"\"a\\\n  \xC3\xA4\"\"\"\n"), expected);
@@ -253,6 +262,10 @@ TEST(BoardFile, LettersBeyondAsciiStandInTextsAndCommentsOnly) {
                         "board = 1 # \xC2\xB5\n[[i2c]]\nbus = 0\naddress = 0x50\n"
                         "part = \"24c02\"\ncontents = \"\"\"str:\xC3\xA4\\\\\xC3\xA4\"\"\"\"\n"),
               "nothing");
+    EXPECT_EQ(complaint("board = 1\n['\xCA\x88'.'\xC3\xA4']\n'b'.'\xC3\xA4' = [[{'\xC2\xB5' = 1, "
+                        "'\xCA\x88' = [{}]}],\n # \xC2\xB5\n ['\xC3\xA4',\n]]\n"),
+              "board.toml:2: unknown key '\xCA\x88'; a board has board, replace, i2c, spi, uart, "
+              "gpio, i3c, at");
 }
 
 TEST(BoardFile, OfVeryManyProblemsTheFirst20AreTold) {
