@@ -127,7 +127,7 @@ bool Conversation::take(void* data, size_t size) {
     return receive(data, size);
 }
 
-bool Conversation::receive(void* data, size_t size) {
+bool Conversation::receive(void* data, size_t size) const {
     auto* next = static_cast<uint8_t*>(data);
     while (size > 0) {
         const ssize_t result = recv(socket, next, size, 0);

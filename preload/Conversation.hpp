@@ -20,11 +20,11 @@ struct DeviceId {
 };
 
 /// The fields of a request, on the stack of who asks.
-template <size_t capacity>
+template <size_t Capacity>
 class Fields {
 public:
     Fields& u8(unsigned value) {
-        if (length < capacity) {
+        if (length < Capacity) {
             content[length++] = static_cast<uint8_t>(value & 0xFFU);
         }
         return *this;
@@ -37,7 +37,7 @@ public:
     [[nodiscard]] size_t size() const { return length; }
 
 private:
-    uint8_t content[capacity] = {};
+    uint8_t content[Capacity] = {};
     size_t length = 0;
 };
 
@@ -69,7 +69,7 @@ public:
     int release();
 
 private:
-    bool receive(void* data, size_t size);
+    [[nodiscard]] bool receive(void* data, size_t size) const;
 
     int socket = -1;
     size_t left = 0;

@@ -94,7 +94,7 @@ bool TypedWords::startsProgram() const {
 }
 
 std::string misunderstood(command_line::Command root, const TypedWords& typed) {
-    const std::string complaint = complaintAboutCommand(root, typed);
+    std::string complaint = complaintAboutCommand(root, typed);
     const bool takesWords = typed.command() == "tell" || typed.command() == "check";
     if (!complaint.empty() || typed.hasSeparator || takesWords ||
         (!typed.startsProgram() && !unknownOption(root, typed).empty())) {

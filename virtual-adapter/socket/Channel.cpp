@@ -81,8 +81,10 @@ int greetAdapter(const char* path) {
 bool sendMessage(int socket, ClientMessage& message) {
     message.finish();
     // sendmsg does not write to what it sends.
+    // NOLINTBEGIN(cppcoreguidelines-pro-type-const-cast)
     iovec parts[] = {{const_cast<uint8_t*>(message.fields()), message.fieldsSize()},
                      {const_cast<void*>(message.rest()), message.restSize()}};
+    // NOLINTEND(cppcoreguidelines-pro-type-const-cast)
     return guest::sendAll(socket, parts, message.restSize() > 0 ? 2 : 1);
 }
 

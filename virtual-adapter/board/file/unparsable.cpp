@@ -99,7 +99,7 @@ bool isBeyondAscii(char byte) {
 /// Whether a letter beyond ASCII stands where the parser looks for the end of white space: behind a
 /// backslash at the end of a line.
 bool continuesBeyondAscii(std::string_view string) {
-    if (string.substr(0, 3) != "\"\"\"") {
+    if (string.substr(0, 3) != R"(""")") {
         return false;
     }
     for (size_t i = string.find('\\'); i < string.size(); i = string.find('\\', i + 2)) {
