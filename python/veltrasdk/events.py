@@ -14,6 +14,7 @@ import threading
 import weakref
 from collections import deque
 from collections.abc import Callable, Iterator
+from contextlib import contextmanager
 from dataclasses import dataclass
 from enum import StrEnum
 
@@ -130,7 +131,7 @@ class Events:
         return self
 
     def __next__(self) -> Event:
-        event = self._next(None)
+        event = self.take(None)
         if event is None:
             raise StopIteration
         return event
@@ -165,21 +166,17 @@ class Events:
         :returns: all that wait, oldest first; empty when none came in time.
         :raises DisconnectedError: when none waits and none will come.
         """
-        first = self._next(timeout)
-        with self._changed:
-            events = [] if first is None else [first, *self._waiting]
+        with self._waited(timeout):
+            events = list(self._waiting)
             self._waiting.clear()
             self._set_readable()
             if not events and self._ended is not None:
                 raise DisconnectedError("events", self._ended or "the events have been closed")
         return events
 
-    def _next(self, timeout: float | None) -> Event | None:
-        """The oldest; None when none came in time, or this program has ended the events."""
-        if self._link.is_foreign:
-            self._link.check("events")
-        with self._changed:
-            self._changed.wait_for(lambda: self._waiting or self._ended is not None, timeout)
+    def take(self, timeout: float | None) -> Event | None:
+        """The oldest; None when none came in time, or this program has ended the events. For iterators."""
+        with self._waited(timeout):
             if self._waiting:
                 event = self._waiting.popleft()
                 self._set_readable()
@@ -187,6 +184,15 @@ class Events:
             if self._ended:
                 raise DisconnectedError("events", self._ended)
             return None
+
+    @contextmanager
+    def _waited(self, timeout: float | None) -> Iterator[None]:
+        """The lock, held from the end of the wait on: nothing comes between."""
+        if self._link.is_foreign:  # before the lock, which a fork may have left held
+            self._link.check("events")
+        with self._changed:
+            self._changed.wait_for(lambda: self._waiting or self._ended is not None, timeout)
+            yield
 
     def _set_readable(self) -> None:
         """Makes the descriptor tell whether there is anything to see."""
@@ -202,6 +208,8 @@ class Events:
     def put(self, events: list[Event], lost: int) -> None:
         """Takes what is wanted of what came. For the dispatcher."""
         with self._changed:
+            if self._ended is not None:
+                return
             wanted = [event for event in events if event.kind in self._kinds]
             room = max(0, MAX_WAITING - len(self._waiting))
             self._lost += lost + len(wanted[room:])

@@ -114,4 +114,5 @@ class SpiDevice:
     def write_then_read(self, data: BytesLike, length: int) -> bytes:
         """Sends a command and receives what comes behind it, together at most 65,535 bytes."""
         send = _checks.data("spi.transfer", data)
-        return self.transfer(send, len(send) + length)[len(send) :]
+        wanted = _checks.number("spi.transfer", "the length", length, _checks.MAX_LENGTH)
+        return self.transfer(send, len(send) + wanted)[len(send) :]

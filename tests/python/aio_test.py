@@ -40,7 +40,7 @@ def test_everything_public_is_awaited_too(name: str) -> None:
     same, mine = getattr(veltrasdk, name), getattr(veltrasdk.aio, name)
     public = {member for member in dir(same) if not member.startswith("_")}
     if name == "Events":
-        public -= {"fileno", "put", "end", "closed"}  # for those who wait otherwise, and for the dispatcher
+        public -= {"fileno", "put", "end", "take", "closed"}  # for those who wait otherwise, and for the dispatcher
     if name == "GpioPin":
         public -= {"value"}  # read() and write() are what can be awaited
     assert public - set(dir(mine)) == set(DIFFERENT.get(name, {}))
@@ -89,7 +89,16 @@ def test_the_uart_is_awaited() -> None:
             assert await uart.read(2, SECONDS) == b"he"
             assert await uart.read(3, None) == b"llo"
             assert await uart.read(1, 0.01) == b""
+            waiting = asyncio.create_task(uart.read(2, None))
+            await asyncio.sleep(0)
+            assert await uart.read(1, 0.01) == b""  # behind the one that waits
+            await uart.write(b"end")
+            assert await waiting == b"en"
             assert uart.lost == 0
+            uart.close()
+            assert await uart.read(2) == b"d"
+            with pytest.raises(veltrasdk.DisconnectedError, match="have been closed"):
+                await uart.read(1)
 
     with_adapter(body)
 
@@ -129,6 +138,7 @@ def test_an_adapter_that_is_not_open_says_so() -> None:
         with pytest.raises(veltrasdk.DisconnectedError, match="use it in an async with block"):
             adapter.gpio(0)
         await adapter.close()
+        await adapter.close()
 
     asyncio.run(run())
 
@@ -142,6 +152,7 @@ def test_a_closed_adapter_refuses_everything() -> None:
                 await bus.scan()
         with pytest.raises(veltrasdk.DisconnectedError, match="the adapter is closed"):
             adapter.events()
+        await adapter.close()
 
     asyncio.run(run())
 
@@ -186,8 +197,39 @@ def test_events_are_waited_for() -> None:
             await out.write(0)
             await out.write(1)
             first = await anext(aiter(events))
-            rest = [] if events._taken else await events.wait(SECONDS)
-            assert first.pin == 1 and len(rest or await events.wait(SECONDS)) == 1
+            assert first.pin == 1 and len(await events.wait(SECONDS)) == 1
+
+    with_adapter(body)
+
+
+def test_tasks_that_iterate_at_the_same_time_take_turns() -> None:
+    async def body(adapter: veltrasdk.aio.Adapter) -> None:
+        events = adapter.events("gpio")
+        waiting = [asyncio.create_task(anext(aiter(events))) for _ in range(2)]
+        while events._coming is None:
+            await asyncio.sleep(0)
+        both = [veltrasdk.Event(veltrasdk.EventKind.GPIO, float(i), b"\x01", pin=1) for i in range(2)]
+        events._same.put(both, 0)
+        assert await asyncio.wait_for(asyncio.gather(*waiting), SECONDS) == both
+        events.close()
+
+    with_adapter(body)
+
+
+def test_events_that_follow_closed_ones_are_waited_for() -> None:
+    async def body(adapter: veltrasdk.aio.Adapter) -> None:
+        out = await changing(adapter)
+        closed = adapter.events("gpio")
+        ended = asyncio.create_task(closed.wait())
+        while closed._coming is None:
+            await asyncio.sleep(0)
+        closed.close()
+        async with adapter.events("gpio") as following:  # with the descriptor that has just become free
+            change = asyncio.create_task(out.write(1))
+            assert len(await following.wait(SECONDS)) == 1
+            await change
+        with pytest.raises(veltrasdk.DisconnectedError, match="have been closed"):
+            await ended
 
     with_adapter(body)
 

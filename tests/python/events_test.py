@@ -72,6 +72,31 @@ def test_waiting_ends_with_nothing_when_the_time_is_up(adapter: Adapter) -> None
         assert events.wait(0.01) == []
 
 
+class PutBetween:
+    """A lock of events, behind whose first holder another thread puts an event."""
+
+    def __init__(self, events: veltrasdk.Events, event: Event) -> None:
+        self._same, self._events, self._event = events._changed, events, [event]
+
+    def __enter__(self) -> None:
+        self._same.__enter__()
+
+    def __exit__(self, *_: object) -> None:
+        self._same.__exit__(None, None, None)
+        if self._event:
+            self._events.put([self._event.pop()], 0)
+
+    def __getattr__(self, name: str) -> object:
+        return getattr(self._same, name)
+
+
+def test_an_event_that_comes_when_a_wait_ends_is_kept(adapter: Adapter, monkeypatch: pytest.MonkeyPatch) -> None:
+    event = Event(EventKind.GPIO, 1.0, b"\x03", pin=3)
+    with adapter.events("gpio") as events:
+        monkeypatch.setattr(events, "_changed", PutBetween(events, event))
+        assert [*events.wait(0), *events.wait(0)] == [event]
+
+
 def test_the_descriptor_is_readable_exactly_while_events_wait(adapter: Adapter, toggle: GpioPin) -> None:
     with adapter.events("gpio") as events:
         assert select.select([events], [], [], 0) == ([], [], [])
@@ -105,7 +130,8 @@ def test_iterating_ends_when_the_events_are_closed(adapter: Adapter, toggle: Gpi
         seen.append(event)
         events.close()
     assert len(seen) == 1
-    assert list(events) == []
+    events.put(seen, 1)  # what the dispatcher was about to hand out
+    assert (list(events), events.lost) == ([], 0)
     with pytest.raises(veltrasdk.DisconnectedError, match="have been closed"):
         events.wait()
 

@@ -82,6 +82,7 @@ def test_words_of_16_bits_come_in_pairs_of_bytes(adapter: Adapter) -> None:
         (lambda adapter: adapter.spi(bits=9), "spi: bits must be one of 8, 16, not 9"),
         (lambda adapter: adapter.spi(clock=0), "spi: the clock must be 1 to"),
         (lambda adapter: adapter.spi().transfer(b"", 65536), "the length must be 0 to 65,535"),
+        (lambda adapter: adapter.spi().write_then_read(b"12", -1), "the length must be 0 to 65,535, not -1"),
         (lambda adapter: adapter.spi().write_then_read(b"1", 65535), "the length must be 0 to 65,535"),
     ],
 )

@@ -53,12 +53,17 @@ class Adapter:
             raise
 
     async def close(self) -> None:
-        """Closes the adapter; operations that other tasks wait for end with :class:`veltrasdk.DisconnectedError`."""
+        """Closes the adapter; on a closed one nothing happens.
+
+        Operations that other tasks wait for end with :class:`veltrasdk.DisconnectedError`.
+        """
 
         def end() -> None:
             if self._opened is not None:
                 self._opened.close()
 
+        if self._worker.stopped:
+            return
         if self._opened is None:  # it may be being opened, which nothing can end
             await asyncio.shield(self._worker.run(end))
         else:

@@ -3,11 +3,13 @@
 """The buses, awaited: each method is that of the same name, which is the reference."""
 
 import asyncio
+import time
 from collections.abc import Iterable
 
 from veltrasdk import ccc, gpio, i2c, i3c, spi, uart
 from veltrasdk.aio._events import Events
 from veltrasdk.aio._worker import Awaited, Worker, awaited
+from veltrasdk.errors import DisconnectedError
 
 
 class I2cBus(Awaited[i2c.I2cBus]):
@@ -55,7 +57,8 @@ class Uart(Awaited[uart.Uart]):
     def __init__(self, worker: Worker, same: uart.Uart) -> None:
         super().__init__(worker, same)
         self._events = Events(same.events)
-        self._received = bytearray()
+        self._received = uart.Received()
+        self._turn = asyncio.Lock()
 
     async def __aenter__(self) -> "Uart":
         return self
@@ -65,17 +68,29 @@ class Uart(Awaited[uart.Uart]):
 
     async def read(self, length: int, timeout: float | None = 1.0) -> bytes:
         """Waits for received bytes; see :meth:`veltrasdk.Uart.read`."""
-        loop = asyncio.get_running_loop()
-        until = None if timeout is None else loop.time() + timeout
-        while len(self._received) < length:
-            events = await self._events.wait(None if until is None else max(0.0, until - loop.time()))
-            if not events:
-                break
-            for event in events:
-                self._received += event.payload
-        read = bytes(self._received[:length])
-        del self._received[:length]
-        return read
+        wanted = uart.read_length(length)
+        until = None if timeout is None else time.monotonic() + timeout
+        try:
+            async with asyncio.timeout(timeout):
+                await self._turn.acquire()
+        except TimeoutError:
+            return b""
+        try:
+            await self._receive(wanted, until)
+            return self._received.take(wanted)
+        finally:
+            self._turn.release()
+
+    async def _receive(self, wanted: int, until: float | None) -> None:
+        try:
+            while len(self._received) < wanted:
+                events = await self._events.wait(None if until is None else max(0.0, until - time.monotonic()))
+                if not events:
+                    return
+                self._received.add(events)
+        except DisconnectedError:
+            if not self._received:
+                raise
 
     @property
     def lost(self) -> int:

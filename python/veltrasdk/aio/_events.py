@@ -3,10 +3,8 @@
 """Events, awaited."""
 
 import asyncio
-from collections import deque
 
 import veltrasdk.events
-from veltrasdk.errors import DisconnectedError
 from veltrasdk.events import Event
 
 
@@ -21,7 +19,6 @@ class Events:
     def __init__(self, same: veltrasdk.events.Events) -> None:
         self._same = same
         self._turn = asyncio.Lock()
-        self._taken: deque[Event] = deque()
         self._coming: asyncio.Future[None] | None = None
 
     async def __aenter__(self) -> "Events":
@@ -34,14 +31,15 @@ class Events:
         return self
 
     async def __anext__(self) -> Event:
-        if not self._taken:
-            try:
-                self._taken.extend(await self.wait())
-            except DisconnectedError:
-                if self._same.closed:
-                    raise StopAsyncIteration from None
-                raise
-        return self._taken.popleft()
+        async with self._turn:
+            while True:
+                closed = self._same.closed  # before it is asked for what it may still hold
+                event = self._same.take(0)
+                if event is not None:
+                    return event
+                if closed:
+                    raise StopAsyncIteration
+                await self._readable()
 
     @property
     def lost(self) -> int:
@@ -50,10 +48,6 @@ class Events:
 
     async def wait(self, timeout: float | None = None) -> list[Event]:
         """Waits until there are events; see :meth:`veltrasdk.Events.wait`."""
-        if self._taken:
-            taken = list(self._taken)
-            self._taken.clear()
-            return taken
         try:
             async with asyncio.timeout(timeout), self._turn:
                 while not (events := self._same.wait(0)):
@@ -65,18 +59,22 @@ class Events:
     async def _readable(self) -> None:
         loop = asyncio.get_running_loop()
         coming = self._coming = loop.create_future()
-        descriptor = self._same.fileno()
-        loop.add_reader(descriptor, _wake, coming)
+        loop.add_reader(self._same.fileno(), _wake, coming)
         try:
             await coming
         finally:
-            loop.remove_reader(descriptor)
+            self._stop_waiting()
+
+    def _stop_waiting(self) -> None:
+        """Takes the descriptor out of the loop, as long as it is no other file's."""
+        if self._coming is not None:
+            self._coming.get_loop().remove_reader(self._same.fileno())
+            _wake(self._coming)
             self._coming = None
 
     def close(self) -> None:
         """Ends the events: who waits for them waits no longer."""
-        if self._coming is not None:
-            _wake(self._coming)
+        self._stop_waiting()
         self._same.close()
 
 

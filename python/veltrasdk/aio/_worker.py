@@ -19,11 +19,14 @@ Job = tuple[asyncio.AbstractEventLoop, "asyncio.Future[Any]", Callable[[], Any]]
 
 
 class Worker:
-    """The thread of one adapter. It keeps no program from ending."""
+    """The thread of one adapter. It keeps no program from ending.
+
+    :ivar stopped: whether it has been told to end.
+    """
 
     def __init__(self) -> None:
         self._jobs: queue.SimpleQueue[Job | None] = queue.SimpleQueue()
-        self._stopped = False
+        self.stopped = False
         threading.Thread(target=_work, args=(self._jobs,), name="veltrasdk aio", daemon=True).start()
 
     def __del__(self) -> None:
@@ -31,7 +34,7 @@ class Worker:
 
     def stop(self) -> None:
         """Ends the thread behind what it has to do."""
-        self._stopped = True
+        self.stopped = True
         self._jobs.put(None)
 
     async def run(self, job: Callable[[], Result]) -> Result:
@@ -42,7 +45,7 @@ class Worker:
 
         :raises DisconnectedError: when the thread has been ended.
         """
-        if self._stopped:
+        if self.stopped:
             raise DisconnectedError("aio", "the adapter is closed")
         loop = asyncio.get_running_loop()
         future: asyncio.Future[Result] = loop.create_future()
