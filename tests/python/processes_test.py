@@ -39,24 +39,43 @@ def test_a_program_ends_with(run_python: Run, ending: str) -> None:
 
 
 CHILD_REFUSES = """
+import signal, threading
+from veltrasdk.compat import smbus2
 bus = adapter.i2c(0, pull_up="4k7")
 events = adapter.events()
 bus.scan()
+smbus2.use(adapter)
+held, forked = threading.Event(), threading.Event()
+def hold():
+    with adapter.bus_turns[0].alone(), adapter.i3c_turns.shared(), smbus2._source.lock:
+        held.set()
+        forked.wait()
+holding = threading.Thread(target=hold)
+holding.start()
+held.wait()
 child = os.fork()
 if child == 0:
+    signal.alarm(30)
     refused = 0
-    for call in (bus.scan, adapter.strings, adapter.events, events.wait, events.fileno, veltrasdk.adapters,
-                 veltrasdk.Adapter, lambda: next(events)):
+    for call in (bus.scan, adapter.i2c, adapter.i3c, lambda: bus.transfer(veltrasdk.Read(0x50, 1)), adapter.strings,
+                 adapter.events, events.wait, events.fileno, veltrasdk.adapters, veltrasdk.Adapter, lambda: next(events)):
         try:
             call()
         except veltrasdk.ForkedError as error:
             refused += 1
             text = str(error)
+    try:
+        smbus2.SMBus(0)
+    except OSError as error:
+        refused += 1
     events.close()
     adapter.close()
+    smbus2.use(None)
     del bus, adapter, events
     print(refused, text, flush=True)
     sys.exit(0)
+forked.set()
+holding.join()
 print(os.waitstatus_to_exitcode(os.waitpid(child, 0)[1]))
 print(bus.scan(), adapter.connected)
 adapter.close()
@@ -66,7 +85,7 @@ adapter.close()
 def test_a_forked_child_refuses_and_the_parent_goes_on(run_python: Run) -> None:
     ended = run_python(BEGIN + CHILD_REFUSES)
     assert ended.stdout.splitlines() == [
-        "8 events: the adapter was opened by the process that this one was forked from",
+        "12 events: the adapter was opened by the process that this one was forked from",
         "0",
         "[72, 80, 81] True",
     ]

@@ -32,16 +32,35 @@ def bus(adapter: Adapter) -> Iterator[SMBus]:
         yield opened
 
 
-def test_every_method_has_the_parameters_of_the_original() -> None:
-    for name, method in inspect.getmembers(original.SMBus, inspect.isfunction):
-        if not name.startswith("_") or name == "__init__":
-            mine = inspect.signature(getattr(SMBus, name))
-            assert [(p.name, p.default) for p in mine.parameters.values()] == [
-                (p.name, p.default) for p in inspect.signature(method).parameters.values()
+@pytest.mark.parametrize("kind", ["SMBus", "i2c_msg"])
+def test_every_method_has_the_parameters_of_the_original(kind: str) -> None:
+    theirs, mine = getattr(original, kind), getattr(smbus2, kind)
+    public = [name for name in dir(theirs) if not name.startswith("_")]
+    assert set(public) <= set(dir(mine))
+    for name in [*public, "__init__"]:
+        if inspect.isfunction(method := getattr(theirs, name)):
+            assert [(p.name, p.kind, p.default) for p in inspect.signature(getattr(mine, name)).parameters.values()] == [
+                (p.name, p.kind, p.default) for p in inspect.signature(method).parameters.values()
             ], name
-    assert {member.name: member.value for member in smbus2.I2cFunc} == {
-        member.name: member.value for member in original.I2cFunc
+
+
+def test_the_module_has_the_names_and_flags_of_the_original() -> None:
+    assert set(original.__all__) <= set(smbus2.__all__)
+    assert {name: int(flag) for name, flag in smbus2.I2cFunc.__members__.items()} == {
+        name: int(flag) for name, flag in original.I2cFunc.__members__.items()
     }
+
+
+@pytest.mark.parametrize(
+    "data",
+    [b"text", bytes(range(256)), "gr\xfc\xdfe", [1, 2, 3], []],
+    ids=["text", "every byte", "a string", "a list", "nothing"],
+)
+def test_a_message_is_shown_as_the_original_is(data: bytes | str | list[int]) -> None:
+    theirs, mine = original.i2c_msg.write(EEPROM, data), i2c_msg.write(EEPROM, data)
+    for shown in (bytes, list, len, str, repr):
+        assert shown(mine) == shown(theirs)
+    assert [name for name, _ in mine._fields_] == [name for name, _ in theirs._fields_]
 
 
 def test_bytes_and_words_are_written_and_read(bus: SMBus) -> None:
@@ -107,9 +126,13 @@ def test_messages_of_the_original_are_taken_too(bus: SMBus) -> None:
         (lambda bus: bus.i2c_rdwr(i2c_msg.read(EEPROM, 8193)), errno.EINVAL),
         (lambda bus: bus.i2c_rdwr(i2c_msg(EEPROM, 0x10, 0, None)), errno.EOPNOTSUPP),
         (lambda bus: bus.enable_pec(), errno.EOPNOTSUPP),
+        (lambda bus: setattr(bus, "pec", 1), errno.EOPNOTSUPP),
         (lambda bus: SMBus().read_byte(EEPROM), errno.EBADF),
         (lambda bus: SMBus(7), errno.ENOENT),
         (lambda bus: SMBus("/dev/i2c-7"), errno.ENOENT),
+        (lambda bus: SMBus("/dev/ttyUSB0"), errno.ENOENT),
+        (lambda bus: SMBus("bus"), errno.ENOENT),
+        (lambda bus: SMBus(-1), errno.ENOENT),
         (lambda bus: bus.read_i2c_block_data(EEPROM, 0, -1), errno.EINVAL),
     ],
 )
@@ -145,7 +168,7 @@ def test_what_a_bus_can_do_is_told(bus: SMBus) -> None:
     assert bus.funcs & smbus2.I2cFunc.SMBUS_READ_BLOCK_DATA
     assert not bus.funcs & (smbus2.I2cFunc.SMBUS_PEC | smbus2.I2cFunc.ADDR_10BIT)
     bus.enable_pec(False)
-    assert SMBus().funcs == 0
+    assert (SMBus().funcs, bus.pec) == (0, 0)
 
 
 @pytest.mark.parametrize("name", [1, "/dev/i2c-1", "1"])
@@ -185,6 +208,12 @@ class TestWithoutAnAdapterOfTheProgram:
         with pytest.raises(OSError) as caught:
             SMBus(0)
         assert caught.value.errno == errno.ENODEV
+
+    def test_a_voltage_that_is_no_number_is_an_os_error_that_names_it(self, monkeypatch: pytest.MonkeyPatch) -> None:
+        monkeypatch.setenv("VELTRA_VOLTAGE", "3,3")
+        with pytest.raises(OSError, match="VELTRA_VOLTAGE must be in volts, such as 3.3, not '3,3'") as caught:
+            SMBus(0)
+        assert caught.value.errno == errno.EINVAL
 
     def test_a_bus_that_cannot_be_initialised_leaves_none_open(self, monkeypatch: pytest.MonkeyPatch) -> None:
         monkeypatch.delenv("VELTRA_VOLTAGE")

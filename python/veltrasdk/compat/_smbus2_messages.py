@@ -33,6 +33,13 @@ class I2cFunc(IntFlag):
     SMBUS_WRITE_I2C_BLOCK = 0x08000000
     SMBUS_HOST_NOTIFY = 0x10000000
 
+    SMBUS_BYTE = 0x00060000
+    SMBUS_BYTE_DATA = 0x00180000
+    SMBUS_WORD_DATA = 0x00600000
+    SMBUS_BLOCK_DATA = 0x03000000
+    SMBUS_I2C_BLOCK = 0x0C000000
+    SMBUS_EMUL = 0x0EFF0008
+
 
 FUNCS = I2cFunc(0x0FFF8001)
 
@@ -60,8 +67,7 @@ class i2c_msg(ctypes.Structure):  # pylint: disable=invalid-name
         return f"i2c_msg({self.addr},{self.flags},{bytes(self)!r})"
 
     def __str__(self) -> str:
-        # The bytes as characters of the same number, which is what drivers print.
-        return bytes(self).decode("latin-1")
+        return bytes(self).decode(errors="ignore")
 
     @staticmethod
     def read(address: int, length: int) -> "i2c_msg":

@@ -54,6 +54,10 @@ class _Source:
         self.pull_up: str | None = None
         self.clock = 400_000
 
+    def after_fork(self) -> None:
+        """In the child: another thread of the parent may have held the lock."""
+        self.lock = threading.Lock()
+
     def enter(self) -> veltrasdk.Adapter:
         """The adapter for one more user."""
         with self.lock:
@@ -76,11 +80,15 @@ class _Source:
 
 
 _source = _Source()
+os.register_at_fork(after_in_child=_source.after_fork)
 
 
 def _open() -> veltrasdk.Adapter:
     device, volts = os.environ.get("VELTRA_DEVICE") or None, os.environ.get("VELTRA_VOLTAGE")
-    voltage = float(volts) if volts else None
+    try:
+        voltage = float(volts) if volts else None
+    except ValueError:
+        raise veltrasdk.ArgumentError("open", f"VELTRA_VOLTAGE must be in volts, such as 3.3, not {volts!r}") from None
     if any(device == adapter.path for adapter in veltrasdk.adapters()):
         return veltrasdk.Adapter(path=device, voltage=voltage)
     return veltrasdk.Adapter(device, voltage=voltage)
@@ -141,7 +149,6 @@ class SMBus:
     def __init__(self, bus: int | str | None = None, force: bool = False) -> None:
         self.force = force
         self.address: int | None = None
-        self.pec = 0
         self.funcs = I2cFunc(0)
         self._adapter: veltrasdk.Adapter | None = None
         self._bus: I2cBus | None = None
@@ -157,18 +164,15 @@ class SMBus:
     @_as_os_error
     def open(self, bus: int | str) -> None:
         """Opens a bus: 0 or 1, or a path that ends so."""
-        if isinstance(bus, str) and bus[-1:].isdigit():
-            number = int(bus.rpartition("-")[2])
-        elif isinstance(bus, int):
-            number = bus
-        else:
+        if not isinstance(bus, (int, str)):
             raise TypeError(f"Unexpected type(bus)={type(bus)}")
-        if number not in (0, 1):
+        number = bus.rpartition("-")[2] if isinstance(bus, str) else str(int(bus))
+        if number not in ("0", "1"):
             raise FileNotFoundError(errno.ENOENT, "the adapter has the buses 0 and 1", str(bus))
         self.close()
         adapter = _source.enter()
         try:
-            self._bus = adapter.i2c(number, _source.clock, _source.pull_up)
+            self._bus = adapter.i2c(int(number), _source.clock, _source.pull_up)
         except BaseException:
             _source.leave(adapter)
             raise
@@ -177,14 +181,23 @@ class SMBus:
 
     def close(self) -> None:
         """Closes the bus; on a closed one nothing happens."""
-        if self._adapter is not None:
-            _source.leave(self._adapter)
-        self._adapter = self._bus = None
+        adapter, self._adapter, self._bus = self._adapter, None, None
+        if adapter is not None:
+            _source.leave(adapter)
 
     def enable_pec(self, enable: bool = True) -> None:
         """Packet error codes: OSError, as the adapter has none, unless they are switched off."""
         if enable:
             raise OSError(errno.EOPNOTSUPP, "SMBUS_PEC is not a feature")
+
+    @property
+    def pec(self) -> int:
+        """Whether packet error codes are on, which they never are; setting does what :meth:`enable_pec` does."""
+        return 0
+
+    @pec.setter
+    def pec(self, enable: int) -> None:
+        self.enable_pec(bool(enable))
 
     def _at(self, address: int) -> tuple[I2cBus, int]:
         if self._bus is None:
