@@ -97,6 +97,32 @@ def test_an_adapter_cannot_be_pickled(adapter: Adapter) -> None:
         pickle.dumps(adapter)
 
 
+def test_what_another_process_has_opened_is_refused(adapter: Adapter, monkeypatch: pytest.MonkeyPatch) -> None:
+    bus, uart = adapter.i2c(0, pull_up="4k7"), adapter.uart()
+    events = uart.events
+    for owned in (adapter.link, *adapter.bus_turns):  # as a fork leaves them in the child
+        monkeypatch.setattr(owned, "_process", 0)
+    for call in (
+        bus.scan,
+        lambda: bus.transfer(veltrasdk.Read(0x50, 1)),
+        lambda: uart.read(1),
+        events.wait,
+        events.fileno,
+        lambda: next(events),
+        adapter.events,
+        adapter.strings,
+    ):
+        with pytest.raises(veltrasdk.ForkedError, match="was opened by the process that this one was forked from"):
+            call()
+    uart.close()
+    adapter.link.close()
+    assert not adapter.connected
+    monkeypatch.undo()
+    assert (adapter.connected, events.closed) == (True, False)
+    uart.close()
+    assert bus.scan()
+
+
 @pytest.mark.parametrize(
     "problem",
     [
