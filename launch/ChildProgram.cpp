@@ -54,15 +54,17 @@ ChildProgram::ChildProgram(const std::function<int()>& start) {
         sigaddset(&signals, signal);
     }
     pthread_sigmask(SIG_BLOCK, &signals, &before);
+    // NOLINTNEXTLINE(cppcoreguidelines-prefer-member-initializer): behind that.
     child = fork();
     if (child == 0) {
         pthread_sigmask(SIG_SETMASK, &before, nullptr);
         _exit(start());
     }
-    const int error = errno;
+    int error = errno;
     if (child > 0) {
         passSignalsOn(child);
         ended = usbip::FileDescriptor(static_cast<int>(syscall(SYS_pidfd_open, child, 0)));
+        error = errno;
     }
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
     if (child < 0 || !ended.isOpen()) {

@@ -26,9 +26,9 @@ int fail(int error) {
 }
 
 /// What a request asks for, behind which come fields of its own.
-template <size_t capacity>
-Fields<requestField + capacity> fieldsOf(uint32_t request) {
-    Fields<requestField + capacity> fields;
+template <size_t Capacity>
+Fields<requestField + Capacity> fieldsOf(uint32_t request) {
+    Fields<requestField + Capacity> fields;
     fields.u32(request);
     return fields;
 }
