@@ -8,6 +8,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <system_error>
@@ -18,18 +19,34 @@ namespace {
 
 constexpr int passedOn[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGUSR1, SIGUSR2, SIGCONT};
 
-// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): the handler has no argument.
-volatile pid_t childOfHandler = 0;
+// The handler has no argument.
+// NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables)
+std::atomic<pid_t> childOfHandler{0};
+std::atomic<unsigned> notPassedOn{0}; ///< The bit of each signal.
+// NOLINTEND(cppcoreguidelines-avoid-non-const-global-variables)
 
-void passOn(int signal, siginfo_t* information, void* /*context*/) {
-    // What the kernel sends, it has sent to the whole foreground: the child has it already.
-    if (information->si_code <= 0) {
-        kill(childOfHandler, signal);
+/// What came before there was a child waits for it.
+void passOnAll() {
+    const pid_t child = childOfHandler;
+    const unsigned signals = child != 0 ? notPassedOn.exchange(0) : 0;
+    for (const int signal : passedOn) {
+        if ((signals >> static_cast<unsigned>(signal) & 1U) != 0) {
+            kill(child, signal);
+        }
     }
 }
 
-void passSignalsOn(pid_t child) {
-    childOfHandler = child;
+void passOn(int signal, siginfo_t* information, void* /*context*/) {
+    const int error = errno;
+    // What the kernel sends, it has sent to the whole foreground: the child has it already.
+    if (information->si_code <= 0) {
+        notPassedOn |= 1U << static_cast<unsigned>(signal);
+        passOnAll();
+    }
+    errno = error;
+}
+
+void passSignalsOn() {
     struct sigaction action {};
     action.sa_sigaction = passOn;
     action.sa_flags = SA_SIGINFO | SA_RESTART;
@@ -40,13 +57,24 @@ void passSignalsOn(pid_t child) {
             sigaction(signal, &action, nullptr);
         }
     }
-    (void)std::signal(SIGPIPE, SIG_IGN);
+}
+
+/// In the child, where nobody is to be passed anything.
+void passNothingOn() {
+    for (const int signal : passedOn) {
+        struct sigaction inherited {};
+        sigaction(signal, nullptr, &inherited);
+        if (inherited.sa_handler != SIG_IGN) {
+            (void)std::signal(signal, SIG_DFL);
+        }
+    }
 }
 
 } // namespace
 
 ChildProgram::ChildProgram(const std::function<int()>& start) {
-    // None is lost between the child's start and the handlers.
+    // None is lost, whichever thread it reaches: each meets the handlers. This thread, the child's
+    // only one, meets none before the child has its own.
     sigset_t signals;
     sigset_t before;
     sigemptyset(&signals);
@@ -54,17 +82,21 @@ ChildProgram::ChildProgram(const std::function<int()>& start) {
         sigaddset(&signals, signal);
     }
     pthread_sigmask(SIG_BLOCK, &signals, &before);
+    passSignalsOn();
     // NOLINTNEXTLINE(cppcoreguidelines-prefer-member-initializer): behind that.
     child = fork();
     if (child == 0) {
+        passNothingOn();
         pthread_sigmask(SIG_SETMASK, &before, nullptr);
         _exit(start());
     }
     int error = errno;
     if (child > 0) {
-        passSignalsOn(child);
+        (void)std::signal(SIGPIPE, SIG_IGN);
         ended = usbip::FileDescriptor(static_cast<int>(syscall(SYS_pidfd_open, child, 0)));
         error = errno;
+        childOfHandler = child;
+        passOnAll();
     }
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
     if (child < 0 || !ended.isOpen()) {

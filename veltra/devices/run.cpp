@@ -14,6 +14,7 @@
 #include "launch/StartFailure.hpp"
 #include "launch/preloading.hpp"
 
+#include <csignal>
 #include <cstdio>
 #include <optional>
 #include <stdexcept>
@@ -93,6 +94,9 @@ int runProgram(const DevicesOfProgram& wanted, Context& context) {
         launch::preload(launch::findLibrary(VELTRA_DEVICES_LIBRARY, VELTRA_PRELOAD_DIRECTORY),
                         launch::PreloadPlace::First);
         launch::ChildProgram child([&] { return become(wanted.program); });
+        if (Interruption::requested()) {
+            child.send(SIGTERM); // it came before there was anybody to pass it on to
+        }
         devices::Broker(switchboard, place->takeListener()).run(child.end());
         const int status = child.wait();
         place.reset(); // nothing is left behind, however this process ends
