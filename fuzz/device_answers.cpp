@@ -90,7 +90,7 @@ void transferMessages(Input& input) {
     for (i2c_msg& message : messages) {
         message.addr = input.byte();
         message.flags = input.number<uint16_t>();
-        message.len = input.number<uint16_t>() % (devices::maxI2cLength + 2);
+        message.len = static_cast<uint16_t>(input.number<uint16_t>() % (devices::maxI2cLength + 2));
         data.push_back(memory(message.len));
         message.buf = data.back().get();
     }

@@ -148,7 +148,7 @@ class FlashTest(ExposedTest):
     def under_fault(self, fault, words=("-r", "read.bin")):
         """What flashrom and veltra say of a fault at the last transfer but one, which is one of many bytes."""
         place = f"{fault}@spi-transfer:{self.transfers('-r', 'read.bin') - 1}"
-        adapter = (*self.small(), "--fault", place)
+        adapter = (*self.small(), "--fault", place, "--fault-delay", "5000")
         programmer = exposed.Exposed("-t", "2000", *COMMAND, "--once", adapter=adapter)
         done = self.flashrom(programmer, *words)
         self.assertNotEqual(done.returncode, 0, done.stdout)

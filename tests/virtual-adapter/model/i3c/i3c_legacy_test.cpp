@@ -39,9 +39,10 @@ TEST_F(I3cModel, TheLegacySensorFollowsFastModeButNotFastModePlus) {
     EXPECT_EQ(response(read), (Frame{0x01, 0x00, 0x08, 0x19, 0x00, 0x00, 2, 0, 2, 0, 0x14, 0x00}));
 }
 
-TEST_F(I3cModel, TheLegacySensorRefusesARegisterThatItDoesNotHave) {
+TEST_F(I3cModel, OfALegacySensorsRegisterTheTwoLowestBitsCountAlone) {
+    const Frame read{0x01, 0x00, 0x08, 0x19, 0x4F, legacyRead, 0, 1, 0x04, 0, 0, 0, 2, 0};
     status({0x01, 0x00, 0x02, 0x19, 0, 0, 1, 0});
-    EXPECT_EQ(status({0x01, 0x00, 0x08, 0x19, 0x4F, legacyWrite, 0, 1, 9, 0, 0, 0, 0, 0}), 0x0007U);
+    EXPECT_EQ(response(read), (Frame{0x01, 0x00, 0x08, 0x19, 0x00, 0x00, 2, 0, 2, 0, 0x14, 0x00}));
 }
 
 TEST_F(I3cModel, WithoutTheSupplyTheLegacyEepromKeepsItsBytesAndTheLegacySensorLosesThem) {
