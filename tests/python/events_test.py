@@ -7,6 +7,7 @@ import logging
 import select
 import struct
 import threading
+import time
 from collections.abc import Iterator
 
 import pytest
@@ -23,6 +24,13 @@ def toggle(adapter: Adapter) -> Iterator[GpioPin]:
     out, watched = adapter.gpio(0), adapter.gpio(1)
     out.configure("out", value=0)
     watched.configure("in", edge="both")
+    with adapter.events("gpio") as events:  # what another test has left on its way comes first
+        began = time.monotonic()
+        out.value = 1
+        while all(event.time < began for event in events.wait(SECONDS)):
+            pass
+        out.value = 0
+        events.wait(SECONDS)
     yield out
     watched.disarm()
 
