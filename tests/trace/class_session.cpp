@@ -75,7 +75,8 @@ void useI3cBus(Session& session, VeltraSDK& sdk) {
                                      I2cTransferRate_0_4_MHz, I3cDriveStrength_4_mA));
     session.say("i3cResetBus", sdk.i3cResetBus());
     session.say("i3cInitBus", sdk.i3cInitBus({target, target}));
-    session.say("i3cGetDeviceTable", sdk.i3cGetDeviceTable(table), table.size());
+    const uint16_t tableRead = sdk.i3cGetDeviceTable(table); // before its size is taken
+    session.say("i3cGetDeviceTable", tableRead, table.size());
     for (const I3cTargetInfo& each : table) {
         session.append(shown(each));
     }
