@@ -22,8 +22,11 @@ exportCompilerFlags() {
     export CFLAGS="$CFLAGS $added" CXXFLAGS="$CXXFLAGS $added"
 }
 
-# configurePackaged OPTION...: configures that build as it is, or as the options change it.
+# configurePackaged OPTION...: configures that build as it is, or as the options change it. Where a program
+# finds the library in the build leaves a hole of its length when it is installed: relative, it is as long
+# in every directory.
 configurePackaged() {
     exportCompilerFlags
-    cmake -S . -B "$packagedBuild" -G Ninja -D CMAKE_BUILD_TYPE=RelWithDebInfo -D CMAKE_INSTALL_PREFIX=/usr "$@"
+    cmake -S . -B "$packagedBuild" -G Ninja -D CMAKE_BUILD_TYPE=RelWithDebInfo -D CMAKE_INSTALL_PREFIX=/usr \
+        -D CMAKE_BUILD_RPATH_USE_ORIGIN=ON "$@"
 }
