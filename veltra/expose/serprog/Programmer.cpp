@@ -109,6 +109,8 @@ Bytes sizeOfData() {
 } // namespace
 
 void Programmer::receive(const uint8_t* data, size_t size) {
+    received.erase(received.begin(), received.begin() + static_cast<ptrdiff_t>(consumed));
+    consumed = 0;
     received.insert(received.end(), data, data + size);
 }
 
@@ -116,33 +118,33 @@ bool Programmer::step() {
     if (skipping) {
         return skip();
     }
-    if (received.empty()) {
+    if (pending() == 0) {
         return false;
     }
-    const uint8_t opcode = received.front();
-    const size_t size = 1 + parameterBytes(opcode);
-    if (received.size() < size) {
+    const uint8_t* const command = received.data() + consumed;
+    const uint8_t opcode = *command;
+    const size_t parameters = parameterBytes(opcode);
+    if (pending() < 1 + parameters) {
         return false;
     }
     if (opcode == SpiOperation || opcode == WriteBytes) {
         return startLong(opcode);
     }
-    const Bytes parameters(received.begin() + 1, received.begin() + static_cast<ptrdiff_t>(size));
-    consume(size);
-    ByteReader reader(parameters);
+    consumed += 1 + parameters;
+    ByteReader reader(command + 1, parameters);
     carryOut(opcode, reader);
     return true;
 }
 
 /// A command with data behind its parameters.
 bool Programmer::startLong(uint8_t opcode) {
-    ByteReader reader(received);
+    ByteReader reader(received.data() + consumed, pending());
     reader.skip(1);
     const size_t length = u24(reader);
     const size_t count = u24(reader); // an address, of the command that is not offered
-    const size_t parameters = received.size() - reader.remaining();
+    const size_t parameters = pending() - reader.remaining();
     if (opcode != SpiOperation || length > maxSent || length + count > SpiBus::maxBytes) {
-        consume(parameters);
+        consumed += parameters;
         bytesToSkip = length;
         skipping = true;
         return skip();
@@ -151,14 +153,14 @@ bool Programmer::startLong(uint8_t opcode) {
         return false;
     }
     const Bytes send = reader.bytes(length);
-    consume(parameters + length);
+    consumed += parameters + length;
     transfer(send, count);
     return true;
 }
 
 bool Programmer::skip() {
-    const size_t present = std::min(bytesToSkip, received.size());
-    consume(present);
+    const size_t present = std::min(bytesToSkip, pending());
+    consumed += present;
     bytesToSkip -= present;
     if (bytesToSkip > 0) {
         return false;
@@ -220,10 +222,6 @@ void Programmer::answer(const Bytes& data) {
 
 void Programmer::answer(bool accepted) {
     outgoing.push_back(accepted ? acknowledged : refused);
-}
-
-void Programmer::consume(size_t count) {
-    received.erase(received.begin(), received.begin() + static_cast<ptrdiff_t>(count));
 }
 
 } // namespace serprog

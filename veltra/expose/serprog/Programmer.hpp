@@ -24,7 +24,7 @@ public:
     /// What the client has yet to be sent. The caller removes what it has sent.
     [[nodiscard]] Bytes& output() { return outgoing; }
     /// False while there is enough to do.
-    [[nodiscard]] bool wantsInput() const { return received.size() < maxBuffered; }
+    [[nodiscard]] bool wantsInput() const { return pending() < maxBuffered; }
     /// Whether the client has shown that it speaks this protocol.
     [[nodiscard]] bool isSynchronised() const { return synchronised; }
 
@@ -40,10 +40,12 @@ private:
     void transfer(const Bytes& send, size_t count);
     void answer(const Bytes& data);
     void answer(bool accepted);
-    void consume(size_t count);
+    [[nodiscard]] size_t pending() const { return received.size() - consumed; }
 
     SpiBus& bus;
     Bytes received;
+    /// Of what is received; it goes when more comes, so that no command moves those behind it.
+    size_t consumed = 0;
     Bytes outgoing;
     /// Of a refused command, whose refusal is sent behind them.
     size_t bytesToSkip = 0;
