@@ -53,6 +53,12 @@ socklen_t nameFor(const DeviceName& name, const DeviceId& id, sockaddr_un& addre
     return static_cast<socklen_t>(pathOffset + nameOffset + size);
 }
 
+/// What is read only, as an iovec, which could also be written to.
+iovec toSend(const void* data, size_t size) {
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): sendmsg does not.
+    return {const_cast<void*>(data), size};
+}
+
 const char* brokerPath() {
     const char* const path = std::getenv(devices::socketVariable);
     return path != nullptr && *path != '\0' ? path : nullptr;
@@ -82,7 +88,7 @@ bool isServed(const DeviceName& name) {
     if (broker == nullptr || !conversation.begin(broker, nullptr, 0, SOCK_CLOEXEC)) {
         return false;
     }
-    iovec parts[] = {{}, {const_cast<char*>(name.text), std::strlen(name.text)}};
+    iovec parts[] = {{}, toSend(name.text, std::strlen(name.text))};
     return conversation.ask(RequestKind::Find, {}, parts, 2) == 0;
 }
 
@@ -96,7 +102,7 @@ int openDevice(const DeviceName& name, int flags) {
         errno = ENOTDIR;
         return -1;
     }
-    DeviceId id;
+    DeviceId id{};
     if (getrandom(id.bytes, sizeof id.bytes, 0) != static_cast<ssize_t>(sizeof id.bytes)) {
         errno = EIO;
         return -1;
@@ -110,7 +116,7 @@ int openDevice(const DeviceName& name, int flags) {
     }
     Fields<1> access;
     access.u8(static_cast<unsigned>(flags) & O_ACCMODE);
-    iovec parts[] = {{}, access.part(), {const_cast<char*>(name.text), std::strlen(name.text)}};
+    iovec parts[] = {{}, access.part(), toSend(name.text, std::strlen(name.text))};
     const int result = conversation.ask(RequestKind::Open, id, parts, 3);
     if (result != 0) {
         errno = result < 0 ? errno : EIO;
@@ -141,13 +147,13 @@ bool isDevice(int descriptor, DeviceName& name) {
 }
 
 bool isDevice(int descriptor) {
-    DeviceName name;
+    DeviceName name{};
     return isDevice(descriptor, name);
 }
 
 ssize_t readDevice(int descriptor, void* data, size_t size) {
     Conversation conversation;
-    DeviceId id;
+    DeviceId id{};
     Fields<4> count;
     count.u32(size < UINT32_MAX ? static_cast<uint32_t>(size) : UINT32_MAX);
     iovec parts[] = {{}, count.part()};
@@ -167,11 +173,10 @@ ssize_t readDevice(int descriptor, void* data, size_t size) {
 
 ssize_t writeDevice(int descriptor, const void* data, size_t size) {
     Conversation conversation;
-    DeviceId id;
+    DeviceId id{};
     // One byte more than any device takes: what it does with too many it does with all of them.
     const size_t sent = size <= devices::maxSpiBytes ? size : devices::maxSpiBytes + 1;
-    // sendmsg does not write to what it sends.
-    iovec parts[] = {{}, {const_cast<void*>(data), sent}};
+    iovec parts[] = {{}, toSend(data, sent)};
     if (!conversation.begin(descriptor, id)) {
         return -1;
     }
@@ -185,7 +190,7 @@ ssize_t writeDevice(int descriptor, const void* data, size_t size) {
 
 int controlDevice(int descriptor, uint32_t request, void* argument) {
     Conversation conversation;
-    DeviceId id;
+    DeviceId id{};
     return conversation.begin(descriptor, id) ? control(conversation, id, request, argument) : -1;
 }
 

@@ -125,6 +125,12 @@ int transferSmbus(Conversation& conversation, const DeviceId& id,
     return conversation.take(transaction->data, conversation.remaining()) ? result : -1;
 }
 
+/// The addresses of spidev are numbers of 64 bits also where pointers are shorter.
+void* atAddress(uint64_t address) {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the program has made it of a pointer.
+    return reinterpret_cast<void*>(static_cast<uintptr_t>(address));
+}
+
 int transferSpi(Conversation& conversation, const DeviceId& id, uint32_t request,
                 const spi_ioc_transfer* transfers) {
     constexpr size_t maxTransfers = (1U << _IOC_SIZEBITS) / sizeof(spi_ioc_transfer);
@@ -142,8 +148,7 @@ int transferSpi(Conversation& conversation, const DeviceId& id, uint32_t request
     for (size_t i = 0; i < count; ++i) {
         const spi_ioc_transfer& transfer = transfers[i];
         const size_t before = fields.size();
-        // The addresses are numbers of 64 bits also where pointers are shorter.
-        auto* const sent = reinterpret_cast<void*>(static_cast<uintptr_t>(transfer.tx_buf));
+        void* const sent = atAddress(transfer.tx_buf);
         fields.u32(transfer.len).u32(transfer.speed_hz).u16(transfer.delay_usecs);
         fields.u8(transfer.bits_per_word).u8(transfer.cs_change);
         fields.u8(transfer.tx_nbits).u8(transfer.rx_nbits).u8(transfer.word_delay_usecs);
@@ -159,7 +164,7 @@ int transferSpi(Conversation& conversation, const DeviceId& id, uint32_t request
     }
     const int result = conversation.ask(RequestKind::Control, id, parts, used);
     for (size_t i = 0; result >= 0 && i < count; ++i) {
-        auto* const received = reinterpret_cast<void*>(static_cast<uintptr_t>(transfers[i].rx_buf));
+        void* const received = atAddress(transfers[i].rx_buf);
         if (received != nullptr && !conversation.take(received, transfers[i].len)) {
             return -1;
         }

@@ -40,8 +40,14 @@ int errorOf(const Failure& failure) {
 
 /// What no program expects, since a board's own supply and resistors are always there.
 bool concernsPeople(const Failure& failure) {
-    return failure.status == VeltraStatus_NoVoltage || failure.status == VeltraStatus_NoPullUp ||
-           failure.status == ResultCode_NotConnected;
+    switch (failure.status.value_or(0)) {
+    case VeltraStatus_NoVoltage:
+    case VeltraStatus_NoPullUp:
+    case ResultCode_NotConnected:
+        return true;
+    default:
+        return false;
+    }
 }
 
 } // namespace

@@ -40,8 +40,8 @@ void setUp(const FileDescriptor& socket) {
 
 /// flashrom goes on reading at an orderly end of the connection, for ever; at a reset it gives up.
 void resetAtClose(const FileDescriptor& socket) {
-    const linger at_once{1, 0};
-    setsockopt(socket.get(), SOL_SOCKET, SO_LINGER, &at_once, sizeof at_once);
+    const linger atOnce{1, 0};
+    setsockopt(socket.get(), SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
 }
 
 /// Whoever waits repeats its greeting; the answers to all of them would put it out of step. What
@@ -50,10 +50,12 @@ void forgetGreetings(const FileDescriptor& socket) {
     std::array<uint8_t, 64> said{};
     const ssize_t size = recv(socket.get(), said.data(), said.size(), MSG_PEEK | MSG_DONTWAIT);
     const auto isGreeting = [](uint8_t byte) { return byte == 0x00 || byte == 0x10; };
-    const auto end = said.begin() + std::max<ssize_t>(size, 0);
-    const auto greetings = std::find_if_not(said.begin(), end, isGreeting) - said.begin();
+    size_t greetings = 0;
+    while (static_cast<ssize_t>(greetings) < size && isGreeting(said[greetings])) {
+        ++greetings;
+    }
     if (greetings > 0) {
-        (void)recv(socket.get(), said.data(), static_cast<size_t>(greetings), MSG_DONTWAIT);
+        (void)recv(socket.get(), said.data(), greetings, MSG_DONTWAIT);
     }
 }
 
