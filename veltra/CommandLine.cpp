@@ -149,14 +149,19 @@ int execute(Invocation& invocation, Output& output) {
     Session session(invocation.options, output);
     Context context{session, output, invocation.options};
     session.begin(invocation.operation, invocation.options);
-    try {
-        invocation.action(context);
-        return context.exitStatus;
-    } catch (Failure& failure) {
+    const auto end = [&](Failure failure) {
         if (!failure.during) {
             failure.during = session.operation();
         }
         return finish(output, failure);
+    };
+    try {
+        invocation.action(context);
+        return context.exitStatus;
+    } catch (const Failure& failure) {
+        return end(failure);
+    } catch (const std::exception& error) {
+        return end(Failure::ofException(error));
     }
 }
 
@@ -219,7 +224,7 @@ int runCommandLine(const std::vector<std::string>& words) {
         invocation.options.json = std::find(words.begin(), end, "--json") != end;
         return finish(output, failure);
     } catch (const std::exception& error) {
-        return finish(output, Failure(ExitStatus::Refused, "internal", error.what()));
+        return finish(output, Failure::ofException(error));
     }
 }
 

@@ -8,6 +8,7 @@
 #include <veltrasdk/status.h>
 
 #include <cctype>
+#include <new>
 
 namespace veltra {
 
@@ -89,6 +90,13 @@ Failure Failure::ofUsage(std::string text) {
 
 Failure Failure::interruption() {
     return {ExitStatus::Interrupted, "interrupted", "interrupted"};
+}
+
+Failure Failure::ofException(const std::exception& error) {
+    if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr) {
+        return {ExitStatus::Refused, "memory", "not enough memory"};
+    }
+    return {ExitStatus::Refused, "internal", error.what()};
 }
 
 } // namespace veltra

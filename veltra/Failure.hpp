@@ -32,6 +32,8 @@ public:
     static Failure ofUsage(std::string text);
     /// The user does not want to wait any longer.
     static Failure interruption();
+    /// What nobody has foreseen where it came up.
+    static Failure ofException(const std::exception& error);
 
     Failure&& advise(std::string advice) && {
         hint = std::move(advice);

@@ -41,7 +41,8 @@ Failure endOfLink() {
 
 Inbox::Inbox(VeltraSDK& adapter) : queue(adapter, queueBytes) {
     if (queue.descriptor() < 0) {
-        throw Failure(ExitStatus::Refused, "memory", "no memory for the notification queue");
+        throw Failure(ExitStatus::Refused, "memory",
+                      "either memory or a file descriptor is missing for the notification queue");
     }
 }
 

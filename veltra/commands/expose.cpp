@@ -42,15 +42,15 @@ void exposeFlash(const Flash& wanted, Context& context) {
         context.output.remark("warning: whoever reaches " + endpoint.inWords() +
                               " can read and write this flash; nobody is asked for a password");
     }
+    serprog::Server server(
+        std::move(listener), flash,
+        {{Interruption::descriptor(), [] { throw Failure::interruption(); }},
+         {session.inbox().descriptor(), [&session] { session.inbox().discard(); }}});
     context.output.result({{"op", "expose.flash"},
                            {"cs", wanted.chipSelect},
                            {"address", endpoint.address},
                            {"port", endpoint.port}},
                           "flashrom -p serprog:ip=" + endpoint.inWords());
-    serprog::Server server(
-        std::move(listener), flash,
-        {{Interruption::descriptor(), [] { throw Failure::interruption(); }},
-         {session.inbox().descriptor(), [&session] { session.inbox().discard(); }}});
     server.run(wanted.once);
 }
 
