@@ -9,7 +9,7 @@ import signal
 import subprocess
 import sys
 import tempfile
-import time
+import threading
 import unittest
 
 LIMIT = 120  # seconds; a loaded machine stays far below
@@ -24,35 +24,39 @@ def environment():
         [str(pathlib.Path(VELTRA).parent), str(pathlib.Path(VIRTUAL_ADAPTER).parent), SEARCHED])}
 
 
-def until(condition):
-    """Waits for a condition; false when a loaded machine would long have met it."""
-    for _ in range(LIMIT * 20):
-        if condition():
-            return True
-        time.sleep(0.05)
-    return False
-
-
 class Exposed:
     """A running `veltra expose ...`, and the first line that it printed."""
 
     def __init__(self, *words, adapter=(), directory=None):
         command = [VIRTUAL_ADAPTER, "run", *adapter, "--", VELTRA, *words]
-        self.errors = tempfile.TemporaryFile(mode="w+")
         self.program = subprocess.Popen(command, env=environment(), stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                                        stderr=self.errors, text=True, cwd=directory)
+                                        stderr=subprocess.PIPE, text=True, cwd=directory)
+        self.complaints, self.more_complaints, self.ended = "", threading.Condition(), None
+        # A pipe that nobody empties would stop what writes to it.
+        self.listener = threading.Thread(target=self.listen)
+        self.listener.start()
         self.first_line = self.program.stdout.readline().rstrip("\n")
 
-    def complaints(self):
-        """What it has complained of so far."""
-        return os.pread(self.errors.fileno(), 1 << 20, 0).decode()
+    def listen(self):
+        for line in self.program.stderr:
+            with self.more_complaints:
+                self.complaints += line
+                self.more_complaints.notify_all()
+
+    def complains(self, text):
+        """Waits until it complains of this; false when a loaded machine would long have done so."""
+        with self.more_complaints:
+            return self.more_complaints.wait_for(lambda: text in self.complaints, LIMIT)
 
     def wait(self):
         """The exit status, what else was printed, and what was complained of."""
-        rest = self.program.communicate(timeout=LIMIT)[0]
-        complaints = self.complaints()
-        self.errors.close()
-        return self.program.returncode, rest, complaints
+        if not self.ended:
+            rest = self.program.stdout.read()
+            self.listener.join(LIMIT)
+            self.ended = self.program.wait(LIMIT), rest, self.complaints
+            self.program.stdout.close()
+            self.program.stderr.close()
+        return self.ended
 
     def end(self, signal_number=signal.SIGTERM):
         self.program.send_signal(signal_number)
@@ -66,7 +70,7 @@ def exposed(*words, **settings):
     try:
         yield started
     finally:
-        if not started.errors.closed:
+        if not started.ended:
             started.end()
 
 

@@ -88,7 +88,7 @@ class TtyTest(ExposedTest):
         with exposed.exposed("-V", "3.3", "expose", "tty") as terminal:
             self.assertEqual(self.run_program("stty", "-F", terminal.first_line, "1800").returncode, 0)
             complaint = "veltra: expose tty: baud rate '1800' is unknown: 1200, 2400, 4800, 9600,"
-            self.assertTrue(exposed.until(lambda: terminal.complaints().startswith(complaint)))
+            self.assertTrue(terminal.complains(complaint))
             with serial.Serial(terminal.first_line, 9600, timeout=exposed.LIMIT) as port:
                 port.write(b"on")
                 self.assertEqual(port.read(2), b"on")
@@ -137,7 +137,7 @@ class TtyTest(ExposedTest):
     def test_an_adapter_that_is_pulled_out_ends_it(self):
         done = self.run_program(
             exposed.VIRTUAL_ADAPTER, "run", "--", "sh", "-c",
-            "veltra -V 3.3 expose tty --link port >line & until [ -s line ]; do sleep 0.05; done; "
+            "mkfifo line; veltra -V 3.3 expose tty --link port >line & read -r path <line; "
             "veltra-virtual-adapter tell unplug; wait $!")
         self.assertEqual((done.returncode, done.stdout), (
             4, "veltra: expose tty: the adapter has gone. Plug it in again, then: veltra list\n"))
