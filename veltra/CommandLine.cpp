@@ -149,19 +149,11 @@ int execute(Invocation& invocation, Output& output) {
     Session session(invocation.options, output);
     Context context{session, output, invocation.options};
     session.begin(invocation.operation, invocation.options);
-    const auto end = [&](Failure failure) {
-        if (!failure.during) {
-            failure.during = session.operation();
-        }
-        return finish(output, failure);
-    };
     try {
-        invocation.action(context);
+        perform(invocation, context);
         return context.exitStatus;
     } catch (const Failure& failure) {
-        return end(failure);
-    } catch (const std::exception& error) {
-        return end(Failure::ofException(error));
+        return finish(output, failure);
     }
 }
 
@@ -197,6 +189,22 @@ void parseWords(const Grammar& grammar, Invocation& invocation,
     } catch (const Refusal& refusal) {
         requireSeparator(grammar.root(), words);
         throw complaint(grammar.root(), words, refusal);
+    }
+}
+
+void perform(const Invocation& invocation, Context& context) {
+    const auto during = [&](Failure failure) {
+        if (!failure.during) {
+            failure.during = context.session.operation();
+        }
+        return failure;
+    };
+    try {
+        invocation.action(context);
+    } catch (const Failure& failure) {
+        throw during(failure);
+    } catch (const std::exception& error) {
+        throw during(Failure::ofException(error));
     }
 }
 

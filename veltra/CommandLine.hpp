@@ -23,6 +23,9 @@ void addScriptGrammar(command_line::Command root, Invocation& invocation);
 void parseWords(const command_line::Grammar& grammar, Invocation& invocation,
                 const std::vector<std::string>& words);
 
+/// Calls what was chosen; whatever goes wrong is a Failure that says in which operation.
+void perform(const Invocation& invocation, Context& context);
+
 /// Carries out one command line and returns what the program is to end with.
 int runCommandLine(const std::vector<std::string>& words);
 

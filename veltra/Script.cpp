@@ -78,11 +78,8 @@ void Script::carryOutCommand(const std::vector<std::string>& words) {
     context.session.begin(invocation.operation, invocation.options);
     Context own{context.session, context.output, invocation.options};
     try {
-        invocation.action(own);
-    } catch (Failure& failure) {
-        if (!failure.during) {
-            failure.during = context.session.operation();
-        }
+        perform(invocation, own);
+    } catch (const Failure&) {
         context.session.begin({"batch", "batch", {}}, context.options);
         throw;
     }

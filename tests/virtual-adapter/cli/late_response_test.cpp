@@ -14,7 +14,7 @@ class LateResponse : public testing::TestWithParam<const char*> {
 protected:
     static std::string outputOf(const char* mode) {
         const ProcessResult result = run(
-            {"--model", GetParam(), "--fault", "late-response@i2c-read:2", "--fault-delay", "450"},
+            {"--model", GetParam(), "--fault", "late-response@i2c-read:2", "--fault-delay", "3000"},
             {LATE_RESPONSE_PROBE, mode});
         EXPECT_EQ(result.status, 0) << result.output << result.errors;
         return result.output;
