@@ -56,7 +56,7 @@ void Script::carryOut(const std::string& line) {
     }
 }
 
-void Script::expect(const std::string& pattern) {
+void Script::expect(const std::string& pattern) const {
     const std::string difference = differenceOf(pattern, context.output.lastBytes);
     if (!difference.empty() && !context.session.rehearses()) {
         throw Failure(ExitStatus::NotAsExpected, "expect", difference);

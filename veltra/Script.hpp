@@ -21,7 +21,7 @@ public:
     void carryOut(const std::string& line);
 
 private:
-    void expect(const std::string& pattern);
+    void expect(const std::string& pattern) const;
     void carryOutCommand(const std::vector<std::string>& words);
 
     Context& context;

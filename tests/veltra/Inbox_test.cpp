@@ -8,17 +8,8 @@
 
 #include <gtest/gtest.h>
 
-#include <new>
-#include <stdexcept>
-
 namespace veltra {
 namespace {
-
-void expectFailure(const Failure& failure, const std::string& kind, const std::string& text) {
-    EXPECT_EQ(failure.exitStatus, ExitStatus::Refused);
-    EXPECT_EQ(failure.kind, kind);
-    EXPECT_EQ(failure.text, text);
-}
 
 TEST(Inbox, WhereThereIsNoQueueForItIsAFailureOfMemory) {
     VeltraSDK adapter(0);
@@ -27,19 +18,11 @@ TEST(Inbox, WhereThereIsNoQueueForItIsAFailureOfMemory) {
         const Inbox second(adapter);
         FAIL() << "there are two";
     } catch (const Failure& failure) {
-        expectFailure(failure, "memory",
-                      "either memory or a file descriptor is missing for the notification queue");
+        EXPECT_EQ(failure.exitStatus, ExitStatus::Refused);
+        EXPECT_EQ(failure.kind, "memory");
+        EXPECT_EQ(failure.text,
+                  "either memory or a file descriptor is missing for the notification queue");
     }
-}
-
-TEST(Failure, AnAllocationThatFailsIsToldInWords) {
-    expectFailure(Failure::ofException(std::bad_alloc()), "memory", "not enough memory");
-    expectFailure(Failure::ofException(std::bad_array_new_length()), "memory", "not enough memory");
-}
-
-TEST(Failure, WhatNobodyHasForeseenIsToldAsItIs) {
-    expectFailure(Failure::ofException(std::runtime_error("cannot wait for clients")), "internal",
-                  "cannot wait for clients");
 }
 
 } // namespace

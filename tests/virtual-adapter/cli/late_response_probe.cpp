@@ -24,15 +24,17 @@ void expectSuccess(uint16_t result) {
 
 unsigned countWrongBytes(VeltraSDK& sdk) {
     unsigned wrong = 0;
-    for (uint8_t i = 0; i < contents.size(); ++i) {
+    uint8_t address = 0;
+    for (const char expected : contents) {
         std::vector<uint8_t> byte;
-        uint16_t result = sdk.i2cRead(0, 0x50, {i}, 1, byte, false);
+        uint16_t result = sdk.i2cRead(0, 0x50, {address}, 1, byte, false);
         if (result != 0) {
             std::puts("timed out, tried again");
-            result = sdk.i2cRead(0, 0x50, {i}, 1, byte, false);
+            result = sdk.i2cRead(0, 0x50, {address}, 1, byte, false);
         }
         expectSuccess(result);
-        wrong += byte.size() == 1 && byte[0] == static_cast<uint8_t>(contents[i]) ? 0U : 1U;
+        wrong += byte.size() == 1 && byte[0] == static_cast<uint8_t>(expected) ? 0U : 1U;
+        ++address;
     }
     return wrong;
 }
