@@ -20,12 +20,16 @@ int main(int argc, char** argv) {
         runSignals(strtod(argv[2], NULL));
     } else if (strcmp(run, "stops") == 0 && count > 0) {
         runStops(count);
-    } else if (strcmp(run, "limits") == 0) {
-        runLimits();
+    } else if (strcmp(run, "descriptors") == 0 && count > 0) {
+        runDescriptors(count);
+    } else if (strcmp(run, "memory") == 0 && count > 0) {
+        runMemory(count);
+    } else if (strcmp(run, "threads") == 0 && count > 0) {
+        runThreads(count);
     } else {
         fail("usage: veltrasdk_endurance lives COUNT | notifications COUNT PER_SECOND | signals "
              "SECONDS | "
-             "stops COUNT | limits");
+             "stops COUNT | descriptors HIGHEST | memory HIGHEST | threads HIGHEST");
     }
     return 0;
 }

@@ -6,6 +6,10 @@
 
 #include <veltrasdk/veltrasdk.h>
 
+#ifdef __cplusplus
+extern "C" {
+#endif
+
 /** What this process holds. */
 struct Usage {
     unsigned descriptors;
@@ -42,6 +46,12 @@ void runLives(unsigned long count);
 void runNotifications(unsigned long count, unsigned long perSecond);
 void runSignals(double seconds);
 void runStops(unsigned long count);
-void runLimits(void);
+void runDescriptors(unsigned long highest);
+void runMemory(unsigned long highest);
+void runThreads(unsigned long highest);
+
+#ifdef __cplusplus
+}
+#endif
 
 #endif
