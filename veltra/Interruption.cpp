@@ -13,10 +13,13 @@ namespace veltra {
 
 namespace {
 
+// The handler has no argument of ours.
+// NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables)
 std::atomic<bool> interrupted{false};
 int ends[2] = {-1, -1};
+// NOLINTEND(cppcoreguidelines-avoid-non-const-global-variables)
 
-void remember(int) {
+void remember(int /*signal*/) {
     interrupted = true;
     const char any = 0;
     [[maybe_unused]] const ssize_t written = write(ends[1], &any, 1);

@@ -36,7 +36,7 @@ public:
         timeoutMs = timeoutMs < 0 ? milliseconds : std::min(timeoutMs, milliseconds);
     }
     /// From now on failures concern this operation, under these options.
-    void begin(Operation operation, const Options& options);
+    void begin(Operation operation, const Options& forIt);
     /// What of the operation people want to know beside its name, such as "0x22"; and its bus.
     void concern(const std::string& subject, std::optional<int> bus = {});
     /// Whose supply the next requests need, where the operation's name does not tell.

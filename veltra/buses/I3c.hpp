@@ -31,7 +31,7 @@ public:
     void reset();
     std::vector<I3cTargetInfo> table();
     /// 0x09, pid:0123456789ab or static:0x48 as a dynamic address, by the device table.
-    uint8_t resolve(const std::string& target);
+    uint8_t resolve(const std::string& text);
 
     void acceptInterrupts(uint8_t address, bool accept);
     void drivePattern(const std::string& name);

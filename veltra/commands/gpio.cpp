@@ -58,7 +58,7 @@ void mode(const Words& words, Context& context) {
     }
 }
 
-void info(const Words&, Context& context) {
+void info(const Words& /*wanted*/, Context& context) {
     Gpio gpio(context.session);
     for (uint8_t pin = 0; pin < Gpio::pinCount; ++pin) {
         const std::optional<GpioLogicLevel> level = gpio.look(pin);

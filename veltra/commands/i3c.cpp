@@ -37,12 +37,12 @@ void init(const Wanted& wanted, Context& context) {
     tellTable(context, bus.table());
 }
 
-void reset(const Wanted&, Context& context) {
+void reset(const Wanted& /*wanted*/, Context& context) {
     I3c(context.session).reset();
     context.output.result({{"op", "i3c.reset"}}, "");
 }
 
-void list(const Wanted&, Context& context) {
+void list(const Wanted& /*wanted*/, Context& context) {
     tellTable(context, I3c(context.session).table());
 }
 

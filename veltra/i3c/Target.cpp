@@ -137,7 +137,7 @@ std::string tableOf(const std::vector<I3cTargetInfo>& targets) {
 }
 
 Bytes parsePid(const std::string& text) {
-    const Bytes pid = parseHex(text);
+    Bytes pid = parseHex(text);
     if (pid.size() != sizeof I3cTargetInfo::pid) {
         throw Failure::ofUsage("pid '" + text + "' has not 12 hexadecimal digits");
     }
