@@ -44,12 +44,12 @@ groupThousands() {
     sed -E ':a; s/(^|[^0-9.])([0-9]+)([0-9]{3})($|[^0-9])/\1\2,\3\4/; ta'
 }
 
-# replaceRow DOCUMENT ROW: in the table that has a row with the same first cell
+# replaceRow DOCUMENT ROW: in the first table that has a row with the same first cell and as many cells
 replaceRow() {
     local first
     first=$(printf '%s' "$2" | cut -d '|' -f 2)
     awk -v row="$2" -v first="|$first|" '
-        index($0, first) == 1 && !replaced { print row; replaced = 1; next }
+        index($0, first) == 1 && gsub(/[|]/, "|") == gsub(/[|]/, "|", row) && !replaced { print row; replaced = 1; next }
         { print }
         END { exit !replaced }' "$1" >"$1.new" || { rm -f "$1.new"; giveUp "$1 has no row that begins with |$first|"; }
     cat "$1.new" >"$1"
