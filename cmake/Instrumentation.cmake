@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The libveltrasdk authors
 # SPDX-License-Identifier: MIT
-# Sanitizers and coverage apply to everything in the build, so that no frame goes unwatched.
+# Sanitizers apply to everything in the build, so that no frame goes unwatched.
 if(VELTRASDK_SANITIZE)
     add_compile_options(-fsanitize=${VELTRASDK_SANITIZE} -fno-omit-frame-pointer
                         -fno-sanitize-recover=all)
@@ -21,8 +21,11 @@ foreach(sanitizer IN ITEMS address=libasan.so thread=libtsan.so)
     endif()
 endforeach()
 
+# Rooms whose coverage is counted compile with these options: what the others run would be written down at
+# each end of a process, and never read.
+set(VELTRASDK_COVERAGE_OPTIONS "")
 if(VELTRASDK_COVERAGE)
-    add_compile_options(--coverage -fprofile-update=atomic)
+    set(VELTRASDK_COVERAGE_OPTIONS --coverage -fprofile-update=atomic)
     add_link_options(--coverage)
 endif()
 
