@@ -2,8 +2,10 @@
 # SPDX-License-Identifier: MIT
 # A program of GoogleTest becomes tests of ctest: add_google_tests(TARGET [PREFIX TEXT] [ENVIRONMENT TEXT])
 # Each test runs in a process of its own. Under a sanitizer or an emulator, whose start takes longer than
-# most tests do, the program runs as a whole instead, in shards.
+# most tests do, the program runs as a whole instead, in shards; under a sanitizer, under which compiling takes
+# longest, it is compiled in few pieces.
 include(GoogleTest)
+include(${CMAKE_CURRENT_LIST_DIR}/JoinedTests.cmake)
 find_package(Python3 REQUIRED COMPONENTS Interpreter)
 set(google_test_shards 4)
 set(google_test_runner ${CMAKE_CURRENT_LIST_DIR}/run_google_tests.py)
@@ -21,6 +23,9 @@ target_precompile_headers(precompiled_test_headers PRIVATE
 function(add_google_tests target)
     cmake_parse_arguments(PARSE_ARGV 1 TESTS "" "PREFIX;ENVIRONMENT" "")
     target_precompile_headers(${target} REUSE_FROM precompiled_test_headers)
+    if(VELTRASDK_SANITIZE)
+        join_tests(${target})
+    endif()
     get_target_property(sources ${target} SOURCES)
     list(FILTER sources INCLUDE REGEX "\\.c$")
     set_source_files_properties(${sources} PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
