@@ -2,8 +2,8 @@
 # SPDX-License-Identifier: MIT
 # A program of GoogleTest becomes tests of ctest: add_google_tests(TARGET [PREFIX TEXT] [ENVIRONMENT TEXT])
 # Each test runs in a process of its own. Under a sanitizer or an emulator, whose start takes longer than
-# most tests do, the program runs as a whole instead, in shards; under a sanitizer, under which compiling takes
-# longest, it is compiled in few pieces.
+# most tests do, the program runs as a whole instead, in shards. The builds that only serve the tests compile it in
+# few pieces; a development build compiles each file by itself.
 include(GoogleTest)
 include(${CMAKE_CURRENT_LIST_DIR}/JoinedTests.cmake)
 find_package(Python3 REQUIRED COMPONENTS Interpreter)
@@ -23,7 +23,7 @@ target_precompile_headers(precompiled_test_headers PRIVATE
 function(add_google_tests target)
     cmake_parse_arguments(PARSE_ARGV 1 TESTS "" "PREFIX;ENVIRONMENT" "")
     target_precompile_headers(${target} REUSE_FROM precompiled_test_headers)
-    if(VELTRASDK_SANITIZE)
+    if(VELTRASDK_SANITIZE OR VELTRASDK_COVERAGE)
         join_tests(${target})
     endif()
     get_target_property(sources ${target} SOURCES)
