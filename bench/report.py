@@ -5,7 +5,7 @@
 
 usage: report.py BUILD_DIRECTORY [--counts] [--json FILE] [--update DOCUMENT]
 
-A count is the same on every machine with this compiler: one over its goal fails. Times are a trend.
+A count hardly depends on the machine: one that stays over its goal fails. Times are a trend.
 With --counts only the counts are taken. The size sweep goes to FILE, for chart.py. What is printed
 replaces the figures of DOCUMENT, which stand between two comments.
 """
@@ -22,8 +22,8 @@ import sys
 import tempfile
 
 REPORT_SIZES = (64, 1024)
-# On a busy machine a thread that waits is woken more often than it would be. What that costs comes on top of
-# what is counted: a figure over its goal is counted again, and the lowest holds.
+# How the machine runs the two threads decides whether a caller finds its answer or waits for it, which takes more:
+# a figure over its goal is counted again, and the lowest holds.
 MAX_COUNTINGS = 5
 # A request of 64 KiB in 64-byte reports.
 PACKETS_OF_LONG_REQUEST = (65535 + 6 + 61) // 62
